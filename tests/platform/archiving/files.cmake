@@ -1,0 +1,1 @@
+set(archiving_TESTS)

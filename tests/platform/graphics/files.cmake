@@ -1,0 +1,1 @@
+set(graphics_TESTS)

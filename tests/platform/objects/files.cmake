@@ -1,0 +1,1 @@
+set(objects_TESTS AssertionHandlerTest.cpp ObjectTest.cpp WeakTest.cpp)

@@ -1,0 +1,1 @@
+set(text_TESTS)

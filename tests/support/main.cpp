@@ -1,0 +1,26 @@
+// The main function of every test program: an environment that does not depend on the machine,
+// then a GUI application, then the tests.
+#include "tests/support/LogWatch.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QLocale>
+#include <QtWidgets/QApplication>
+
+int main(int argc, char** argv) {
+  ::testing::InitGoogleTest(&argc, argv);
+  qputenv("LC_ALL", "C.UTF-8");
+  qputenv("TZ", "UTC");
+  qputenv("QT_SCALE_FACTOR", "1");
+  qunsetenv("QT_SCREEN_SCALE_FACTORS");
+  qunsetenv("QT_QPA_PLATFORMTHEME");
+  // A test that needs a window system starts its own and says so here.
+  if (!qEnvironmentVariableIsSet("ZQTICKER_TEST_PLATFORM"))
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+  else
+    qputenv("QT_QPA_PLATFORM", qgetenv("ZQTICKER_TEST_PLATFORM"));
+  QLocale::setDefault(QLocale::c());
+  QApplication application(argc, argv);
+  zq::testing::installLogWatch();
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,42 @@
+// The closed list of classes that an archive may make.
+#pragma once
+
+#include "zqticker/platform/objects/Object.h"
+#include "zqticker/zqticker_export.h"
+
+#include <QtCore/QStringList>
+
+namespace zq::platform {
+
+// Makes an empty object of one class, to be filled by initWithCoder.
+using ObjectFactory = Ref<Object> (*)();
+
+// Archive names and the classes behind them. Registration happens while the library or the host
+// is loaded; look-up from any thread afterwards.
+class ZQTICKER_EXPORT ClassRegistry {
+ public:
+  // Lists `factory` under `archiveName`. A second registration of a name replaces the first.
+  static void registerClass(const QString& archiveName, ObjectFactory factory);
+  // A fresh object of the class listed under `archiveName`, or null.
+  static Ref<Object> make(const QString& archiveName);
+  static QStringList archiveNames();
+
+  // The name under which a class archives: its own Q_CLASSINFO("ArchiveName"), else its class
+  // name without namespace.
+  static QString archiveNameOf(const QMetaObject& metaObject);
+  // The archive names of a class and of its superclasses, up to "NSObject".
+  static QStringList archiveClassesOf(const QMetaObject& metaObject);
+};
+
+// Lists a default-constructible class under its archive name; stands in the class's source file.
+#define ZQ_REGISTER_CLASS(Class)                                                                   \
+  [[maybe_unused]] static const bool zqClassIsRegistered_##Class = [] {                            \
+    ::zq::platform::ClassRegistry::registerClass(                                                  \
+        ::zq::platform::ClassRegistry::archiveNameOf(Class::staticMetaObject),                     \
+        []() -> ::zq::platform::Ref<::zq::platform::Object> {                                      \
+          return std::make_shared<Class>();                                                        \
+        });                                                                                        \
+    return true;                                                                                   \
+  }()
+
+} // namespace zq::platform

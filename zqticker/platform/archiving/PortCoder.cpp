@@ -1,0 +1,22 @@
+#include "zqticker/platform/archiving/PortCoder.h"
+
+#include <algorithm>
+
+namespace zq::platform {
+
+ObjectProxy::ObjectProxy(Ref<Object> target) : target_(std::move(target)) {}
+ObjectProxy::~ObjectProxy() = default;
+
+PortCoder::PortCoder(Passing passing) : passing_(passing) {}
+PortCoder::~PortCoder() = default;
+
+Ref<Object> PortCoder::proxyFor(const Ref<Object>& object) {
+  const auto known =
+      std::find_if(proxies_.begin(), proxies_.end(),
+                   [&](const Ref<ObjectProxy>& proxy) { return proxy->target() == object; });
+  if (known != proxies_.end())
+    return *known;
+  return proxies_.emplace_back(std::make_shared<ObjectProxy>(object));
+}
+
+} // namespace zq::platform

@@ -1,0 +1,3 @@
+set(graphics_PUBLIC_HEADERS)
+set(graphics_PRIVATE_HEADERS)
+set(graphics_SOURCES)
