@@ -1,3 +1,3 @@
-set(objects_PUBLIC_HEADERS AssertionHandler.h Exception.h Object.h Weak.h)
+set(objects_PUBLIC_HEADERS AssertionHandler.h AtomicProperty.h Exception.h Object.h Weak.h)
 set(objects_PRIVATE_HEADERS)
 set(objects_SOURCES AssertionHandler.cpp Exception.cpp Object.cpp Weak.cpp)

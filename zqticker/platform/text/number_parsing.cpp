@@ -1,0 +1,62 @@
+#include "zqticker/platform/text/number_parsing.h"
+
+#include <QtCore/QByteArray>
+
+#include <charconv>
+
+namespace zq::platform {
+
+namespace {
+
+bool isDigit(QStringView text, qsizetype index) {
+  return index < text.size() && text[index] >= u'0' && text[index] <= u'9';
+}
+
+qsizetype skipDigits(QStringView text, qsizetype index) {
+  while (isDigit(text, index))
+    ++index;
+  return index;
+}
+
+bool isAt(QStringView text, qsizetype index, QStringView characters) {
+  return index < text.size() && characters.contains(text[index]);
+}
+
+// The numeric prefix in ASCII, without a leading plus; empty where there is none.
+QByteArray numericPrefix(QStringView text) {
+  const qsizetype start = isAt(text, 0, u"+-") ? 1 : 0;
+  qsizetype end = skipDigits(text, start);
+  bool hasDigits = end > start;
+  if (isAt(text, end, u".")) {
+    const qsizetype fraction = end + 1;
+    const qsizetype afterFraction = skipDigits(text, fraction);
+    hasDigits = hasDigits || afterFraction > fraction;
+    end = afterFraction;
+  }
+  if (!hasDigits)
+    return {};
+  if (isAt(text, end, u"eE")) {
+    const qsizetype exponent = isAt(text, end + 1, u"+-") ? end + 2 : end + 1;
+    if (isDigit(text, exponent))
+      end = skipDigits(text, exponent);
+  }
+  const bool plus = text.front() == u'+';
+  return text.first(end).mid(plus ? 1 : 0).toLatin1();
+}
+
+} // namespace
+
+float floatValue(QStringView text) {
+  qsizetype start = 0;
+  while (start < text.size() && text[start].isSpace())
+    ++start;
+  const QByteArray number = numericPrefix(text.mid(start));
+  float value = 0;
+  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
+  if (error == std::errc::result_out_of_range)
+    // Too large for single precision, or too small: infinite or zero, with the sign.
+    return static_cast<float>(number.toDouble());
+  return value;
+}
+
+} // namespace zq::platform

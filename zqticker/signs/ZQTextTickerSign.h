@@ -1,0 +1,58 @@
+// A sign that shows a line of text.
+#pragma once
+
+#include "zqticker/signs/ZQImageTickerSign.h"
+
+namespace zq::platform {
+class AttributedString;
+} // namespace zq::platform
+
+// Shows styled text on one line. The inherited image is the text's rendering, its buffer, made
+// whenever the text is set; callers do not set it.
+class ZQTICKER_EXPORT ZQTextTickerSign : public ZQImageTickerSign {
+  Q_GADGET
+  ZQ_OBJECT
+
+ public:
+  // A sign without a text, of zero size, with scroll direction 1.
+  ZQTextTickerSign();
+  explicit ZQTextTickerSign(zq::platform::Ref<zq::platform::AttributedString> text);
+  // Shows `string` without attributes.
+  explicit ZQTextTickerSign(const QString& string);
+  ~ZQTextTickerSign() override;
+
+  static zq::platform::Ref<ZQTextTickerSign>
+  make(zq::platform::Ref<zq::platform::AttributedString> text) {
+    return std::make_shared<ZQTextTickerSign>(std::move(text));
+  }
+  static zq::platform::Ref<ZQTextTickerSign> make(const QString& string) {
+    return std::make_shared<ZQTextTickerSign>(string);
+  }
+
+  // The text, shared with whoever set it. Setting another object renders the buffer; setting the
+  // very object that is held does nothing. Raises in a process without a GUI application.
+  const zq::platform::Ref<zq::platform::AttributedString>& text() const { return text_; }
+  void setText(zq::platform::Ref<zq::platform::AttributedString> text);
+
+  // Renders the text into a fresh image of the text's width plus its height by its height: the
+  // height in width is the gap after every text. The text stands at the display's textOffset of
+  // this moment, 0 without a display; a display that is set later does not render it again.
+  void updateBuffer();
+
+  // The text's characters; empty without a text.
+  QString description() const override;
+
+  // The copy has a copy of the text and a buffer of its own.
+  zq::platform::Ref<zq::platform::Object> copy() override;
+
+  // Adds the text. Reading renders the buffer again, in place of the archived picture.
+  void encodeWithCoder(zq::platform::Coder& coder) override;
+  zq::platform::Ref<zq::platform::Object> initWithCoder(zq::platform::Coder& coder) override;
+
+ protected:
+  ZQTextTickerSign(const ZQTextTickerSign&);
+  zq::platform::Ref<ZQTickerSign> memberwiseCopy() const override;
+
+ private:
+  zq::platform::Ref<zq::platform::AttributedString> text_;
+};

@@ -1,0 +1,3 @@
+#include "zqticker/signs/ZQTickerDisplayProtocol.h"
+
+ZQTickerDisplayProtocol::~ZQTickerDisplayProtocol() = default;
