@@ -28,8 +28,10 @@ class ZQTICKER_EXPORT ZQComboTickerSign : public ZQTickerSign {
 
   // A sign over `text`, which is a QString or a Ref to an AttributedString, and `image`, which may
   // be null. Its scroll direction is 0. Fails like setText.
+  // Operation: initWithText:andImage:
   static zq::platform::Ref<ZQComboTickerSign> make(const zq::platform::Any& text,
                                                    zq::platform::Ref<zq::platform::Image> image);
+  // Operation: initWithText:andImage:
   static zq::platform::Ref<ZQComboTickerSign> make(const QString& text,
                                                    zq::platform::Ref<zq::platform::Image> image) {
     return make(zq::platform::Any(text), std::move(image));
@@ -76,6 +78,7 @@ class ZQTICKER_EXPORT ZQComboTickerSign : public ZQTickerSign {
 
   // The copy holds the picture and the text that this sign held until now, and this sign's layout;
   // this sign goes on with private copies of them and needs layout.
+  // Operation: copyWithZone:
   zq::platform::Ref<zq::platform::Object> copy() override;
 
   // Adds the picture as TIFF data and the text. A sign that was read needs layout, has

@@ -14,10 +14,12 @@ class ZQTICKER_EXPORT ZQImageTickerSign : public ZQTickerSign {
 
  public:
   // A sign without a picture, of zero size, with scroll direction 1.
+  // Operation: init
   ZQImageTickerSign();
   explicit ZQImageTickerSign(zq::platform::Ref<zq::platform::Image> image);
   ~ZQImageTickerSign() override;
 
+  // Operation: initWithImage:
   static zq::platform::Ref<ZQImageTickerSign>
   make(zq::platform::Ref<zq::platform::Image> image = nullptr) {
     return std::make_shared<ZQImageTickerSign>(std::move(image));
@@ -41,6 +43,7 @@ class ZQTICKER_EXPORT ZQImageTickerSign : public ZQTickerSign {
 
   // The copy holds the picture and the text representation that this sign held until now; this
   // sign goes on with private copies of them.
+  // Operation: copyWithZone:
   zq::platform::Ref<zq::platform::Object> copy() override;
 
   // Adds the picture as TIFF data and the text representation. Undecodable data leaves the sign

@@ -21,10 +21,12 @@ class ZQTICKER_EXPORT ZQTextTickerSign : public ZQImageTickerSign {
   explicit ZQTextTickerSign(const QString& string);
   ~ZQTextTickerSign() override;
 
+  // Operation: initWithAttributedString:
   static zq::platform::Ref<ZQTextTickerSign>
   make(zq::platform::Ref<zq::platform::AttributedString> text) {
     return std::make_shared<ZQTextTickerSign>(std::move(text));
   }
+  // Operation: initWithString:
   static zq::platform::Ref<ZQTextTickerSign> make(const QString& string) {
     return std::make_shared<ZQTextTickerSign>(string);
   }
@@ -43,6 +45,7 @@ class ZQTICKER_EXPORT ZQTextTickerSign : public ZQImageTickerSign {
   QString description() const override;
 
   // The copy has a copy of the text and a buffer of its own.
+  // Operation: copyWithZone:
   zq::platform::Ref<zq::platform::Object> copy() override;
 
   // Adds the text. Reading renders the buffer again, in place of the archived picture.

@@ -76,6 +76,7 @@ class ZQTICKER_EXPORT ZQTickerSign : public zq::platform::Object {
 
   // A sign of the same class with every field of this one; strings, objects and the display are
   // shared. Subclasses extend it.
+  // Operation: copyWithZone:
   zq::platform::Ref<zq::platform::Object> copy() override;
 
   // Keyed archiving; a coder without keys fails the assertion "keyed coding support is required".

@@ -52,6 +52,7 @@ class ZQTICKER_EXPORT Object : public std::enable_shared_from_this<Object> {
   // A new, equal object of the same class, never the same one. Not const: some classes change
   // their source while being copied. Raises UnrecognizedSelectorException where a class has no
   // copies.
+  // Operation: copyWithZone:
   virtual Ref<Object> copy();
 
   // Writes the object's values. Raises UnrecognizedSelectorException where a class does not
