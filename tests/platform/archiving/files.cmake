@@ -1,1 +1,1 @@
-set(archiving_TESTS)
+set(archiving_TESTS ArchiveBuilder.cpp KeyedArchiverTest.cpp)

@@ -17,9 +17,13 @@ void ClassRegistry::registerClass(const QString& archiveName, ObjectFactory fact
   factories().insert(archiveName, factory);
 }
 
+ObjectFactory ClassRegistry::factory(const QString& archiveName) {
+  return factories().value(archiveName);
+}
+
 Ref<Object> ClassRegistry::make(const QString& archiveName) {
-  const ObjectFactory factory = factories().value(archiveName);
-  return factory ? factory() : nullptr;
+  const ObjectFactory make = factory(archiveName);
+  return make ? make() : nullptr;
 }
 
 QStringList ClassRegistry::archiveNames() {

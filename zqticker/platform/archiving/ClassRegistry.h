@@ -17,6 +17,8 @@ class ZQTICKER_EXPORT ClassRegistry {
  public:
   // Lists `factory` under `archiveName`. A second registration of a name replaces the first.
   static void registerClass(const QString& archiveName, ObjectFactory factory);
+  // The factory listed under `archiveName`, or null.
+  static ObjectFactory factory(const QString& archiveName);
   // A fresh object of the class listed under `archiveName`, or null.
   static Ref<Object> make(const QString& archiveName);
   static QStringList archiveNames();

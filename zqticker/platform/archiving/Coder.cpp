@@ -2,13 +2,11 @@
 
 #include "zqticker/platform/objects/Exception.h"
 
+#include <exception>
+
 using namespace Qt::StringLiterals;
 
 namespace zq::platform {
-
-[[noreturn]] static void refuse(QAnyStringView key) {
-  throw InvalidArgumentException("this coder has no operation for the key "_L1 + key.toString());
-}
 
 Coder::~Coder() = default;
 
@@ -17,71 +15,71 @@ bool Coder::allowsKeyedCoding() const {
 }
 
 void Coder::encodeInt(std::int32_t, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeInt64(std::int64_t, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeBool(bool, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeFloat(float, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeDouble(double, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeBytes(const QByteArray&, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodePoint(QPointF, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeSize(QSizeF, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeRect(const QRectF&, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeObject(const Any&, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 void Coder::encodeConditionalObject(const Ref<Object>&, QAnyStringView forKey) {
-  refuse(forKey);
+  refuse(forKey, Operation::Encode);
 }
 
 bool Coder::containsValueForKey(QAnyStringView key) const {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 std::int32_t Coder::decodeIntForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 std::int64_t Coder::decodeInt64ForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 bool Coder::decodeBoolForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 float Coder::decodeFloatForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 double Coder::decodeDoubleForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 QByteArray Coder::decodeBytesForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 QPointF Coder::decodePointForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 QSizeF Coder::decodeSizeForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 QRectF Coder::decodeRectForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 Any Coder::decodeObjectForKey(QAnyStringView key) {
-  refuse(key);
+  refuse(key, Operation::Decode);
 }
 
 std::optional<QString> Coder::decodeStringForKey(QAnyStringView key) {
@@ -102,16 +100,35 @@ std::optional<QByteArray> Coder::decodeDataForKey(QAnyStringView key) {
   return value.toByteArray();
 }
 
+void Coder::encodeValue(const Any&) {
+  refuse("", Operation::Encode);
+}
+Any Coder::decodeValue() {
+  refuse("", Operation::Decode);
+}
+
 QString Coder::keyPath(QAnyStringView key) const {
   return key.toString();
 }
 
+void Coder::refuse(QAnyStringView key, Operation operation) const {
+  raiseUnsupported(key, operation);
+  std::terminate();
+}
+
+void Coder::raiseUnsupported(QAnyStringView key, Operation) const {
+  throw InvalidArgumentException(key.isEmpty() ? u"this coder has no values in order"_s
+                                               : u"this coder has no operation for the key "_s +
+                                                     key.toString());
+}
+
 void Coder::raiseWrongClass(QAnyStringView key, const Any& found, const char* expected) const {
   const Ref<Object> object = objectOf(found);
-  throw ArchiveException(
-      "expected "_L1 + QLatin1StringView(expected) + ", found "_L1 +
-          (object ? object->className() : QString::fromLatin1(found.metaType().name())),
-      keyPath(key));
+  const QString name = object            ? object->className()
+                       : found.isValid() ? QString::fromLatin1(found.metaType().name())
+                                         : u"nothing"_s;
+  throw ArchiveException(u"expected %1, found %2"_s.arg(QLatin1StringView(expected), name),
+                         keyPath(key));
 }
 
 } // namespace zq::platform

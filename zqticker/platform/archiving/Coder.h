@@ -17,7 +17,8 @@ namespace zq::platform {
 
 // One interface for writing and reading objects. A keyed coder stores each value under a key that
 // is unique within the object being coded; a sequential coder knows no keys, answers false to
-// allowsKeyedCoding, and raises InvalidArgumentException from every keyed operation.
+// allowsKeyedCoding, and raises InvalidArgumentException from every keyed operation. It has
+// encodeValue and decodeValue instead.
 //
 // An archiver raises ArchiveException from decoding operations and an unarchiver from encoding
 // ones. Writing the same key twice in one object raises InvalidArgumentException.
@@ -83,9 +84,20 @@ class ZQTICKER_EXPORT Coder {
   // The way from the top of the archive to `key` of the object being coded ("root.ZQText").
   virtual QString keyPath(QAnyStringView key) const;
 
+  // Writes and reads values in their order; InvalidArgumentException from a keyed coder.
+  virtual void encodeValue(const Any& value);
+  virtual Any decodeValue();
+
  protected:
+  enum class Operation { Encode, Decode };
+  // Raises the exception for an operation that this coder does not have; by default an
+  // InvalidArgumentException. Never returns.
+  virtual void raiseUnsupported(QAnyStringView key, Operation operation) const;
   [[noreturn]] void raiseWrongClass(QAnyStringView key, const Any& found,
                                     const char* expected) const;
+
+ private:
+  [[noreturn]] void refuse(QAnyStringView key, Operation operation) const;
 };
 
 } // namespace zq::platform

@@ -1,3 +1,38 @@
-set(archiving_PUBLIC_HEADERS ClassRegistry.h Coder.h PortCoder.h)
-set(archiving_PRIVATE_HEADERS)
-set(archiving_SOURCES ClassRegistry.cpp Coder.cpp PortCoder.cpp)
+set(archiving_PUBLIC_HEADERS
+    ClassRegistry.h
+    Coder.h
+    IndexSet.h
+    KeyedArchive.h
+    KeyedArchiver.h
+    KeyedUnarchiver.h
+    number_text.h
+    PlaceholderObject.h
+    PortCoder.h
+    PropertyList.h
+    seven_bit_groups.h)
+set(archiving_PRIVATE_HEADERS
+    BinaryPropertyListReader_p.h
+    decimal_number_p.h
+    KeyedArchiver_p.h
+    KeyedUnarchiver_p.h
+    PropertyListWriter_p.h
+    reference_date_p.h
+    XmlPropertyListReader_p.h)
+set(archiving_SOURCES
+    BinaryPropertyListReader.cpp
+    ClassRegistry.cpp
+    Coder.cpp
+    decimal_number.cpp
+    KeyedArchive.cpp
+    KeyedArchiver.cpp
+    KeyedArchiverValues.cpp
+    KeyedUnarchiver.cpp
+    KeyedUnarchiverState.cpp
+    KeyedUnarchiverValues.cpp
+    number_text.cpp
+    PlaceholderObject.cpp
+    PortCoder.cpp
+    PropertyList.cpp
+    PropertyListWriter.cpp
+    seven_bit_groups.cpp
+    XmlPropertyListReader.cpp)
