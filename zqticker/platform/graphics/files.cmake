@@ -1,3 +1,36 @@
-set(graphics_PUBLIC_HEADERS)
-set(graphics_PRIVATE_HEADERS)
-set(graphics_SOURCES)
+set(graphics_PUBLIC_HEADERS Color.h Font.h FontManager.h GraphicsContext.h Image.h
+                            ImageRepresentation.h)
+set(graphics_PRIVATE_HEADERS
+    BitmapRepresentation_p.h
+    ColorSpace_p.h
+    DrawingRecording_p.h
+    DrawingRepresentation_p.h
+    FontFace_p.h
+    FontName_p.h
+    TiffFile_p.h
+    TileCache_p.h
+    component_text_p.h
+    image_drawing_p.h
+    picture_data_p.h
+    pixels_p.h)
+set(graphics_SOURCES
+    BitmapRepresentation.cpp
+    Color.cpp
+    ColorSpace.cpp
+    DrawingRepresentation.cpp
+    Font.cpp
+    FontFace.cpp
+    FontManager.cpp
+    FontName.cpp
+    GraphicsContext.cpp
+    Image.cpp
+    ImageCoding.cpp
+    ImageRepresentation.cpp
+    TiffFile.cpp
+    TiffReader.cpp
+    TiffWriter.cpp
+    TileCache.cpp
+    component_text.cpp
+    image_drawing.cpp
+    picture_data.cpp
+    pixels.cpp)

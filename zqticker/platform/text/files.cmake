@@ -1,3 +1,12 @@
-set(text_PUBLIC_HEADERS)
-set(text_PRIVATE_HEADERS)
-set(text_SOURCES)
+set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h string_drawing.h text_attributes.h)
+set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h line_breaks_p.h)
+set(text_SOURCES
+    AttributedString.cpp
+    AttributedStringCoding.cpp
+    MutableAttributedString.cpp
+    ParagraphStyle.cpp
+    TextLine.cpp
+    TextStyle.cpp
+    bidi.cpp
+    line_breaks.cpp
+    string_drawing.cpp)

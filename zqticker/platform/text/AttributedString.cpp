@@ -1,0 +1,116 @@
+#include "zqticker/platform/text/AttributedString.h"
+
+#include "zqticker/platform/archiving/ClassRegistry.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/text/TextLine_p.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::platform {
+
+ZQ_REGISTER_CLASS(AttributedString);
+
+AttributedString::AttributedString() = default;
+AttributedString::~AttributedString() = default;
+
+Ref<AttributedString> AttributedString::make(const QString& string, const Attributes& attributes) {
+  auto text = std::make_shared<AttributedString>();
+  text->string_ = string;
+  if (!string.isEmpty())
+    text->runs_.push_back({{0, string.size()}, attributes});
+  return text;
+}
+
+void AttributedString::checkRange(Range range) const {
+  if (range.location < 0 || range.length < 0 || range.location > length() ||
+      range.length > length() - range.location)
+    throw RangeException(u"range {%1, %2} out of bounds; string length %3"_s.arg(range.location)
+                             .arg(range.length)
+                             .arg(length()));
+}
+
+const Attributes& AttributedString::attributesAtIndex(qsizetype index,
+                                                      Range* effectiveRange) const {
+  if (index < 0 || index >= length())
+    throw RangeException(u"index %1 out of bounds; string length %2"_s.arg(index).arg(length()));
+  const auto run = std::upper_bound(
+      runs_.begin(), runs_.end(), index,
+      [](qsizetype position, const Run& candidate) { return position < candidate.range.end(); });
+  if (effectiveRange)
+    *effectiveRange = run->range;
+  return run->attributes;
+}
+
+Any AttributedString::attributeAtIndex(const QString& name, qsizetype index) const {
+  return attributesAtIndex(index).value(name);
+}
+
+Ref<AttributedString> AttributedString::attributedSubstringFromRange(Range range) const {
+  checkRange(range);
+  auto part = std::make_shared<AttributedString>();
+  part->string_ = string_.mid(range.location, range.length);
+  for (const Run& run : runs_) {
+    const qsizetype from = std::max(run.range.location, range.location);
+    const qsizetype to = std::min(run.range.end(), range.end());
+    if (from < to)
+      part->runs_.push_back({{from - range.location, to - from}, run.attributes});
+  }
+  return part;
+}
+
+const std::shared_ptr<const TextLine>& AttributedString::line() const {
+  if (!line_)
+    line_ = std::make_shared<TextLine>(string_, runs_);
+  return line_;
+}
+
+QSizeF AttributedString::size() const {
+  return line()->size();
+}
+
+void AttributedString::drawAtPoint(QPointF point) const {
+  if (GraphicsContext* context = GraphicsContext::currentContext())
+    TextLine::draw(line(), *context, point);
+}
+
+QString AttributedString::description() const {
+  return string_;
+}
+
+bool AttributedString::isEqual(const Object& other) const {
+  const auto* text = dynamic_cast<const AttributedString*>(&other);
+  if (!text || text->string_ != string_)
+    return false;
+  // Runs may be cut differently: compare every stretch that is within one run of both.
+  auto a = runs_.begin();
+  auto b = text->runs_.begin();
+  while (a != runs_.end() && b != text->runs_.end()) {
+    if (!isEqualValue(a->attributes, b->attributes))
+      return false;
+    const qsizetype end = std::min(a->range.end(), b->range.end());
+    if (a->range.end() == end)
+      ++a;
+    if (b->range.end() == end)
+      ++b;
+  }
+  return true;
+}
+
+Ref<Object> AttributedString::copy() {
+  auto text = std::make_shared<AttributedString>();
+  text->string_ = string_;
+  text->runs_ = runs_;
+  text->line_ = line_;
+  return text;
+}
+
+Ref<MutableAttributedString> AttributedString::mutableCopy() const {
+  auto text = std::make_shared<MutableAttributedString>();
+  text->replaceCharactersInRange({0, 0}, *this);
+  return text;
+}
+
+} // namespace zq::platform

@@ -1,0 +1,212 @@
+#include "zqticker/platform/text/TextLine_p.h"
+
+#include "zqticker/platform/graphics/FontFace_p.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/text/ParagraphStyle.h"
+#include "zqticker/platform/text/bidi_p.h"
+#include "zqticker/platform/text/line_breaks_p.h"
+
+#include <QtGui/QPainter>
+#include <QtGui/QTextLayout>
+
+#include <algorithm>
+
+namespace zq::platform {
+
+namespace {
+
+// Characters whose glyphs one line keeps at most, beyond the segment being drawn: several screens
+// of text.
+constexpr qsizetype maximumKeptLength = 16384;
+
+constexpr char16_t zeroWidthSpace = 0x200b;
+
+// What stands for `text[i]` on one line.
+char16_t onOneLine(const QString& text, qsizetype i) {
+  const QChar c = text[i];
+  switch (c.unicode()) {
+  case u'\n':
+    return i > 0 && text[i - 1] == u'\r' ? zeroWidthSpace : u' ';
+  case u'\r':
+  case u'\t':
+  case u'\v':
+  case u'\f':
+  case 0x85:
+  case QChar::LineSeparator:
+  case QChar::ParagraphSeparator:
+    return u' ';
+  default:
+    break;
+  }
+  if (c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0))
+    return zeroWidthSpace;
+  const bool isLone = (c.isHighSurrogate() &&
+                       (i + 1 == text.size() || !text[i + 1].isLowSurrogate())) ||
+                      (c.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate()));
+  return isLone ? char16_t(QChar::ReplacementCharacter) : c.unicode();
+}
+
+QString onOneLine(const QString& text) {
+  QString line(text.size(), Qt::Uninitialized);
+  for (qsizetype i = 0; i < text.size(); ++i)
+    line[i] = onOneLine(text, i);
+  return line;
+}
+
+std::optional<bool> directionOf(const std::vector<AttributedString::Run>& runs) {
+  if (runs.empty())
+    return std::nullopt;
+  const auto style =
+      objectOf<ParagraphStyle>(runs.front().attributes.value(ParagraphStyleAttributeName));
+  if (!style || style->settings().writingDirection == WritingDirection::Natural)
+    return std::nullopt;
+  return style->settings().writingDirection == WritingDirection::RightToLeft;
+}
+
+} // namespace
+
+TextLine::~TextLine() = default;
+
+TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>& runs,
+                   const Attributes& ifEmpty)
+    : text_(onOneLine(text)) {
+  if (text_.isEmpty()) {
+    const TextStyle style = TextStyle::from(ifEmpty);
+    ascent_ = style.face->ascent() * style.pointSize;
+    descent_ = style.face->descent() * style.pointSize;
+    leading_ = style.face->leading() * style.pointSize;
+    return;
+  }
+  for (const AttributedString::Run& run : runs)
+    styles_.push_back({run.range.location, run.range.end(), TextStyle::from(run.attributes)});
+
+  const std::vector<DirectionRun> directions = directionRuns(text_, directionOf(runs));
+  // The order is known now; what directed it must not do so again within a segment.
+  for (QChar& c : text_)
+    if (isDirectionControl(c.unicode())) {
+      forcesDirection_ |= isDirectionOverride(c.unicode());
+      c = QChar(zeroWidthSpace);
+    }
+
+  // The parts of each direction run that measure alike, in visual order.
+  for (const DirectionRun& run : directions) {
+    const qsizetype end = run.start + run.length;
+    auto style = std::partition_point(
+        styles_.begin(), styles_.end(),
+        [&](const StyledRange& range) { return range.end <= run.start; });
+    std::vector<std::size_t> starts;
+    for (; style != styles_.end() && style->start < end; ++style)
+      if (starts.empty() || !style->style.measuresLike(styles_[starts.back()].style))
+        starts.push_back(std::size_t(style - styles_.begin()));
+    const std::size_t count = starts.size();
+    for (std::size_t i = 0; i < count; ++i) {
+      const std::size_t part = run.rightToLeft ? count - 1 - i : i;
+      const qsizetype from = std::max(run.start, styles_[starts[part]].start);
+      const qsizetype to = part + 1 < count ? styles_[starts[part + 1]].start : end;
+      cut(from, to, starts[part], run.rightToLeft);
+    }
+  }
+}
+
+void TextLine::cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft) {
+  const QFont font = styles_[style].style.layoutFont();
+  std::vector<qsizetype> breaks{start};
+  while (breaks.back() < end)
+    breaks.push_back(nextBreak(text_, breaks.back(), end, {font, rightToLeft, forcesDirection_}));
+  const std::size_t count = breaks.size() - 1;
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t part = rightToLeft ? count - 1 - i : i;
+    segments_.push_back({breaks[part], breaks[part + 1] - breaks[part], style, rightToLeft, width_,
+                         nullptr});
+    measure(segments_.size() - 1);
+  }
+}
+
+void TextLine::measure(std::size_t index) {
+  const TextStyle& style = styles_[segments_[index].style].style;
+  const QTextLine line = layoutOf(index).lineAt(0);
+  const double scale = style.scale();
+  width_ += line.naturalTextWidth() * scale;
+  // The run's own font counts even where others stand in for all of its characters.
+  ascent_ = std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +
+                                  style.baselineOffset);
+  descent_ = std::max(descent_,
+                      std::max(line.descent() * scale, style.face->descent() * style.pointSize) -
+                          style.baselineOffset);
+  leading_ = std::max(leading_, style.face->leading() * style.pointSize);
+  // Slanted letters and swashes leave their box by less than this.
+  overhang_ = std::max(overhang_, 2 * style.pointSize);
+}
+
+const QTextLayout& TextLine::layoutOf(std::size_t index) const {
+  Segment& segment = segments_[index];
+  if (segment.layout)
+    return *segment.layout;
+  while (!kept_.empty() && keptLength_ + segment.length > maximumKeptLength) {
+    Segment& oldest = segments_[kept_.front()];
+    oldest.layout.reset();
+    keptLength_ -= oldest.length;
+    kept_.pop_front();
+  }
+  const QFont font = styles_[segment.style].style.layoutFont();
+  segment.layout = layOut(text_.mid(segment.start, segment.length),
+                          {font, segment.rightToLeft, forcesDirection_}, formatsOf(segment));
+  kept_.push_back(index);
+  keptLength_ += segment.length;
+  return *segment.layout;
+}
+
+QList<QTextLayout::FormatRange> TextLine::formatsOf(const Segment& segment) const {
+  QList<QTextLayout::FormatRange> formats;
+  const qsizetype end = segment.start + segment.length;
+  auto range = std::partition_point(
+      styles_.begin(), styles_.end(),
+      [&](const StyledRange& candidate) { return candidate.end <= segment.start; });
+  for (; range != styles_.end() && range->start < end; ++range) {
+    const qsizetype from = std::max(range->start, segment.start);
+    formats.append({int(from - segment.start), int(std::min(range->end, end) - from),
+                    range->style.format});
+  }
+  return formats;
+}
+
+void TextLine::draw(const std::shared_ptr<const TextLine>& line, GraphicsContext& context,
+                    QPointF point) {
+  if (context.isRecording())
+    context.perform([=](GraphicsContext& target) { line->paint(target, point); });
+  else
+    line->paint(context, point);
+}
+
+void TextLine::paint(GraphicsContext& context, QPointF point) const {
+  const QRectF visible = context.clipBounds().translated(-point);
+  const double height = size().height();
+  if (visible.bottom() < -overhang_ || visible.top() > height + overhang_)
+    return;
+  auto segment = std::partition_point(
+      segments_.begin(), segments_.end(),
+      [&](const Segment& candidate) { return candidate.x <= visible.left() - overhang_; });
+  // The last one that starts before the visible part may reach into it.
+  if (segment != segments_.begin())
+    --segment;
+
+  QPainter& painter = *context.painter();
+  const QTransform before = painter.worldTransform();
+  const QPen pen = painter.pen();
+  const double baseline = context.isFlipped() ? ascent_ : leading_ + descent_;
+  const double down = context.isFlipped() ? 1 : -1;
+  painter.setPen(Qt::black);
+  for (; segment != segments_.end() && segment->x < visible.right() + overhang_; ++segment) {
+    const TextStyle& style = styles_[segment->style].style;
+    const QTextLayout& layout = layoutOf(std::size_t(segment - segments_.begin()));
+    const double scale = style.scale();
+    const QTransform toUser(scale, 0, 0, down * scale, point.x() + segment->x,
+                            point.y() + baseline - down * style.baselineOffset);
+    painter.setWorldTransform(toUser * before);
+    layout.draw(&painter, QPointF(0, -layout.lineAt(0).ascent()));
+  }
+  painter.setPen(pen);
+  painter.setWorldTransform(before);
+}
+
+} // namespace zq::platform

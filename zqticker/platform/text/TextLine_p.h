@@ -1,0 +1,88 @@
+// One line of styled text, laid out.
+#pragma once
+
+#include "zqticker/platform/text/AttributedString.h"
+#include "zqticker/platform/text/TextStyle_p.h"
+
+#include <QtCore/QSizeF>
+#include <QtCore/QString>
+#include <QtGui/QTextLayout>
+
+#include <deque>
+#include <memory>
+#include <vector>
+
+namespace zq::platform {
+
+class GraphicsContext;
+
+// The layout of one line, of any length. The text is cut into segments at places where shaping
+// both sides apart gives the same glyphs at the same positions as shaping them together, so that
+// the width is that of the whole; only segments that are drawn keep their glyphs.
+//
+// Immutable to the outside. Thread: main.
+class TextLine {
+ public:
+  // `ifEmpty` gives the font whose height empty text has. Raises InternalInconsistencyException
+  // without a GUI application.
+  TextLine(const QString& text, const std::vector<AttributedString::Run>& runs,
+           const Attributes& ifEmpty = {});
+  ~TextLine();
+  TextLine(const TextLine&) = delete;
+  TextLine& operator=(const TextLine&) = delete;
+
+  // See AttributedString::size.
+  QSizeF size() const { return {width_, ascent_ + descent_ + leading_}; }
+  double ascent() const { return ascent_; }
+  double descent() const { return descent_; }
+  std::size_t segmentCount() const { return segments_.size(); }
+  // Characters whose glyphs are at hand.
+  qsizetype laidOutLength() const { return keptLength_; }
+
+  // Draws `line`, or records that; see AttributedString::drawAtPoint.
+  static void draw(const std::shared_ptr<const TextLine>& line, GraphicsContext& context,
+                   QPointF point);
+
+ private:
+  // A stretch of text in one direction and in styles that can be laid out together.
+  struct Segment {
+    qsizetype start;
+    qsizetype length;
+    std::size_t style;
+    bool rightToLeft;
+    // Left edge in points from the line's.
+    double x;
+    std::unique_ptr<QTextLayout> layout;
+  };
+  struct StyledRange {
+    qsizetype start;
+    qsizetype end;
+    TextStyle style;
+  };
+
+  void cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft);
+  void measure(std::size_t segment);
+  const QTextLayout& layoutOf(std::size_t segment) const;
+  QList<QTextLayout::FormatRange> formatsOf(const Segment& segment) const;
+  void paint(GraphicsContext& context, QPointF point) const;
+
+  // The text without characters that a line has no place for, unit for unit.
+  QString text_;
+  // One for each run; neighbours that measure alike share segments.
+  std::vector<StyledRange> styles_;
+  // Whether the text overrides directions.
+  bool forcesDirection_ = false;
+  // From left to right.
+  mutable std::vector<Segment> segments_;
+  // Segments with a layout, oldest first.
+  mutable std::deque<std::size_t> kept_;
+  mutable qsizetype keptLength_ = 0;
+  double width_ = 0;
+  double ascent_ = 0;
+  double descent_ = 0;
+  double leading_ = 0;
+  // How far glyphs may leave their boxes.
+  double overhang_ = 0;
+};
+
+} // namespace zq::platform

@@ -1,0 +1,74 @@
+#include "zqticker/platform/text/TextStyle_p.h"
+
+#include "zqticker/platform/graphics/Color.h"
+#include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/graphics/FontFace_p.h"
+
+#include <QtGui/QBrush>
+
+#include <algorithm>
+#include <cmath>
+
+namespace zq::platform {
+
+// The kern is limited to so many ems, which keeps a segment within the layout's number range.
+static constexpr double MaximumKern = 8;
+
+// A number, or 0 for what is none.
+static double numberOf(const Attributes& attributes, QLatin1StringView name) {
+  const auto found = attributes.constFind(name);
+  if (found == attributes.constEnd() || objectOf(*found))
+    return 0;
+  const double number = found->toDouble();
+  return std::isfinite(number) ? number : 0;
+}
+
+static Ref<Color> colorOf(const Attributes& attributes, QLatin1StringView name) {
+  const auto found = attributes.constFind(name);
+  return found == attributes.constEnd() ? nullptr : objectOf<Color>(*found);
+}
+
+TextStyle TextStyle::from(const Attributes& attributes) {
+  TextStyle style;
+  Ref<Font> font;
+  if (const auto found = attributes.constFind(FontAttributeName); found != attributes.constEnd())
+    font = objectOf<Font>(*found);
+  if (!font)
+    font = std::make_shared<Font>();
+  style.face = FontFace::named(font->fontName());
+  style.pointSize = font->pointSize();
+  style.kern = numberOf(attributes, KernAttributeName);
+  style.baselineOffset = numberOf(attributes, BaselineOffsetAttributeName);
+
+  const Ref<Color> color = colorOf(attributes, ForegroundColorAttributeName);
+  style.format.setForeground(color ? color->qColor() : QColor(Qt::black));
+  if (const Ref<Color> background = colorOf(attributes, BackgroundColorAttributeName))
+    style.format.setBackground(background->qColor());
+  if (numberOf(attributes, UnderlineStyleAttributeName) != 0)
+    style.format.setUnderlineStyle(QTextCharFormat::SingleUnderline);
+  if (const Ref<Color> underline = colorOf(attributes, UnderlineColorAttributeName))
+    style.format.setUnderlineColor(underline->qColor());
+  if (numberOf(attributes, StrikethroughStyleAttributeName) != 0)
+    style.format.setFontStrikeOut(true);
+  return style;
+}
+
+double TextStyle::scale() const {
+  return pointSize / FontFace::ReferenceSize;
+}
+
+QFont TextStyle::layoutFont() const {
+  QFont font = face->layoutFont();
+  if (kern != 0) {
+    const double ems = std::clamp(kern / pointSize, -MaximumKern, MaximumKern);
+    font.setLetterSpacing(QFont::AbsoluteSpacing, ems * FontFace::ReferenceSize);
+  }
+  return font;
+}
+
+bool TextStyle::measuresLike(const TextStyle& other) const {
+  return face == other.face && pointSize == other.pointSize && kern == other.kern &&
+         baselineOffset == other.baselineOffset;
+}
+
+} // namespace zq::platform
