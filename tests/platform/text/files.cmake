@@ -1,1 +1,1 @@
-set(text_TESTS)
+set(text_TESTS TextLineTest.cpp)

@@ -133,8 +133,7 @@ Ref<Color> Color::fromQColor(const QColor& color) {
   const QRgba64 rgba = color.toRgb().rgba64();
   // Whole 16-bit steps, so that an 8-bit component comes out as exactly n / 255.
   constexpr double full = 65535;
-  return deviceRGB(rgba.red() / full, rgba.green() / full, rgba.blue() / full,
-                   rgba.alpha() / full);
+  return deviceRGB(rgba.red() / full, rgba.green() / full, rgba.blue() / full, rgba.alpha() / full);
 }
 
 Ref<Color> Color::fromName(const QString& name) {
@@ -225,9 +224,7 @@ void Color::encodeWithCoder(Coder& coder) {
     coder.encodeObject(patternImage_, ImageKey);
     return;
   }
-  const auto key = isWhite(space_)                 ? WhiteKey
-                   : space_ == Space::DeviceCMYK ? CMYKKey
-                                                   : RGBKey;
+  const auto key = isWhite(space_) ? WhiteKey : space_ == Space::DeviceCMYK ? CMYKKey : RGBKey;
   coder.encodeBytes(terminatedText(components_), key);
   if (identifier != 0) {
     coder.encodeBytes(componentText(components_), CustomComponentsKey);

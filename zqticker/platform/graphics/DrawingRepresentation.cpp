@@ -31,9 +31,8 @@ QImage DrawingRepresentation::render(const RasterGrid& grid, const QRect& part) 
   painter.translate(-part.topLeft());
   painter.setClipRect(part);
   painter.scale(grid.scaleX, grid.scaleY);
-  GraphicsContext context(&painter,
-                          QSizeF(grid.pixels.width() / grid.scaleX,
-                                 grid.pixels.height() / grid.scaleY));
+  GraphicsContext context(
+      &painter, QSizeF(grid.pixels.width() / grid.scaleX, grid.pixels.height() / grid.scaleY));
   recording_.replay(context);
   return image;
 }

@@ -131,10 +131,10 @@ static void draw(const ImageContent& content, const QTransform& placement, const
   GraphicsContext* context = GraphicsContext::currentContext();
   if (!context->isRecording())
     return drawContent(*context, content, placement, source, operation, fraction);
-  context->perform([=, size = content.size,
-                    representations = content.representations](GraphicsContext& target) {
-    drawContent(target, {size, representations}, placement, source, operation, fraction);
-  });
+  context->perform(
+      [=, size = content.size, representations = content.representations](GraphicsContext& target) {
+        drawContent(target, {size, representations}, placement, source, operation, fraction);
+      });
 }
 
 void Image::dissolveToPoint(QPointF point, double fraction) const {
@@ -149,9 +149,8 @@ void Image::dissolveToPoint(QPointF point, double fraction) const {
 void Image::drawInRect(const QRectF& rect, const QRectF& fromRect, CompositingOperation operation,
                        double fraction, bool respectFlipped) const {
   const GraphicsContext* context = GraphicsContext::currentContext();
-  const QRectF source = fromRect.isNull() && fromRect.topLeft().isNull()
-                            ? QRectF(QPointF(), size_)
-                            : fromRect.normalized();
+  const QRectF source = fromRect.isNull() && fromRect.topLeft().isNull() ? QRectF(QPointF(), size_)
+                                                                         : fromRect.normalized();
   if (!context || source.isEmpty() || rect.isEmpty())
     return;
   const double x = rect.width() / source.width();
@@ -200,8 +199,8 @@ static bool showTheSame(const ImageRepresentation& a, const ImageRepresentation&
            b.bitmap().convertToFormat(QImage::Format_ARGB32_Premultiplied);
   for (int y = 0; y < grid.pixels.height(); y += TileCache::TileHeight)
     for (int x = 0; x < grid.pixels.width(); x += TileCache::TileWidth) {
-      const QRect part = QRect(x, y, TileCache::TileWidth, TileCache::TileHeight) &
-                         QRect(QPoint(), grid.pixels);
+      const QRect part =
+          QRect(x, y, TileCache::TileWidth, TileCache::TileHeight) & QRect(QPoint(), grid.pixels);
       if (a.render(grid, part) != b.render(grid, part))
         return false;
     }
@@ -210,12 +209,11 @@ static bool showTheSame(const ImageRepresentation& a, const ImageRepresentation&
 
 bool Image::isEqual(const Object& other) const {
   const auto* image = dynamic_cast<const Image*>(&other);
-  return image &&
-         (image == this ||
-          (image->size_ == size_ &&
-           std::equal(representations_.begin(), representations_.end(),
-                      image->representations_.begin(), image->representations_.end(),
-                      [](const auto& a, const auto& b) { return showTheSame(*a, *b); })));
+  return image && (image == this ||
+                   (image->size_ == size_ &&
+                    std::equal(representations_.begin(), representations_.end(),
+                               image->representations_.begin(), image->representations_.end(),
+                               [](const auto& a, const auto& b) { return showTheSame(*a, *b); })));
 }
 
 Ref<Object> Image::copy() {

@@ -75,9 +75,8 @@ bool writePixels(TIFF* tiff, const ImageRepresentation& representation, const Ra
     for (int x = 0; x < pixels.width(); x += step.width()) {
       const QRect part = QRect(QPoint(x, y), step) & QRect(QPoint(), pixels);
       const QSize written = tiled ? step : part.size();
-      block.assign(std::size_t(written.width()) * std::size_t(written.height()) *
-                       std::size_t(samples),
-                   0);
+      block.assign(
+          std::size_t(written.width()) * std::size_t(written.height()) * std::size_t(samples), 0);
       putSamples(representation.render(grid, part), samples, written.width(), block);
       const auto bytes = tmsize_t(block.size());
       const tmsize_t count = tiled ? TIFFWriteEncodedTile(tiff, index, block.data(), bytes)
@@ -93,8 +92,8 @@ bool writePage(TIFF* tiff, const ImageRepresentation& representation, QSizeF siz
   const RasterGrid grid = gridForWriting(representation, size);
   if (grid.pixels.isEmpty())
     return false;
-  const bool opaque = representation.isBitmap() &&
-                      representation.bitmap().format() == QImage::Format_RGB32;
+  const bool opaque =
+      representation.isBitmap() && representation.bitmap().format() == QImage::Format_RGB32;
   const std::uint16_t samples = opaque ? 3 : 4;
   TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, std::uint32_t(grid.pixels.width()));
   TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, std::uint32_t(grid.pixels.height()));

@@ -18,8 +18,8 @@ QImage TileCache::tile(const ImageRepresentation& representation, const RasterGr
     if (const QImage* found = tiles_.object(key))
       return *found;
   }
-  const QRect part = QRect(x * TileWidth, y * TileHeight, TileWidth, TileHeight) &
-                     QRect(QPoint(), grid.pixels);
+  const QRect part =
+      QRect(x * TileWidth, y * TileHeight, TileWidth, TileHeight) & QRect(QPoint(), grid.pixels);
   // Without the lock: a drawing may show other pictures.
   QImage image = representation.render(grid, part);
   const QMutexLocker lock(&mutex_);

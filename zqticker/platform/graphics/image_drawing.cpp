@@ -16,8 +16,8 @@ namespace {
 class PainterRestorer {
  public:
   explicit PainterRestorer(QPainter& painter)
-      : painter_(painter), transform_(painter.worldTransform()),
-        mode_(painter.compositionMode()), opacity_(painter.opacity()) {}
+      : painter_(painter), transform_(painter.worldTransform()), mode_(painter.compositionMode()),
+        opacity_(painter.opacity()) {}
   ~PainterRestorer() {
     painter_.setWorldTransform(transform_);
     painter_.setCompositionMode(mode_);
@@ -84,18 +84,17 @@ const ImageRepresentation& bestRepresentation(const ImageContent& content, doubl
       continue;
     if (!candidate->isBitmap())
       return *candidate;
-    const bool better = !best || (suffices(*best) ? suffices(*candidate) &&
-                                                        pixels(*candidate) < pixels(*best)
-                                                  : pixels(*candidate) > pixels(*best));
+    const bool better =
+        !best || (suffices(*best) ? suffices(*candidate) && pixels(*candidate) < pixels(*best)
+                                  : pixels(*candidate) > pixels(*best));
     if (better)
       best = candidate.get();
   }
   return *best;
 }
 
-void drawContent(GraphicsContext& context, const ImageContent& content,
-                 const QTransform& placement, const QRectF& source,
-                 CompositingOperation operation, double fraction) {
+void drawContent(GraphicsContext& context, const ImageContent& content, const QTransform& placement,
+                 const QRectF& source, CompositingOperation operation, double fraction) {
   const QRectF whole(QPointF(), content.size);
   const QRectF shown = source & whole;
   if (content.isEmpty() || shown.isEmpty())

@@ -22,8 +22,7 @@ const ImageRepresentation& bestRepresentation(const ImageContent& content, doubl
 
 // Draws the part `source` of `content`, in points of the image, by `placement` from there to user
 // space.
-void drawContent(GraphicsContext& context, const ImageContent& content,
-                 const QTransform& placement, const QRectF& source,
-                 CompositingOperation operation, double fraction);
+void drawContent(GraphicsContext& context, const ImageContent& content, const QTransform& placement,
+                 const QRectF& source, CompositingOperation operation, double fraction);
 
 } // namespace zq::platform

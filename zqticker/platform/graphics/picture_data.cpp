@@ -15,15 +15,16 @@ namespace {
 
 // What Qt's readers may be asked for. Formats that are programs of their own (SVG, PDF) stay out.
 constexpr QLatin1StringView formats[] = {
-    "png"_L1, "jpeg"_L1, "jpg"_L1, "gif"_L1, "bmp"_L1, "ico"_L1,
-    "webp"_L1, "pbm"_L1, "pgm"_L1, "ppm"_L1, "xbm"_L1, "xpm"_L1,
+    "png"_L1,  "jpeg"_L1, "jpg"_L1, "gif"_L1, "bmp"_L1, "ico"_L1,
+    "webp"_L1, "pbm"_L1,  "pgm"_L1, "ppm"_L1, "xbm"_L1, "xpm"_L1,
 };
 
 // Below Qt's own limit of 128 MiB for one image, which it reports in the log.
 constexpr qint64 maximumPixels = (qint64(128) << 20) / 4 - 1;
 
 bool isTiff(const QByteArray& data) {
-  return data.startsWith(QByteArrayView("II*\0", 4)) || data.startsWith(QByteArrayView("MM\0*", 4)) ||
+  return data.startsWith(QByteArrayView("II*\0", 4)) ||
+         data.startsWith(QByteArrayView("MM\0*", 4)) ||
          data.startsWith(QByteArrayView("II+\0", 4)) || data.startsWith(QByteArrayView("MM\0+", 4));
 }
 

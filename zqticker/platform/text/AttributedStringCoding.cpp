@@ -73,8 +73,8 @@ Ref<Object> AttributedString::initWithCoder(Coder& coder) {
   if (string_.isEmpty())
     return shared_from_this();
   if (!info) {
-    runs_.push_back({{0, length()},
-                     attributes.isValid() ? attributesOf(attributes, coder) : Attributes()});
+    runs_.push_back(
+        {{0, length()}, attributes.isValid() ? attributesOf(attributes, coder) : Attributes()});
     return shared_from_this();
   }
 
@@ -95,8 +95,8 @@ Ref<Object> AttributedString::initWithCoder(Coder& coder) {
     if (*index >= quint64(dictionaries.size()))
       throw ArchiveException(u"a run has attributes that do not exist"_s, coder.keyPath(RunsKey));
     if (*runLength > 0)
-      runs_.push_back({{covered, qsizetype(*runLength)},
-                       attributesOf(dictionaries[qsizetype(*index)], coder)});
+      runs_.push_back(
+          {{covered, qsizetype(*runLength)}, attributesOf(dictionaries[qsizetype(*index)], coder)});
     covered += qsizetype(*runLength);
   }
   // Runs that end early leave the rest of the text without attributes.

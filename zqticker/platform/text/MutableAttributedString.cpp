@@ -29,8 +29,8 @@ std::pair<std::size_t, std::size_t> MutableAttributedString::isolate(Range range
   // The index of the first run that starts at or after `position`, after cutting one that holds
   // it.
   const auto cutAt = [&](qsizetype position) {
-    const auto run = std::partition_point(
-        runs_.begin(), runs_.end(), [&](const Run& r) { return r.range.end() <= position; });
+    const auto run = std::partition_point(runs_.begin(), runs_.end(),
+                                          [&](const Run& r) { return r.range.end() <= position; });
     const auto index = std::size_t(run - runs_.begin());
     if (run == runs_.end() || run->range.location >= position)
       return index;

@@ -40,9 +40,9 @@ char16_t onOneLine(const QString& text, qsizetype i) {
   }
   if (c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0))
     return zeroWidthSpace;
-  const bool isLone = (c.isHighSurrogate() &&
-                       (i + 1 == text.size() || !text[i + 1].isLowSurrogate())) ||
-                      (c.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate()));
+  const bool isLone =
+      (c.isHighSurrogate() && (i + 1 == text.size() || !text[i + 1].isLowSurrogate())) ||
+      (c.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate()));
   return isLone ? char16_t(QChar::ReplacementCharacter) : c.unicode();
 }
 
@@ -91,9 +91,9 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
   // The parts of each direction run that measure alike, in visual order.
   for (const DirectionRun& run : directions) {
     const qsizetype end = run.start + run.length;
-    auto style = std::partition_point(
-        styles_.begin(), styles_.end(),
-        [&](const StyledRange& range) { return range.end <= run.start; });
+    auto style =
+        std::partition_point(styles_.begin(), styles_.end(),
+                             [&](const StyledRange& range) { return range.end <= run.start; });
     std::vector<std::size_t> starts;
     for (; style != styles_.end() && style->start < end; ++style)
       if (starts.empty() || !style->style.measuresLike(styles_[starts.back()].style))
@@ -116,8 +116,8 @@ void TextLine::cut(qsizetype start, qsizetype end, std::size_t style, bool right
   const std::size_t count = breaks.size() - 1;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t part = rightToLeft ? count - 1 - i : i;
-    segments_.push_back({breaks[part], breaks[part + 1] - breaks[part], style, rightToLeft, width_,
-                         nullptr});
+    segments_.push_back(
+        {breaks[part], breaks[part + 1] - breaks[part], style, rightToLeft, width_, nullptr});
     measure(segments_.size() - 1);
   }
 }
@@ -128,11 +128,12 @@ void TextLine::measure(std::size_t index) {
   const double scale = style.scale();
   width_ += line.naturalTextWidth() * scale;
   // The run's own font counts even where others stand in for all of its characters.
-  ascent_ = std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +
-                                  style.baselineOffset);
-  descent_ = std::max(descent_,
-                      std::max(line.descent() * scale, style.face->descent() * style.pointSize) -
-                          style.baselineOffset);
+  ascent_ =
+      std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +
+                            style.baselineOffset);
+  descent_ =
+      std::max(descent_, std::max(line.descent() * scale, style.face->descent() * style.pointSize) -
+                             style.baselineOffset);
   leading_ = std::max(leading_, style.face->leading() * style.pointSize);
   // Slanted letters and swashes leave their box by less than this.
   overhang_ = std::max(overhang_, 2 * style.pointSize);
@@ -159,13 +160,14 @@ const QTextLayout& TextLine::layoutOf(std::size_t index) const {
 QList<QTextLayout::FormatRange> TextLine::formatsOf(const Segment& segment) const {
   QList<QTextLayout::FormatRange> formats;
   const qsizetype end = segment.start + segment.length;
-  auto range = std::partition_point(
-      styles_.begin(), styles_.end(),
-      [&](const StyledRange& candidate) { return candidate.end <= segment.start; });
+  auto range =
+      std::partition_point(styles_.begin(), styles_.end(), [&](const StyledRange& candidate) {
+        return candidate.end <= segment.start;
+      });
   for (; range != styles_.end() && range->start < end; ++range) {
     const qsizetype from = std::max(range->start, segment.start);
-    formats.append({int(from - segment.start), int(std::min(range->end, end) - from),
-                    range->style.format});
+    formats.append(
+        {int(from - segment.start), int(std::min(range->end, end) - from), range->style.format});
   }
   return formats;
 }
@@ -183,9 +185,10 @@ void TextLine::paint(GraphicsContext& context, QPointF point) const {
   const double height = size().height();
   if (visible.bottom() < -overhang_ || visible.top() > height + overhang_)
     return;
-  auto segment = std::partition_point(
-      segments_.begin(), segments_.end(),
-      [&](const Segment& candidate) { return candidate.x <= visible.left() - overhang_; });
+  auto segment =
+      std::partition_point(segments_.begin(), segments_.end(), [&](const Segment& candidate) {
+        return candidate.x <= visible.left() - overhang_;
+      });
   // The last one that starts before the visible part may reach into it.
   if (segment != segments_.begin())
     --segment;

@@ -10,10 +10,9 @@ namespace zq::platform {
 // Whether text with `c` may hold anything but left to right: the right-to-left blocks, the high
 // surrogates of those beyond U+FFFF, and the directional marks and controls.
 static bool mayBeRightToLeft(char16_t c) {
-  return c >= 0x0590 &&
-         (c <= 0x08ff || (c >= 0x200e && c <= 0x200f) || isDirectionControl(c) ||
-          (c >= 0xd802 && c <= 0xd803) || (c >= 0xd83a && c <= 0xd83b) ||
-          (c >= 0xfb1d && c <= 0xfdff) || (c >= 0xfe70 && c <= 0xfefe));
+  return c >= 0x0590 && (c <= 0x08ff || (c >= 0x200e && c <= 0x200f) || isDirectionControl(c) ||
+                         (c >= 0xd802 && c <= 0xd803) || (c >= 0xd83a && c <= 0xd83b) ||
+                         (c >= 0xfb1d && c <= 0xfdff) || (c >= 0xfe70 && c <= 0xfefe));
 }
 
 bool isDirectionControl(char16_t c) {

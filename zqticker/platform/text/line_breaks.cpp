@@ -18,7 +18,7 @@ constexpr qsizetype targetLength = 512;
 // How far behind the target a break is looked for.
 constexpr qsizetype searchLength = 256;
 // How many places are tried at most, and with how much text on each side.
-constexpr int maximumTrials = 8;
+constexpr int maximumTrials = 24;
 constexpr qsizetype context = 24;
 
 // Wider than any segment, within the layout's number range.

@@ -10,13 +10,13 @@ namespace zq::platform {
 using Attributes = QVariantMap;
 
 // Attributes that drawing honours.
-inline constexpr QLatin1StringView FontAttributeName{"NSFont"};             // Ref<Font>
-inline constexpr QLatin1StringView ForegroundColorAttributeName{"NSColor"}; // Ref<Color>
+inline constexpr QLatin1StringView FontAttributeName{"NSFont"};                       // Ref<Font>
+inline constexpr QLatin1StringView ForegroundColorAttributeName{"NSColor"};           // Ref<Color>
 inline constexpr QLatin1StringView BackgroundColorAttributeName{"NSBackgroundColor"}; // Ref<Color>
 inline constexpr QLatin1StringView UnderlineStyleAttributeName{"NSUnderline"}; // number, 0 is none
 inline constexpr QLatin1StringView StrikethroughStyleAttributeName{"NSStrikethrough"}; // the same
-inline constexpr QLatin1StringView UnderlineColorAttributeName{"NSUnderlineColor"}; // Ref<Color>
-inline constexpr QLatin1StringView KernAttributeName{"NSKern"};                     // points
+inline constexpr QLatin1StringView UnderlineColorAttributeName{"NSUnderlineColor"};    // Ref<Color>
+inline constexpr QLatin1StringView KernAttributeName{"NSKern"};                        // points
 // Points by which the baseline is raised.
 inline constexpr QLatin1StringView BaselineOffsetAttributeName{"NSBaselineOffset"};
 // Of a Ref<ParagraphStyle>, one line of text honours the writing direction.
