@@ -2,6 +2,7 @@
 #pragma once
 
 #include "zqticker/platform/objects/Object.h"
+#include "zqticker/platform/objects/Range.h"
 #include "zqticker/platform/text/text_attributes.h"
 
 #include <QtCore/QPointF>
@@ -15,15 +16,6 @@ namespace zq::platform {
 
 class MutableAttributedString;
 class TextLine;
-
-// A range of UTF-16 code units.
-struct Range {
-  qsizetype location = 0;
-  qsizetype length = 0;
-
-  qsizetype end() const { return location + length; }
-  friend bool operator==(const Range&, const Range&) = default;
-};
 
 // Immutable text whose every UTF-16 code unit has attributes. Ranges and indexes count UTF-16 code
 // units.

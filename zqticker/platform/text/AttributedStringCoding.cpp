@@ -1,5 +1,6 @@
 // Archives of attributed strings.
 #include "zqticker/platform/archiving/Coder.h"
+#include "zqticker/platform/archiving/seven_bit_groups.h"
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/platform/text/AttributedString.h"
 
@@ -14,27 +15,6 @@ namespace {
 constexpr QLatin1StringView StringKey{"NSString"};
 constexpr QLatin1StringView AttributesKey{"NSAttributes"};
 constexpr QLatin1StringView RunsKey{"NSAttributeInfo"};
-
-// Numbers in groups of 7 bits, least significant first; the top bit says that another follows.
-void appendNumber(QByteArray& bytes, quint64 number) {
-  for (; number > 0x7f; number >>= 7)
-    bytes.append(char(0x80 | (number & 0x7f)));
-  bytes.append(char(number));
-}
-
-// Takes a number of at most 63 bits off the front; nothing where it is cut off or wider.
-std::optional<quint64> takeNumber(const QByteArray& bytes, qsizetype& position) {
-  quint64 number = 0;
-  for (int shift = 0; shift < 63; shift += 7) {
-    if (position == bytes.size())
-      return std::nullopt;
-    const auto byte = quint8(bytes[position++]);
-    number |= quint64(byte & 0x7f) << shift;
-    if (!(byte & 0x80))
-      return number;
-  }
-  return std::nullopt;
-}
 
 // One dictionary of attributes.
 Attributes attributesOf(const Any& dictionary, Coder& coder) {
@@ -56,8 +36,8 @@ void AttributedString::encodeWithCoder(Coder& coder) {
   QVariantList dictionaries;
   QByteArray info;
   for (const Run& run : runs_) {
-    appendNumber(info, quint64(run.range.length));
-    appendNumber(info, quint64(dictionaries.size()));
+    appendSevenBitGroups(info, quint64(run.range.length));
+    appendSevenBitGroups(info, quint64(dictionaries.size()));
     dictionaries.append(Any(run.attributes));
   }
   coder.encodeObject(Any(dictionaries), AttributesKey);
@@ -85,19 +65,18 @@ Ref<Object> AttributedString::initWithCoder(Coder& coder) {
   qsizetype position = 0;
   qsizetype covered = 0;
   while (covered < length() && position < info->size()) {
-    const std::optional<quint64> runLength = takeNumber(*info, position);
-    const std::optional<quint64> index = takeNumber(*info, position);
+    const std::optional<qint64> runLength = takeSevenBitGroups(*info, position);
+    const std::optional<qint64> index = takeSevenBitGroups(*info, position);
     if (!runLength || !index)
       throw ArchiveException(u"a number of the runs is cut off or too wide"_s,
                              coder.keyPath(RunsKey));
-    if (*runLength > quint64(length() - covered))
+    if (*runLength > length() - covered)
       throw ArchiveException(u"a run goes past the end of the text"_s, coder.keyPath(RunsKey));
-    if (*index >= quint64(dictionaries.size()))
+    if (*index >= dictionaries.size())
       throw ArchiveException(u"a run has attributes that do not exist"_s, coder.keyPath(RunsKey));
     if (*runLength > 0)
-      runs_.push_back(
-          {{covered, qsizetype(*runLength)}, attributesOf(dictionaries[qsizetype(*index)], coder)});
-    covered += qsizetype(*runLength);
+      runs_.push_back({{covered, *runLength}, attributesOf(dictionaries[*index], coder)});
+    covered += *runLength;
   }
   // Runs that end early leave the rest of the text without attributes.
   if (covered < length())

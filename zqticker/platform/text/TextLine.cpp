@@ -126,7 +126,7 @@ void TextLine::measure(std::size_t index) {
   const TextStyle& style = styles_[segments_[index].style].style;
   const QTextLine line = layoutOf(index).lineAt(0);
   const double scale = style.scale();
-  width_ += line.naturalTextWidth() * scale;
+  width_ += line.horizontalAdvance() * scale;
   // The run's own font counts even where others stand in for all of its characters.
   ascent_ =
       std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +

@@ -18,7 +18,7 @@ constexpr qsizetype targetLength = 512;
 // How far behind the target a break is looked for.
 constexpr qsizetype searchLength = 256;
 // How many places are tried at most, and with how much text on each side.
-constexpr int maximumTrials = 24;
+constexpr int maximumTrials = 16;
 constexpr qsizetype context = 24;
 
 // Wider than any segment, within the layout's number range.
@@ -43,7 +43,7 @@ struct Shape {
 Shape shapeOf(const QString& text, const ShapingOptions& options) {
   const auto layout = layOut(text, options);
   Shape shape;
-  shape.width = layout->lineAt(0).naturalTextWidth();
+  shape.width = layout->lineAt(0).horizontalAdvance();
   const QList<QGlyphRun> runs = layout->glyphRuns();
   for (const QGlyphRun& run : runs) {
     const QList<quint32> indexes = run.glyphIndexes();
