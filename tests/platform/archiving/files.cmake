@@ -1,1 +1,2 @@
-set(archiving_TESTS ArchiveBuilder.cpp KeyedArchiverTest.cpp)
+set(archiving_TESTS ArchiveBuilder.cpp BinaryPropertyListReaderTest.cpp KeyedArchiverTest
+        .cpp number_textTest.cpp PropertyListWriterTest.cpp XmlPropertyListReaderTest.cpp)

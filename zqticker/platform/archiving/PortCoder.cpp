@@ -1,5 +1,7 @@
 #include "zqticker/platform/archiving/PortCoder.h"
 
+#include "zqticker/platform/archiving/KeyedArchiver.h"
+
 #include <algorithm>
 
 namespace zq::platform {
@@ -17,6 +19,13 @@ Ref<Object> PortCoder::proxyFor(const Ref<Object>& object) {
   if (known != proxies_.end())
     return *known;
   return proxies_.emplace_back(std::make_shared<ObjectProxy>(object));
+}
+
+PortMessageItem portMessageItem(const Ref<Object>& object, PortCoder& coder) {
+  const Ref<Object> replacement = object ? object->replacementObjectForPortCoder(coder) : nullptr;
+  if (const auto proxy = std::dynamic_pointer_cast<ObjectProxy>(replacement))
+    return {{}, proxy};
+  return {KeyedArchiver::archivedDataWithRootObject(replacement), nullptr};
 }
 
 } // namespace zq::platform

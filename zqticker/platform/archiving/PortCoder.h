@@ -42,4 +42,18 @@ class ZQTICKER_EXPORT PortCoder : public Coder {
   std::vector<Ref<ObjectProxy>> proxies_;
 };
 
+// What a message carries for one object.
+struct PortMessageItem {
+  // A keyed archive with the object under "root", where it travels by value.
+  QByteArray archive;
+  // What stays in this process and is reached through the message, where it does not.
+  Ref<ObjectProxy> proxy;
+
+  bool isByValue() const { return !archive.isEmpty(); }
+};
+
+// Asks `object` for its replacement and archives that, unless it is a proxy. Null travels by value
+// as nothing. Raises like KeyedArchiver.
+ZQTICKER_EXPORT PortMessageItem portMessageItem(const Ref<Object>& object, PortCoder& coder);
+
 } // namespace zq::platform

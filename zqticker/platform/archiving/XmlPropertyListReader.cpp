@@ -28,10 +28,7 @@ PropertyList PropertyList::fromXml(const QByteArray& data) {
   return list;
 }
 
-XmlPropertyListReader::XmlPropertyListReader(const QByteArray& data) : xml_(trimmedFront(data)) {
-  // Entities that the document declares would be expanded; with this limit they are errors.
-  xml_.setEntityExpansionLimit(0);
-}
+XmlPropertyListReader::XmlPropertyListReader(const QByteArray& data) : xml_(trimmedFront(data)) {}
 
 void XmlPropertyListReader::fail(const QString& reason) const {
   throw ArchiveException(u"not a property list: line %1: %2"_s.arg(xml_.lineNumber()).arg(reason));
@@ -64,6 +61,11 @@ QByteArray XmlPropertyListReader::binary() {
     case QXmlStreamReader::Characters:
       if (!xml_.isWhitespace())
         fail(u"text stands between values"_s);
+      break;
+    case QXmlStreamReader::DTD:
+      // The reader would expand entities that the document declares.
+      if (!xml_.entityDeclarations().isEmpty())
+        fail(u"it declares entities"_s);
       break;
     case QXmlStreamReader::EntityReference:
       fail(u"the entity %1 is unknown"_s.arg(xml_.name()));

@@ -9,6 +9,8 @@ set(archiving_PUBLIC_HEADERS
     PlaceholderObject.h
     PortCoder.h
     PropertyList.h
+    SequentialArchiver.h
+    SequentialUnarchiver.h
     seven_bit_groups.h)
 set(archiving_PRIVATE_HEADERS
     BinaryPropertyListReader_p.h
@@ -17,6 +19,7 @@ set(archiving_PRIVATE_HEADERS
     KeyedUnarchiver_p.h
     PropertyListWriter_p.h
     reference_date_p.h
+    sequential_format_p.h
     XmlPropertyListReader_p.h)
 set(archiving_SOURCES
     BinaryPropertyListReader.cpp
@@ -34,5 +37,7 @@ set(archiving_SOURCES
     PortCoder.cpp
     PropertyList.cpp
     PropertyListWriter.cpp
+    SequentialArchiver.cpp
+    SequentialUnarchiver.cpp
     seven_bit_groups.cpp
     XmlPropertyListReader.cpp)
