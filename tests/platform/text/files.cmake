@@ -1,1 +1,1 @@
-set(text_TESTS TextLineTest.cpp)
+set(text_TESTS TextLineTest.cpp number_parsingTest.cpp)

@@ -1,4 +1,5 @@
-set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h string_drawing.h text_attributes.h)
+set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h number_parsing.h string_drawing.h
+                        text_attributes.h)
 set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
@@ -9,4 +10,5 @@ set(text_SOURCES
     TextStyle.cpp
     bidi.cpp
     line_breaks.cpp
+    number_parsing.cpp
     string_drawing.cpp)
