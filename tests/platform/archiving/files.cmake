@@ -1,2 +1,7 @@
-set(archiving_TESTS ArchiveBuilder.cpp BinaryPropertyListReaderTest.cpp KeyedArchiverTest
-        .cpp number_textTest.cpp PropertyListWriterTest.cpp XmlPropertyListReaderTest.cpp)
+set(archiving_TESTS
+    ArchiveBuilder.cpp
+    BinaryPropertyListReaderTest.cpp
+    KeyedArchiverTest.cpp
+    number_textTest.cpp
+    PropertyListWriterTest.cpp
+    XmlPropertyListReaderTest.cpp)
