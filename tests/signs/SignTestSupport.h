@@ -22,7 +22,7 @@
 namespace zq::testing {
 
 class TestDisplay : public ZQTickerDisplayProtocol {
-public:
+ public:
   QSizeF size() const override { return theSize; }
   int scrollDirection() const override { return theDirection; }
   qreal textOffset() const override { return theTextOffset; }
@@ -40,8 +40,9 @@ public:
 
 // Puts itself in force for its lifetime. Fits every font to `fittedSize`.
 class FixedFitFontManager : public platform::FontManager {
-public:
-  explicit FixedFitFontManager(double size) : fittedSize(size), before_(setSharedFontManager(this)) {}
+ public:
+  explicit FixedFitFontManager(double size)
+      : fittedSize(size), before_(setSharedFontManager(this)) {}
   ~FixedFitFontManager() override { setSharedFontManager(before_); }
 
   platform::Ref<platform::Font> convertFontToFitHeight(const platform::Ref<platform::Font>& font,
@@ -55,7 +56,7 @@ public:
   double fittedSize;
   QList<double> askedHeights;
 
-private:
+ private:
   platform::FontManager* before_;
 };
 
@@ -67,14 +68,15 @@ inline platform::Ref<platform::Image> solidImage(int width, int height, QRgb col
 }
 
 // `sign` written to a keyed archive and read back.
-template <class Sign> platform::Ref<Sign> archived(const platform::Ref<Sign>& sign) {
-  const QByteArray data =
-      platform::KeyedArchiver::archivedDataWithRootObject(platform::any(sign));
+template <class Sign>
+platform::Ref<Sign> archived(const platform::Ref<Sign>& sign) {
+  const QByteArray data = platform::KeyedArchiver::archivedDataWithRootObject(platform::any(sign));
   return platform::objectOf<Sign>(platform::KeyedUnarchiver::unarchiveObjectWithData(data));
 }
 
 // Expects that `action` raises the assertion `message`.
-template <class Action> void expectAssertion(Action action, const QString& message) {
+template <class Action>
+void expectAssertion(Action action, const QString& message) {
   try {
     action();
     ADD_FAILURE() << "no assertion failed";

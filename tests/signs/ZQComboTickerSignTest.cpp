@@ -12,7 +12,9 @@ using namespace zq::testing;
 
 namespace {
 
-Ref<Font> testFont(double size) { return Font::fontWithName("DejaVu Sans", size); }
+Ref<Font> testFont(double size) {
+  return Font::fontWithName("DejaVu Sans", size);
+}
 
 Ref<AttributedString> attributed(const QString& string, double size) {
   return AttributedString::make(string, {{FontAttributeName, any(testFont(size))}});

@@ -41,6 +41,23 @@ TEST(TextTickerSign, IsAsWideAsItsTextPlusOneLineHeight) {
   }
 }
 
+TEST(TextTickerSign, AOneLineSizeOf200By14GivesASignOf214By14) {
+  const auto font =
+      Font::fontWithName("DejaVu Sans", 14 / Font::fontWithName("DejaVu Sans", 1)->lineHeight());
+  const QString characters = u"two hundred wide"_s;
+  const double natural =
+      AttributedString::make(characters, {{FontAttributeName, any(font)}})->size().width();
+  const auto text = AttributedString::make(
+      characters, {{FontAttributeName, any(font)},
+                   {KernAttributeName, (200 - natural) / double(characters.size())}});
+  // Kerning is kept in 1/64 of a pixel at the em of layout.
+  ASSERT_NEAR(text->size().width(), 200, 0.02);
+  ASSERT_NEAR(text->size().height(), 14, 1e-9);
+  const auto sign = ZQTextTickerSign::make(text);
+  EXPECT_NEAR(sign->size().width(), 214, 0.02);
+  EXPECT_NEAR(sign->size().height(), 14, 1e-9);
+}
+
 TEST(TextTickerSign, TheTextIsNotCopied) {
   const auto text = styled(u"shared"_s, 12);
   EXPECT_EQ(ZQTextTickerSign::make(text)->text(), text);
@@ -120,12 +137,13 @@ TEST(TextTickerSignBuffer, TheTextStandsAtTheDisplaysTextOffset) {
   TestDisplay display;
   const auto sign = ZQTextTickerSign::make(styled(u"HHH"_s, 40));
   const int without = lowestInk(sign->image(), 1);
+  const int withoutAtTwo = lowestInk(sign->image(), 2);
   ASSERT_GT(without, 0);
   display.theTextOffset = 5;
   sign->setDisplay(&display);
   sign->updateBuffer();
   EXPECT_EQ(lowestInk(sign->image(), 1), without + 5);
-  EXPECT_EQ(lowestInk(sign->image(), 2), 2 * (without + 5));
+  EXPECT_EQ(lowestInk(sign->image(), 2), withoutAtTwo + 10);
 }
 
 TEST(TextTickerSignBuffer, ADisplayThatIsSetLaterDoesNotRenderItAgain) {
@@ -144,9 +162,9 @@ TEST(TextTickerSignBuffer, ChangesOfTheOffsetAfterRenderingDoNotShow) {
   const auto sign = ZQTextTickerSign::make(styled(u"HHH"_s, 40));
   sign->setDisplay(&display);
   sign->updateBuffer();
-  const int before = lowestInk(sign->image(), 1);
+  const int before = lowestInk(sign->image(), 2);
   display.theTextOffset = 9;
-  EXPECT_EQ(lowestInk(sign->image(), 2), 2 * before);
+  EXPECT_EQ(lowestInk(sign->image(), 2), before);
 }
 
 TEST(TextTickerSignBuffer, TheGapAfterTheTextIsEmpty) {

@@ -9,7 +9,9 @@ using namespace Qt::StringLiterals;
 using namespace zq::platform;
 using namespace zq::testing;
 
-static Ref<ZQTickerSign> newSign() { return std::make_shared<ZQTickerSign>(); }
+static Ref<ZQTickerSign> newSign() {
+  return std::make_shared<ZQTickerSign>();
+}
 
 TEST(TickerSign, EndlessLoopCountHasAllBitsSet) {
   EXPECT_EQ(ZQEndlessLoopCount, -1);

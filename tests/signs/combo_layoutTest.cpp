@@ -105,9 +105,8 @@ TEST(ComboLayout, VerticallyTheGapIsAQuarterOfTheFontsSize) {
 
 TEST(ComboLayout, APictureWithoutExtentDividesByNothing) {
   for (const bool horizontal : {true, false}) {
-    ComboLayoutInput input = horizontal
-                                 ? horizontalStrip(20, QSizeF(0, 0), QSizeF(10, 10))
-                                 : verticalStrip(100, QSizeF(0, 0), QSizeF(10, 10));
+    ComboLayoutInput input = horizontal ? horizontalStrip(20, QSizeF(0, 0), QSizeF(10, 10))
+                                        : verticalStrip(100, QSizeF(0, 0), QSizeF(10, 10));
     const ComboLayout layout = layoutCombo(input);
     EXPECT_EQ(layout.imageTargetRect.size(), QSizeF(0, 0));
     input.displaySize = QSizeF(0, 0);

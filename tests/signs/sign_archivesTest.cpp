@@ -19,7 +19,8 @@ QByteArray golden(const QString& name) {
   return file.readAll();
 }
 
-template <class Sign> Ref<Sign> readGolden(const QString& name) {
+template <class Sign>
+Ref<Sign> readGolden(const QString& name) {
   return objectOf<Sign>(KeyedUnarchiver::unarchiveObjectWithData(golden(name)));
 }
 
@@ -150,7 +151,7 @@ namespace {
 // The keys of the root record of `sign`'s archive, in the order in which they were written.
 QStringList keysWrittenBy(const Ref<ZQTickerSign>& sign) {
   class KeyRecorder : public Coder {
-  public:
+   public:
     bool allowsKeyedCoding() const override { return true; }
     void encodeInt(std::int32_t, QAnyStringView key) override { note(key, "int"); }
     void encodeBool(bool, QAnyStringView key) override { note(key, "bool"); }
@@ -159,7 +160,7 @@ QStringList keysWrittenBy(const Ref<ZQTickerSign>& sign) {
     void encodeObject(const Any&, QAnyStringView key) override { note(key, "object"); }
     QStringList keys;
 
-  private:
+   private:
     void note(QAnyStringView key, const char* kind) {
       keys.append(key.toString() + u' ' + QLatin1StringView(kind));
     }

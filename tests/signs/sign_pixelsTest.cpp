@@ -14,6 +14,8 @@ using namespace zq::testing;
 namespace {
 
 constexpr double Scales[] = {1, 1.5, 2};
+// How far the edge of a scaled picture may lie from its place, in device pixels.
+constexpr double HalfPixel = 0.501;
 
 // `sign` drawn at `point` on a clear canvas of `size` points.
 QImage drawn(ZQTickerSign& sign, QPointF point, QSizeF size, double scale) {
@@ -28,7 +30,8 @@ QImage drawn(ZQTickerSign& sign, QPointF point, QSizeF size, double scale) {
 
 // The smallest rectangle that holds every pixel of more than half opacity for which `matches`
 // holds, in points, y up.
-template <class Matches> QRectF inkBounds(const QImage& canvas, Matches matches) {
+template <class Matches>
+QRectF inkBounds(const QImage& canvas, Matches matches) {
   QRect pixels;
   for (int y = 0; y < canvas.height(); ++y)
     for (int x = 0; x < canvas.width(); ++x)
@@ -43,8 +46,12 @@ QRectF inkBounds(const QImage& canvas) {
   return inkBounds(canvas, [](QRgb) { return true; });
 }
 
-bool isRed(QRgb pixel) { return qRed(pixel) > 200 && qGreen(pixel) < 60 && qBlue(pixel) < 60; }
-bool isDark(QRgb pixel) { return qRed(pixel) < 100; }
+bool isRed(QRgb pixel) {
+  return qRed(pixel) > 200 && qGreen(pixel) < 60 && qBlue(pixel) < 60;
+}
+bool isDark(QRgb pixel) {
+  return qRed(pixel) < 100;
+}
 
 void expectNear(const QRectF& found, const QRectF& expected, double tolerance, double scale) {
   EXPECT_NEAR(found.left(), expected.left(), tolerance) << "scale " << scale;
@@ -124,7 +131,7 @@ TEST(SignPixels, AHorizontalComboSignShowsItsPictureFittedAndItsTextBehind) {
   sign->setDisplay(&display);
   for (const double scale : Scales) {
     const QImage canvas = drawn(*sign, QPointF(10, 0), QSizeF(160, 20), scale);
-    expectNear(inkBounds(canvas, isRed), QRectF(10, 0, 20, 20), 0.5 / scale, scale);
+    expectNear(inkBounds(canvas, isRed), QRectF(10, 0, 20, 20), HalfPixel / scale, scale);
     const QRectF text = inkBounds(canvas, isDark);
     EXPECT_GT(text.left(), 10 + 25) << scale;
     EXPECT_LT(text.left(), 10 + 25 + 3) << scale;
@@ -151,7 +158,7 @@ TEST(SignPixels, AVerticalComboSignShowsItsTextAboveThePicture) {
   sign->setDisplay(&display);
   for (const double scale : Scales) {
     const QImage canvas = drawn(*sign, QPointF(0, 5), QSizeF(100, 80), scale);
-    expectNear(inkBounds(canvas, isRed), QRectF(20, 5, 60, 30), 0.5 / scale, scale);
+    expectNear(inkBounds(canvas, isRed), QRectF(20, 5, 60, 30), HalfPixel / scale, scale);
     EXPECT_GT(inkBounds(canvas, isDark).top(), 5 + 30 + 3) << scale;
   }
 }

@@ -2,7 +2,8 @@
 
 #include <QtCore/QByteArray>
 
-#include <charconv>
+#include <clocale>
+#include <cstdlib>
 
 namespace zq::platform {
 
@@ -50,13 +51,9 @@ float floatValue(QStringView text) {
   qsizetype start = 0;
   while (start < text.size() && text[start].isSpace())
     ++start;
-  const QByteArray number = numericPrefix(text.mid(start));
-  float value = 0;
-  const auto [end, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-  if (error == std::errc::result_out_of_range)
-    // Too large for single precision, or too small: infinite or zero, with the sign.
-    return static_cast<float>(number.toDouble());
-  return value;
+  // The C library's conversion rounds once and gives infinity and zero at the ends of the range.
+  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return strtof_l(numericPrefix(text.mid(start)).constData(), nullptr, cLocale);
 }
 
 } // namespace zq::platform
