@@ -1,1 +1,1 @@
-set(graphics_TESTS)
+set(graphics_TESTS GraphicsContextTest.cpp ImageTest.cpp)
