@@ -18,6 +18,21 @@ endif()
 
 set_property(GLOBAL PROPERTY ZQTICKER_PUBLIC_HEADERS "")
 
+# Precompiles the headers that nearly every source reads, and `ARGN`.
+function(zqticker_precompile_headers target)
+  target_precompile_headers(
+    ${target}
+    PRIVATE
+    <QtCore/QByteArray>
+    <QtCore/QRectF>
+    <QtCore/QString>
+    <QtCore/QVariant>
+    <memory>
+    <optional>
+    <vector>
+    ${ARGN})
+endfunction()
+
 # zqticker_room(<name> SOURCES … PUBLIC_HEADERS … PRIVATE_HEADERS … LIBRARIES …)
 #
 # A room is an object library, so that tests reach hidden parts without exporting them. Public
@@ -27,6 +42,7 @@ function(zqticker_room name)
   add_library(zqticker_${name} OBJECT ${ROOM_SOURCES} ${ROOM_PUBLIC_HEADERS} ${ROOM_PRIVATE_HEADERS})
   target_link_libraries(zqticker_${name} PUBLIC zqticker_settings ${ROOM_LIBRARIES})
   target_compile_definitions(zqticker_${name} PRIVATE zqticker_EXPORTS)
+  zqticker_precompile_headers(zqticker_${name})
   set_target_properties(
     zqticker_${name}
     PROPERTIES AUTOMOC ON
