@@ -1,1 +1,1 @@
-set(graphics_TESTS GraphicsContextTest.cpp ImageTest.cpp)
+set(graphics_TESTS ColorTest.cpp FontTest.cpp GraphicsContextTest.cpp ImageTest.cpp TiffTest.cpp)

@@ -56,6 +56,8 @@ class ZQTICKER_EXPORT Image : public Object {
 
   // The largest area of one bitmap, in pixels. Sides are not limited.
   static constexpr qint64 MaximumPixels = qint64(1) << 26;
+  // The largest area of a recorded drawing written as pixels.
+  static constexpr qint64 MaximumWrittenPixels = qint64(1) << 24;
 
   QSizeF size() const { return size_; }
   // Changes the size in points; what is shown is scaled to it.
@@ -65,8 +67,8 @@ class ZQTICKER_EXPORT Image : public Object {
 
   // The picture as TIFF data, one page a representation, each with the resolution that gives this
   // image's size. A recorded drawing is written at two pixels a point, with fewer where it would
-  // exceed MaximumPixels. The same picture gives the same bytes. Nothing for an image without
-  // representations or size.
+  // exceed MaximumWrittenPixels. The same picture gives the same bytes. Nothing for an image
+  // without representations or size.
   std::optional<QByteArray> TIFFRepresentation() const;
 
   // Makes a recording context current; what is drawn until unlockFocus is added to the picture, on

@@ -45,17 +45,17 @@ RasterGrid gridForWriting(const ImageRepresentation& representation, QSizeF size
             representation.pixelSize().width() / representation.size().width(),
             representation.pixelSize().height() / representation.size().height()};
   const double area = size.width() * size.height();
-  double scale = std::min(drawingScale, std::sqrt(double(Image::MaximumPixels) / area));
+  double scale = std::min(drawingScale, std::sqrt(double(Image::MaximumWrittenPixels) / area));
   RasterGrid grid = representation.grid(size, scale, scale);
   // Rounding up to whole pixels may exceed the limit.
-  while (qint64(grid.pixels.width()) * grid.pixels.height() > Image::MaximumPixels) {
+  while (qint64(grid.pixels.width()) * grid.pixels.height() > Image::MaximumWrittenPixels) {
     scale *= 0.75;
     grid = representation.grid(size, scale, scale);
   }
   return grid;
 }
 
-// Pixels outside of which nothing is written, so that no side grows beyond what a tile bears.
+// Writes the pixels of `grid` in strips or in tiles, each rendered by itself.
 bool writePixels(TIFF* tiff, const ImageRepresentation& representation, const RasterGrid& grid,
                  int samples) {
   const QSize pixels = grid.pixels;

@@ -3,8 +3,10 @@
 #include "zqticker/platform/graphics/ImageRepresentation.h"
 
 #include <QtCore/QBuffer>
+#include <QtCore/QtEndian>
 #include <QtGui/QImageReader>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -28,6 +30,24 @@ bool isTiff(const QByteArray& data) {
          data.startsWith(QByteArrayView("II+\0", 4)) || data.startsWith(QByteArrayView("MM\0+", 4));
 }
 
+// Whether the chunks of PNG data follow each other up to the last one. libpng writes about a file
+// that ends too early to standard error, whoever asks.
+bool isWholePng(QByteArrayView data) {
+  constexpr qsizetype signatureLength = 8;
+  // Length and name before the contents, a checksum after them.
+  constexpr qsizetype headLength = 8;
+  constexpr qsizetype tailLength = 4;
+  for (qsizetype at = signatureLength; data.size() - at >= headLength + tailLength;) {
+    const qint64 length = qFromBigEndian<quint32>(data.data() + at);
+    if (length > data.size() - at - headLength - tailLength)
+      return false;
+    if (data.sliced(at + 4, 4) == QByteArrayView("IEND"))
+      return true;
+    at += headLength + length + tailLength;
+  }
+  return false;
+}
+
 // Pixels a point. Qt gives the screen's resolution to a file that states none, so that only the
 // one of a picture made for two pixels a point (144 dots an inch) means anything.
 double pixelsPerPoint(const QImage& image) {
@@ -46,9 +66,12 @@ Image::Representations representationsFromData(const QByteArray& data) {
   buffer.open(QIODevice::ReadOnly);
   QImageReader reader(&buffer);
   reader.setAutoTransform(true);
+  reader.setDecideFormatFromContent(true);
   const QByteArray format = reader.format();
   if (std::none_of(std::begin(formats), std::end(formats),
                    [&](QLatin1StringView known) { return known == QLatin1StringView(format); }))
+    return {};
+  if (format == "png" && !isWholePng(data))
     return {};
   const QSize pixels = reader.size();
   if (pixels.isValid() && qint64(pixels.width()) * pixels.height() > maximumPixels)
