@@ -1,1 +1,2 @@
-set(graphics_TESTS ColorTest.cpp FontTest.cpp GraphicsContextTest.cpp ImageTest.cpp TiffTest.cpp)
+set(graphics_TESTS ColorTest.cpp FontTest.cpp GraphicsContextTest.cpp ImageTest.cpp ShadowTest.cpp
+                   TiffTest.cpp)

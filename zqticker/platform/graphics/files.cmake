@@ -1,5 +1,5 @@
 set(graphics_PUBLIC_HEADERS Color.h Font.h FontManager.h GraphicsContext.h Image.h
-                            ImageRepresentation.h)
+                            ImageRepresentation.h Shadow.h)
 set(graphics_PRIVATE_HEADERS
     BitmapRepresentation_p.h
     ColorSpace_p.h
@@ -26,6 +26,7 @@ set(graphics_SOURCES
     Image.cpp
     ImageCoding.cpp
     ImageRepresentation.cpp
+    Shadow.cpp
     TiffFile.cpp
     TiffReader.cpp
     TiffWriter.cpp
