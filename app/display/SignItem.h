@@ -1,0 +1,43 @@
+// A sign as an item of a strip.
+#pragma once
+
+#include "app/display/StripItem.h"
+#include "app/display/sign_placement.h"
+#include "zqticker/platform/objects/Object.h"
+
+#include <QtCore/QString>
+
+class ZQTickerSign;
+
+namespace zq::app {
+
+class TickerDisplay;
+
+// Holds a sign, or a line of text from which a sign is made only while it is on the strip, so that
+// a long queue of lines takes no more than their characters.
+class SignItem : public StripItem {
+ public:
+  SignItem(TickerDisplay& display, platform::Ref<ZQTickerSign> sign);
+  SignItem(TickerDisplay& display, QString line, LoopRule rule);
+  ~SignItem() override;
+
+  double enter() override;
+  void leave() override;
+  LoopRule loopRule() const override;
+
+  // Null for a line that is not on the strip.
+  const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
+  const SignPlacement& placement() const { return placement_; }
+  // Places the sign anew after a change; its length with the gap.
+  double place();
+
+ private:
+  TickerDisplay& display_;
+  platform::Ref<ZQTickerSign> sign_;
+  QString line_;
+  LoopRule lineRule_;
+  bool isLine_ = false;
+  SignPlacement placement_;
+};
+
+} // namespace zq::app

@@ -1,0 +1,126 @@
+// The order and the places of items on a moving strip.
+#pragma once
+
+#include "app/display/Motion.h"
+#include "app/display/StripQueue.h"
+
+#include <deque>
+#include <limits>
+#include <memory>
+#include <optional>
+
+namespace zq::app {
+
+// Moves items over a strip of a given extent along its direction, one behind the other.
+//
+// All places are travels, see Motion: an item's leading edge stands `travel - start` points behind
+// the edge at which items enter, and the item has left when `travel - end` reaches the extent. An
+// item that is on the strip moves with it and with nothing else: what is added, dropped or changed
+// behind it does not move it.
+//
+// Order: as added. A round is over when the first waiting item has already been shown in it. The
+// next round begins when all items of this one have left the strip, or, if that first item scrolls
+// continuously, when the last item has entered wholly; each item's own delay counts from there.
+// Items that have not been shown yet pass meanwhile, and droppable items that are shown once are
+// not waited for: a stream of them does not keep the next round away.
+//
+// Times never run backwards; a time before the last one is ignored. What happens is the same
+// however the time is cut into steps.
+class Strip {
+ public:
+  using Entry = StripQueue::EntryRef;
+
+  // One showing of an item.
+  struct Run {
+    Entry entry;
+    double start = 0;
+    double length = 0;
+    std::uint64_t number = 0; // counts from 1, never used twice
+
+    StripItem& item() const { return *entry->item; }
+    double end() const { return start + length; }
+  };
+
+  explicit Strip(double extent = 0, double pointsPerSecond = 0, double startTime = 0);
+
+  double extent() const { return extent_; }
+  void setExtent(double points, double time);
+  double speed() const { return motion_.speed(); }
+  void setSpeed(double pointsPerSecond, double time);
+
+  StripQueue& queue() { return queue_; }
+  const StripQueue& queue() const { return queue_; }
+
+  // Lets everything happen that is due at `time`.
+  void advanceTo(double time);
+
+  // The time to which the strip has advanced, and its travel then.
+  double time() const { return now_; }
+  double travel() const { return motion_.travelAt(now_); }
+  // What is on the strip, in the order of entering.
+  const std::deque<Run>& runs() const { return runs_; }
+  // Gives the runs new lengths, read by `lengthOf`; gaps and the oldest run's place stay.
+  template <class Measure>
+  void remeasure(Measure lengthOf);
+  // Calls `visit` for every item that waits or is on the strip; more than once for one that does
+  // both.
+  template <class Visit>
+  void forEachItem(Visit visit) const;
+
+  // Whether something is on the strip and moves.
+  bool isMoving() const { return !runs_.empty() && speed() > 0; }
+  // Whether nothing is on the strip, and nothing will be unless it is added.
+  bool isFinished() const { return runs_.empty() && queue_.isEmpty(); }
+  // When something next happens on a strip that is empty; infinity for never.
+  double nextEntryTime();
+
+ private:
+  struct Event {
+    enum class Kind { None, Wake, EndOfRound, Start };
+    Kind kind = Kind::None;
+    double time = std::numeric_limits<double>::infinity();
+    Entry entry;
+  };
+
+  Event nextEvent() const;
+  void letRest();
+  void perform(const Event& event);
+  void start(const Entry& entry);
+  void retire();
+  double endOfRound(const StripQueue::Entry& next) const;
+
+  Motion motion_;
+  double extent_;
+  double now_;
+  StripQueue queue_;
+  std::deque<Run> runs_;
+  double lastEnd_;     // travel at which the last run has entered wholly
+  double roundTravel_; // the same of the last run that a round consists of
+  std::uint64_t round_ = 1;
+  double roundEnd_; // when the round before this one ended
+  std::uint64_t nextNumber_ = 1;
+};
+
+template <class Visit>
+void Strip::forEachItem(Visit visit) const {
+  for (const Run& run : runs_)
+    visit(run.item());
+  queue_.forEachItem(visit);
+}
+
+template <class Measure>
+void Strip::remeasure(Measure lengthOf) {
+  double shift = 0;
+  for (Run& run : runs_) {
+    const double before = run.length;
+    const double measured = lengthOf(run);
+    run.start += shift;
+    if (measured > 0 && measured < std::numeric_limits<double>::infinity())
+      run.length = measured;
+    shift += run.length - before;
+  }
+  lastEnd_ += shift;
+  roundTravel_ += shift;
+}
+
+} // namespace zq::app

@@ -1,0 +1,15 @@
+#include "app/display/StripFrame.h"
+
+#include <QtGui/QPainter>
+
+namespace zq::app {
+
+void paintFrame(QPainter& painter, const StripFrame& frame, const QColor& background) {
+  painter.setCompositionMode(QPainter::CompositionMode_Source);
+  painter.fillRect(QRect(QPoint(0, 0), frame.size), background);
+  painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
+  for (const StripFrame::Piece& piece : frame.pieces)
+    painter.drawImage(piece.target, piece.picture, piece.source);
+}
+
+} // namespace zq::app

@@ -1,0 +1,38 @@
+// What a strip moves, without knowing what it shows.
+#pragma once
+
+#include <cstdint>
+
+namespace zq::app {
+
+// How often an item is shown.
+struct LoopRule {
+  // 0 or 1: once; n: n times; negative: without end.
+  std::int64_t count = 1;
+  // Seconds between the end of a round and the item's next showing.
+  double delay = 0;
+  // Whether the next round follows directly. Otherwise the strip runs empty between two rounds.
+  bool continuous = false;
+
+  bool isRepeating() const { return count < 0 || count > 1; }
+  bool isOverAfter(std::int64_t showings) const {
+    return count >= 0 && showings >= (count > 1 ? count : 1);
+  }
+};
+
+// One thing that runs over a strip, from its arrival until its last round has left.
+class StripItem {
+ public:
+  virtual ~StripItem();
+
+  // Makes the item ready to be shown, each time that it is about to enter. Its length along the
+  // strip in points, the gap after it included; zero, negative or not a number for an item that
+  // cannot be shown, which is then dropped.
+  virtual double enter() = 0;
+  // The item is not on the strip any more; it may enter again.
+  virtual void leave() = 0;
+  // Read when the item is about to enter.
+  virtual LoopRule loopRule() const = 0;
+};
+
+} // namespace zq::app

@@ -1,0 +1,79 @@
+#include "app/display/StripTiles.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+namespace zq::app {
+
+namespace {
+constexpr std::size_t MostSpares = 8;
+} // namespace
+
+StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}
+
+void StripTiles::clear() {
+  tiles_.clear();
+  spare_.clear();
+}
+
+void StripTiles::forget(std::uint64_t runNumber) {
+  std::erase_if(tiles_, [=](const Tile& tile) { return tile.run == runNumber; });
+}
+
+StripTiles::Tile StripTiles::make(const Strip::Run& run, int index, int pixels, const QSize& size) {
+  Tile tile{run.number, index, nextSerial_++, QImage()};
+  if (!spare_.empty()) {
+    tile.picture = std::move(spare_.back());
+    spare_.pop_back();
+  } else {
+    tile.picture = QImage(size, QImage::Format_ARGB32_Premultiplied);
+  }
+  tile.picture.fill(Qt::transparent);
+  draw_({&run, index * TileLength, pixels}, tile.picture);
+  return tile;
+}
+
+void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, bool horizontal,
+                      qint64 offset, double scale,
+                      const std::function<double(const Strip::Run&)>& lengthOf) {
+  // Before tiles are drawn again, so that no frame shares their pixels.
+  frame.pieces.clear();
+  const qint64 extent = horizontal ? frame.size.width() : frame.size.height();
+  const QSize tileSize =
+      horizontal ? QSize(TileLength, frame.size.height()) : QSize(frame.size.width(), TileLength);
+  const auto recycle = [&](Tile& tile) {
+    if (spare_.size() < MostSpares && tile.picture.size() == tileSize)
+      spare_.push_back(std::move(tile.picture));
+  };
+  auto old = tiles_.begin();
+  kept_.clear();
+  for (const Strip::Run& run : runs) {
+    const qint64 length = std::llround(std::ceil(lengthOf(run) * scale));
+    // The run's leading edge, in pixels from the edge at which runs leave.
+    const qint64 lead = extent - (offset - std::llround(run.start * scale));
+    const qint64 firstPixel = std::max<qint64>(-lead, 0);
+    const qint64 endPixel = std::min(extent - lead, length);
+    for (qint64 index = firstPixel / TileLength; index * TileLength < endPixel; ++index) {
+      const auto key = std::make_tuple(run.number, static_cast<int>(index));
+      for (; old != tiles_.end() && std::make_tuple(old->run, old->index) < key; ++old)
+        recycle(*old);
+      const int pixels =
+          static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
+      const bool isThere = old != tiles_.end() && std::make_tuple(old->run, old->index) == key;
+      kept_.push_back(isThere ? std::move(*old++)
+                              : make(run, static_cast<int>(index), pixels, tileSize));
+      const Tile& tile = kept_.back();
+      const int place = static_cast<int>(lead + index * TileLength);
+      frame.pieces.push_back({tile.serial, tile.picture,
+                              horizontal ? QRect(0, 0, pixels, frame.size.height())
+                                         : QRect(0, 0, frame.size.width(), pixels),
+                              horizontal ? QPoint(place, 0) : QPoint(0, place)});
+    }
+  }
+  for (; old != tiles_.end(); ++old)
+    recycle(*old);
+  tiles_.swap(kept_);
+}
+
+} // namespace zq::app

@@ -1,0 +1,65 @@
+// Finished pictures of what is on the strip.
+#pragma once
+
+#include "app/display/Strip.h"
+#include "app/display/StripFrame.h"
+
+#include <QtGui/QImage>
+
+#include <functional>
+#include <vector>
+
+namespace zq::app {
+
+// Cuts what is on the strip into tiles along it and keeps their pixels as long as they are in
+// sight. A tile is drawn once, when it comes into sight; its memory then serves another.
+//
+// Positions are whole device pixels: each run keeps its place relative to the others, all move by
+// the same number of pixels.
+class StripTiles {
+ public:
+  // Pixels of a tile along the strip.
+  static constexpr int TileLength = 512;
+
+  // A tile to be drawn: `pixels` along the strip, `first` pixels behind the run's leading edge,
+  // into a cleared picture that covers the strip's whole breadth.
+  struct Request {
+    const Strip::Run* run = nullptr;
+    int first = 0;
+    int pixels = 0;
+  };
+  using Draw = std::function<void(const Request&, QImage&)>;
+
+  explicit StripTiles(Draw draw);
+
+  // Drops all tiles: size, direction, scale or content have changed.
+  void clear();
+  // Drops the tiles of one run.
+  void forget(std::uint64_t runNumber);
+
+  // Fills `frame` with what is in sight: `offset` is the travel in device pixels, `scale` the
+  // pixels per point, `lengthOf` gives the drawn length of a run in points.
+  void fill(StripFrame& frame, const std::deque<Strip::Run>& runs, bool horizontal, qint64 offset,
+            double scale, const std::function<double(const Strip::Run&)>& lengthOf);
+
+  std::size_t count() const { return tiles_.size(); }
+  std::uint64_t drawn() const { return nextSerial_ - 1; }
+
+ private:
+  struct Tile {
+    std::uint64_t run = 0;
+    int index = 0;
+    std::uint64_t serial = 0;
+    QImage picture;
+  };
+
+  Tile make(const Strip::Run& run, int index, int pixels, const QSize& size);
+
+  Draw draw_;
+  std::vector<Tile> tiles_; // in the order along the strip
+  std::vector<Tile> kept_;  // the next tiles_, while a frame is filled
+  std::vector<QImage> spare_;
+  std::uint64_t nextSerial_ = 1;
+};
+
+} // namespace zq::app

@@ -1,0 +1,62 @@
+// The strip on the screen.
+#pragma once
+
+#include "app/display/FrameClock.h"
+#include "app/display/TickerDisplay.h"
+
+#include <QtCore/QTimer>
+#include <QtWidgets/QWidget>
+
+namespace zq::app {
+
+// Shows a display in a window of its own and moves it. Ticks only while something moves in sight,
+// and paints only frames that differ from the one before.
+//
+// Thread: main.
+class StripWidget : public QWidget {
+  Q_OBJECT
+
+ public:
+  // `display` must outlive the widget and takes the widget's size and scale.
+  StripWidget(TickerDisplay& display, const QColor& background);
+  ~StripWidget() override;
+
+  // Seconds on the strip's own clock: the monotonic clock without the time in which this process
+  // was kept from running, so that nothing jumps afterwards.
+  double time() const;
+
+  // Tells that something was added to the display or that it was changed.
+  void displayChanged();
+
+  // Whether the display has shown everything.
+  bool isFinished() const { return display_.isFinished(); }
+  Q_SIGNAL void finished();
+
+  // Frames that were painted because they differed from the one before.
+  std::uint64_t frameCount() const { return frameCount_; }
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  bool event(QEvent* event) override;
+
+ private:
+  void advance(double clockTime);
+  void fitDisplay();
+  void schedule();
+
+  TickerDisplay& display_;
+  QColor background_;
+  FrameClock clock_;
+  QTimer wake_;
+  double lost_ = 0;     // seconds in which the process did not run
+  double lastTick_ = 0; // on the monotonic clock; while the clock ticks
+  bool isFinished_ = false;
+  std::uint64_t frameCount_ = 0;
+};
+
+} // namespace zq::app

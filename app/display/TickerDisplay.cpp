@@ -1,0 +1,200 @@
+#include "app/display/TickerDisplay.h"
+
+#include "app/display/SignItem.h"
+#include "zqticker/platform/graphics/Color.h"
+#include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/text/AttributedString.h"
+#include "zqticker/signs/ZQTextTickerSign.h"
+
+#include <QtCore/QLoggingCategory>
+#include <QtGui/QPainter>
+
+#include <cmath>
+
+namespace zq::app {
+
+using namespace platform;
+
+namespace {
+Q_LOGGING_CATEGORY(displayLog, "zqticker.display")
+
+constexpr int HorizontalScrolling = 1;
+constexpr int VerticalScrolling = 0;
+
+const SignItem& itemOf(const Strip::Run& run) {
+  return static_cast<const SignItem&>(run.item());
+}
+} // namespace
+
+// What text signs see of the display: all of it, but a text offset of 0. Their buffer is exactly
+// as high as their line, so raising the text in it would cut it; the whole sign is raised instead.
+class TickerDisplay::TextSignDisplay : public ZQTickerDisplayProtocol {
+ public:
+  explicit TextSignDisplay(const TickerDisplay& display) : display_(display) {}
+
+  QSizeF size() const override { return display_.size(); }
+  int scrollDirection() const override { return display_.scrollDirection(); }
+  qreal textOffset() const override { return 0; }
+  Ref<Font> defaultFont() const override { return display_.defaultFont(); }
+  Ref<Color> defaultTextColor() const override { return display_.defaultTextColor(); }
+  bool shouldAutoscale() const override { return display_.shouldAutoscale(); }
+
+ private:
+  const TickerDisplay& display_;
+};
+
+TickerDisplay::TickerDisplay(double startTime)
+    : textSignDisplay_(std::make_unique<TextSignDisplay>(*this)), strip_(0, 0, startTime),
+      tiles_([this](const StripTiles::Request& request, QImage& picture) {
+        drawTile(request, picture);
+      }) {
+  strip_.queue().setLimits(MostLines, MostLineCharacters);
+}
+
+TickerDisplay::~TickerDisplay() = default;
+
+int TickerDisplay::scrollDirection() const {
+  return horizontal_ ? HorizontalScrolling : VerticalScrolling;
+}
+
+qreal TickerDisplay::textOffset() const {
+  return horizontal_ && font_ ? (size_.height() - font_->lineHeight()) / 2 : 0;
+}
+
+StripShape TickerDisplay::shape() const {
+  return {size_, horizontal_, shouldAutoscale(), font_ ? font_->pointSize() : 0};
+}
+
+void TickerDisplay::setSize(QSizeF points, double time) {
+  if (points == size_)
+    return;
+  size_ = points;
+  strip_.setExtent(extent(), time);
+  markForLayout();
+}
+
+void TickerDisplay::setHorizontal(bool horizontal, double time) {
+  if (horizontal == horizontal_)
+    return;
+  horizontal_ = horizontal;
+  strip_.setExtent(extent(), time);
+  strip_.forEachItem([this](StripItem& item) {
+    if (const Ref<ZQTickerSign>& sign = static_cast<SignItem&>(item).sign())
+      sign->setScrollDirection(scrollDirection());
+  });
+  markForLayout();
+}
+
+void TickerDisplay::setDefaultFont(Ref<Font> font) {
+  font_ = std::move(font);
+  markForLayout();
+}
+
+void TickerDisplay::setDefaultTextColor(Ref<Color> color) {
+  color_ = std::move(color);
+  markForLayout();
+}
+
+void TickerDisplay::setShouldAutoscale(bool autoscale) {
+  autoscale_ = autoscale;
+  markForLayout();
+}
+
+void TickerDisplay::setScale(double scale) {
+  if (scale == scale_)
+    return;
+  scale_ = scale;
+  markForLayout();
+}
+
+void TickerDisplay::markForLayout() {
+  strip_.forEachItem([](StripItem& item) {
+    if (const Ref<ZQTickerSign>& sign = static_cast<SignItem&>(item).sign())
+      sign->setNeedsLayout(true);
+  });
+  strip_.remeasure(
+      [](const Strip::Run& run) { return static_cast<SignItem&>(run.item()).place(); });
+  tiles_.clear();
+  frame_.pieces.clear();
+  frame_.size = QSize(static_cast<int>(std::lround(size_.width() * scale_)),
+                      static_cast<int>(std::lround(size_.height() * scale_)));
+  frameIsStale_ = true;
+}
+
+void TickerDisplay::prepare(ZQTickerSign& sign) {
+  sign.setScrollDirection(scrollDirection());
+  sign.setNeedsLayout(true);
+  auto* textSign = dynamic_cast<ZQTextTickerSign*>(&sign);
+  if (!textSign) {
+    sign.setDisplay(this);
+    return;
+  }
+  sign.setDisplay(textSignDisplay_.get());
+  textSign->updateBuffer();
+}
+
+void TickerDisplay::addSign(Ref<ZQTickerSign> sign, double time) {
+  strip_.advanceTo(time);
+  prepare(*sign);
+  strip_.queue().append(std::make_shared<SignItem>(*this, std::move(sign)));
+}
+
+void TickerDisplay::addLine(const QString& line, double time, const LoopRule& rule) {
+  strip_.advanceTo(time);
+  strip_.queue().appendDroppable(std::make_shared<SignItem>(*this, line, rule),
+                                 static_cast<std::size_t>(line.size()));
+}
+
+Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text) {
+  Attributes attributes;
+  if (font_)
+    attributes.insert(FontAttributeName, any(font_));
+  if (color_)
+    attributes.insert(ForegroundColorAttributeName, any(color_));
+  const Ref<ZQTextTickerSign> sign =
+      ZQTextTickerSign::make(AttributedString::make(text, attributes));
+  sign->setScrollDirection(scrollDirection());
+  sign->setDisplay(textSignDisplay_.get());
+  return sign;
+}
+
+bool TickerDisplay::advanceTo(double time) {
+  strip_.advanceTo(time);
+  const qint64 offset = std::llround(strip_.travel() * scale_);
+  if (!frameIsStale_ &&
+      (offset == frameOffset_ || (strip_.runs().empty() && frame_.pieces.empty())))
+    return false;
+  frameOffset_ = offset;
+  frameIsStale_ = false;
+  tiles_.fill(frame_, strip_.runs(), horizontal_, offset, scale_,
+              [](const Strip::Run& run) { return itemOf(run).placement().length; });
+  return true;
+}
+
+void TickerDisplay::drawTile(const StripTiles::Request& request, QImage& picture) const {
+  const SignItem& item = itemOf(*request.run);
+  const SignPlacement& placement = item.placement();
+  // In points from the tile's lower left.
+  const QSizeF area = QSizeF(picture.size()) / scale_;
+  const double across = std::round(placement.across * scale_) / scale_;
+  const double drawnLength = std::ceil(placement.length * scale_) / scale_;
+  const double first = request.first / scale_;
+  const QPointF corner =
+      horizontal_ ? QPointF(-first, across) : QPointF(across, area.height() + first - drawnLength);
+  QPainter painter(&picture);
+  painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
+                         QPainter::TextAntialiasing);
+  painter.scale(scale_, scale_);
+  GraphicsContext context(&painter, area);
+  context.concat(QTransform::fromScale(placement.fit, placement.fit));
+  try {
+    item.sign()->drawAtPoint(corner / placement.fit);
+  } catch (const Exception& exception) {
+    // What cannot be drawn stays empty; the strip goes on.
+    qCWarning(displayLog, "a sign cannot be drawn: %s", exception.what());
+  }
+}
+
+} // namespace zq::app

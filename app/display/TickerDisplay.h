@@ -1,0 +1,107 @@
+// The display of the ticker: owns its signs, lays them out, and moves them over a strip.
+#pragma once
+
+#include "app/display/Strip.h"
+#include "app/display/StripFrame.h"
+#include "app/display/StripTiles.h"
+#include "app/display/sign_placement.h"
+#include "zqticker/signs/ZQTickerDisplayProtocol.h"
+
+#include <QtCore/QString>
+
+class ZQTickerSign;
+
+namespace zq::app {
+
+// Shows signs one behind the other, in the order in which they were added, each as often as its
+// loopCount says; loopDelay counts in seconds. See Strip for the order of rounds.
+//
+// It gives frames for a time of a monotonic clock, in seconds, and knows neither window nor timer.
+// Device pixels are whole: what is shown moves by whole pixels and is sharp at every scale.
+//
+// Thread: main.
+class TickerDisplay : public ZQTickerDisplayProtocol {
+ public:
+  // The most lines that wait, and the most characters (UTF-16 units) in them.
+  static constexpr std::size_t MostLines = 1000;
+  static constexpr std::size_t MostLineCharacters = 16'000'000;
+
+  explicit TickerDisplay(double startTime = 0);
+  ~TickerDisplay() override;
+  TickerDisplay(const TickerDisplay&) = delete;
+
+  // What signs ask. The text offset puts a line of the default font into the middle of a
+  // horizontal strip; in a vertical one it is 0.
+  QSizeF size() const override { return size_; }
+  int scrollDirection() const override;
+  qreal textOffset() const override;
+  platform::Ref<platform::Font> defaultFont() const override { return font_; }
+  platform::Ref<platform::Color> defaultTextColor() const override { return color_; }
+  bool shouldAutoscale() const override { return autoscale_ && horizontal_; }
+
+  // Changes mark every sign for layout and let what is shown stay in its order; `time` is that of
+  // the change.
+  void setSize(QSizeF points, double time);
+  void setHorizontal(bool horizontal, double time);
+  void setDefaultFont(platform::Ref<platform::Font> font);
+  void setDefaultTextColor(platform::Ref<platform::Color> color);
+  void setShouldAutoscale(bool autoscale);
+  // Device pixels per point.
+  void setScale(double scale);
+  double scale() const { return scale_; }
+
+  bool isHorizontal() const { return horizontal_; }
+  StripShape shape() const;
+
+  // Points per second.
+  double speed() const { return strip_.speed(); }
+  void setSpeed(double pointsPerSecond, double time) { strip_.setSpeed(pointsPerSecond, time); }
+
+  // Adds a sign behind the others at `time`. It takes the strip's scroll direction and this
+  // display, and a text sign renders its buffer for it.
+  void addSign(platform::Ref<ZQTickerSign> sign, double time);
+  // Adds a line of text in the default font and color. Lines are limited as stated above: for a
+  // new one the line that was shown longest ago goes, then the oldest waiting one.
+  void addLine(const QString& line, double time, const LoopRule& rule = {});
+  // A text sign for `text` in the default font and color, laid out for this display.
+  platform::Ref<ZQTickerSign> makeTextSign(const QString& text);
+
+  // Signs and lines that wait, and lines that had to go.
+  std::size_t waitingCount() const { return strip_.queue().size(); }
+  std::size_t waitingLineCount() const { return strip_.queue().droppableSize(); }
+  std::uint64_t droppedLineCount() const { return strip_.queue().dropped(); }
+
+  // Moves on to `time`. Whether the frame is another one than before.
+  bool advanceTo(double time);
+  // The frame of that time; the same until the next advance.
+  const StripFrame& frame() const { return frame_; }
+
+  bool isMoving() const { return strip_.isMoving(); }
+  bool isFinished() const { return strip_.isFinished(); }
+  double nextEntryTime() { return strip_.nextEntryTime(); }
+  const Strip& strip() const { return strip_; }
+  const StripTiles& tiles() const { return tiles_; }
+
+ private:
+  class TextSignDisplay;
+
+  double extent() const { return horizontal_ ? size_.width() : size_.height(); }
+  void prepare(ZQTickerSign& sign);
+  void markForLayout();
+  void drawTile(const StripTiles::Request& request, QImage& picture) const;
+
+  QSizeF size_{0, 0};
+  bool horizontal_ = true;
+  platform::Ref<platform::Font> font_;
+  platform::Ref<platform::Color> color_;
+  bool autoscale_ = false;
+  double scale_ = 1;
+  std::unique_ptr<TextSignDisplay> textSignDisplay_;
+  Strip strip_;
+  StripTiles tiles_;
+  StripFrame frame_;
+  qint64 frameOffset_ = 0;
+  bool frameIsStale_ = true;
+};
+
+} // namespace zq::app
