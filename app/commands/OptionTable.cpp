@@ -1,0 +1,131 @@
+#include "app/commands/OptionTable.h"
+
+#include "app/commands/failures.h"
+
+#include <QtCore/QSet>
+
+#include <algorithm>
+#include <cmath>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+constexpr qsizetype HelpColumn = 30;
+constexpr qsizetype LineWidth = 88;
+
+QString usageOf(const OptionSpec& spec) {
+  return QString(u"--"_s + spec.name + (spec.values.isEmpty() ? u""_s : u" "_s) +
+                 spec.values.join(u' '));
+}
+
+// `text` broken at spaces into lines that stand `indent` characters in; the first line does not.
+QString wrapped(const QString& text, qsizetype indent) {
+  QString result;
+  qsizetype column = indent;
+  for (const QString& word : text.split(u' ')) {
+    if (column > indent && column + word.size() + 1 > LineWidth) {
+      result += u'\n' + QString(indent, u' ');
+      column = indent;
+    }
+    if (column > indent) {
+      result += u' ';
+      ++column;
+    }
+    result += word;
+    column += word.size();
+  }
+  return result;
+}
+
+const OptionSpec& findSpec(const OptionTable& table, const QString& name, const QString& argument) {
+  const auto found = std::find_if(table.options.begin(), table.options.end(),
+                                  [&](const OptionSpec& spec) { return spec.name == name; });
+  if (found == table.options.end())
+    throw UsageError(quotedForMessage(argument) +
+                     u": unknown option (see zqticker %1 --help)"_s.arg(table.command));
+  return *found;
+}
+} // namespace
+
+QString ParsedOption::text() const {
+  return quotedForMessage(u"--"_s + name + (values.isEmpty() ? u""_s : u" "_s) + values.join(u' '));
+}
+
+std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments) {
+  std::vector<ParsedOption> parsed;
+  QSet<QString> seen;
+  for (qsizetype i = 0; i < arguments.size(); ++i) {
+    const QString& argument = arguments[i];
+    if (!argument.startsWith("--"_L1) || argument.size() == 2)
+      throw UsageError(quotedForMessage(argument) +
+                       u": unexpected argument (see zqticker %1 --help)"_s.arg(table.command));
+    const qsizetype equals = argument.indexOf(u'=');
+    const QString name = argument.sliced(2, (equals < 0 ? argument.size() : equals) - 2);
+    const OptionSpec& spec = findSpec(table, name, argument);
+    ParsedOption option{name, {}};
+    if (equals >= 0) {
+      if (spec.values.isEmpty())
+        throw UsageError(u"--%1: takes no value"_s.arg(name));
+      option.values.append(argument.sliced(equals + 1));
+    }
+    while (option.values.size() < spec.values.size()) {
+      if (++i >= arguments.size())
+        throw UsageError(u"--%1: needs %2"_s.arg(name, spec.values.join(u" and ")));
+      option.values.append(arguments[i]);
+    }
+    if (!spec.repeatable && seen.contains(name))
+      throw UsageError(u"--%1: given twice"_s.arg(name));
+    seen.insert(name);
+    parsed.push_back(option);
+  }
+  return parsed;
+}
+
+QString helpText(const OptionTable& table) {
+  QString text = u"Usage: zqticker %1 [OPTION]...\n%2\n\nOptions:\n"_s.arg(
+      table.command, wrapped(table.summary, 0));
+  for (const OptionSpec& spec : table.options) {
+    const QString usage = u"  "_s + usageOf(spec);
+    text += usage;
+    text += usage.size() + 2 > HelpColumn ? u'\n' + QString(HelpColumn, u' ')
+                                          : QString(HelpColumn - usage.size(), u' ');
+    text += wrapped(spec.help, HelpColumn) + u'\n';
+  }
+  for (const QString& note : table.notes)
+    text += u'\n' + wrapped(note, 0) + u'\n';
+  if (!table.examples.isEmpty())
+    text += u"\nExamples:\n"_s;
+  for (qsizetype i = 0; i + 1 < table.examples.size(); i += 2)
+    text += u"  "_s + table.examples[i] + u"\n      "_s + wrapped(table.examples[i + 1], 6) + u'\n';
+  return text;
+}
+
+double numberOf(const ParsedOption& option, double least, double most) {
+  bool isNumber = false;
+  const double number = option.values.first().toDouble(&isNumber);
+  if (!isNumber || !std::isfinite(number))
+    throw UsageError(option.text() + u": not a number"_s);
+  if (number < least || number > most)
+    throw UsageError(option.text() + u": must be between %1 and %2"_s.arg(least).arg(most));
+  return number;
+}
+
+qint64 integerOf(const ParsedOption& option, qint64 least, qint64 most) {
+  bool isNumber = false;
+  const qint64 number = option.values.first().toLongLong(&isNumber);
+  if (!isNumber)
+    throw UsageError(option.text() + u": not a whole number"_s);
+  if (number < least || number > most)
+    throw UsageError(option.text() + u": must be between %1 and %2"_s.arg(least).arg(most));
+  return number;
+}
+
+QString wordOf(const ParsedOption& option, const QStringList& allowed) {
+  if (!allowed.contains(option.values.first()))
+    throw UsageError(option.text() + u": must be "_s + allowed.join(u" or "));
+  return option.values.first();
+}
+
+} // namespace zq::app

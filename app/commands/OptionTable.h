@@ -1,0 +1,48 @@
+// The options of a command: one table serves the parser and the help text.
+#pragma once
+
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+
+#include <vector>
+
+namespace zq::app {
+
+// One option. Its name stands without the leading dashes; `values` names its values.
+struct OptionSpec {
+  QString name;
+  QStringList values;
+  QString help;
+  bool repeatable = false;
+};
+
+struct OptionTable {
+  QString command;
+  QString summary;
+  std::vector<OptionSpec> options;
+  QStringList notes;    // paragraphs after the options
+  QStringList examples; // command lines, each followed by its explanation
+};
+
+struct ParsedOption {
+  QString name;
+  QStringList values;
+
+  // The option as the user wrote it, for messages: "--speed abc".
+  QString text() const;
+};
+
+// Reads `arguments` in order. A value is the argument after the option, whatever it looks like, or
+// what follows "=" in it. UsageError for an unknown option, a missing or surplus value, an option
+// given twice that may stand only once, and an argument that belongs to no option.
+std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments);
+
+// Usage line, options, notes and examples.
+QString helpText(const OptionTable& table);
+
+// Values. UsageError naming the option where one cannot be read.
+double numberOf(const ParsedOption& option, double least, double most);
+qint64 integerOf(const ParsedOption& option, qint64 least, qint64 most);
+QString wordOf(const ParsedOption& option, const QStringList& allowed);
+
+} // namespace zq::app

@@ -1,0 +1,131 @@
+#include "app/commands/RunCommand.h"
+
+#include "app/commands/RenderCommand.h"
+#include "app/commands/failures.h"
+#include "app/commands/interrupts.h"
+#include "app/commands/strip_setup.h"
+#include "app/display/StripWidget.h"
+#include "app/intake/LineReader.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+
+#include <cmath>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+// What a session without a display gets.
+constexpr double RenderedSeconds = 10;
+constexpr double RenderedRate = 10;
+constexpr double PatienceSeconds = 5;
+constexpr QSizeF RenderedRoom(1280, 720);
+
+QRect windowGeometry(const RunOptions& options, const StripLook& look, const QRect& room) {
+  QRect geometry(0, 0, static_cast<int>(std::ceil(look.size.width())),
+                 static_cast<int>(std::ceil(look.size.height())));
+  geometry.moveTopLeft(room.topLeft());
+  switch (options.edge) {
+  case Edge::Top:
+  case Edge::Left:
+    break;
+  case Edge::Bottom:
+    geometry.moveBottom(room.bottom());
+    break;
+  case Edge::Right:
+    geometry.moveRight(room.right());
+    break;
+  case Edge::Automatic:
+    if (options.strip.isHorizontal)
+      geometry.moveBottom(room.bottom());
+    else
+      geometry.moveRight(room.right());
+    break;
+  }
+  return geometry;
+}
+
+bool isOpen(int descriptor) {
+  return ::fcntl(descriptor, F_GETFD) != -1;
+}
+} // namespace
+
+bool hasDisplay() {
+  const QByteArray platform = qgetenv("QT_QPA_PLATFORM");
+  if (platform.startsWith("offscreen") || platform.startsWith("minimal"))
+    return false;
+  return !qgetenv("DISPLAY").isEmpty() || !qgetenv("WAYLAND_DISPLAY").isEmpty() ||
+         platform.startsWith("linuxfb") || platform.startsWith("eglfs") ||
+         platform.startsWith("vnc");
+}
+
+int runCommand(const QStringList& arguments) {
+  const RunOptions options = readRunOptions(arguments);
+  Interrupts interrupts;
+  const QScreen* screen = QGuiApplication::primaryScreen();
+  if (!screen)
+    throw RunTimeError(u"the display has no screen"_s);
+  const QRect room = screen->availableGeometry();
+  const StripLook look = lookOf(options.strip, room.size());
+
+  TickerDisplay display(FrameClock::now());
+  fillDisplay(display, options.strip, look, FrameClock::now());
+  StripWidget widget(display, options.strip.background);
+  widget.setGeometry(windowGeometry(options, look, room));
+
+  std::unique_ptr<LineReader> reader;
+  const auto quitWhenDone = [&] {
+    if (widget.isFinished() && (!reader || reader->hasEnded()))
+      QCoreApplication::quit();
+  };
+  if (options.strip.readsStandardInput && isOpen(STDIN_FILENO)) {
+    const LoopRule rule = lineRuleOf(options.strip);
+    reader = std::make_unique<LineReader>(STDIN_FILENO, [&, rule](const QString& line) {
+      display.addLine(line, widget.time(), rule);
+    });
+    QObject::connect(reader.get(), &LineReader::received, &widget, [&] {
+      reader->setUnhurried(display.waitingLineCount() >= TickerDisplay::MostLines);
+      widget.displayChanged();
+    });
+    QObject::connect(reader.get(), &LineReader::ended, &widget, [&] {
+      widget.displayChanged();
+      quitWhenDone();
+    });
+  }
+  QObject::connect(&widget, &StripWidget::finished, &widget, quitWhenDone, Qt::QueuedConnection);
+  QObject::connect(&interrupts, &Interrupts::interrupted, &widget,
+                   [] { QCoreApplication::quit(); });
+  widget.show();
+  QCoreApplication::exec();
+  return Success;
+}
+
+int runWithoutDisplay(const QStringList& arguments, const QString& reason) {
+  const RunOptions options = readRunOptions(arguments);
+  const Interrupts interrupts;
+  QTemporaryDir folder;
+  if (!folder.isValid())
+    throw RunTimeError(reason + u", and no temporary folder for pictures: "_s +
+                       folder.errorString());
+  RenderOptions rendered;
+  rendered.strip = options.strip;
+  const StripLook look = lookOf(options.strip, RenderedRoom);
+  rendered.strip.width = look.size.width();
+  rendered.strip.height = look.size.height();
+  rendered.frames = static_cast<int>(std::lround(RenderedSeconds * RenderedRate));
+  rendered.framesPerSecond = RenderedRate;
+  rendered.output = folder.path();
+  render(rendered, PatienceSeconds);
+  folder.setAutoRemove(false);
+  printError(reason + u": rendered %1 frames into %2"_s.arg(rendered.frames).arg(folder.path()));
+  return Success;
+}
+
+} // namespace zq::app

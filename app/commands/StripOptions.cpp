@@ -1,0 +1,224 @@
+#include "app/commands/StripOptions.h"
+
+#include "app/commands/command_tables.h"
+#include "app/commands/failures.h"
+#include "app/intake/LineSplitter.h"
+#include "zqticker/signs/ZQTickerSign.h"
+
+#include <cmath>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+constexpr double SlowestSpeed = 0.1;
+constexpr double FastestSpeed = 100'000;
+// Sides of a strip in points.
+constexpr double ShortestSide = 1;
+constexpr double LongestSide = 16'384;
+constexpr double LongestDelay = 1e9;
+constexpr int MostFrames = 1'000'000;
+constexpr double LargestScale = 16;
+constexpr double SmallestScale = 0.1;
+
+// The option's value made showable. A text of nothing but white space would show nothing.
+QString textOf(const ParsedOption& option, const QString& value) {
+  const QString text = showableLine(value);
+  if (text.trimmed().isEmpty())
+    throw UsageError(option.text() + u": the text is empty"_s);
+  return text;
+}
+
+QString fileOf(const ParsedOption& option, const QString& value) {
+  if (value.isEmpty())
+    throw UsageError(option.text() + u": the file name is empty"_s);
+  return value;
+}
+
+QColor colorOf(const ParsedOption& option) {
+  const QColor color(option.values.first());
+  if (!color.isValid())
+    throw UsageError(option.text() +
+                     u": not a color (write a name such as navy, or #rrggbb, or #aarrggbb)"_s);
+  return color;
+}
+
+FontRequest fontOf(const ParsedOption& option) {
+  const QString text = option.values.first().simplified();
+  if (text.isEmpty())
+    throw UsageError(option.text() + u": the font name is empty"_s);
+  return {text};
+}
+
+std::int64_t loopCountOf(const ParsedOption& option) {
+  if (option.values.first() == "forever"_L1)
+    return ZQEndlessLoopCount;
+  bool isNumber = false;
+  const qint64 count = option.values.first().toLongLong(&isNumber);
+  if (!isNumber || count < 1 || count > std::numeric_limits<std::int32_t>::max())
+    throw UsageError(option.text() + u": must be a whole number from 1 on, or forever"_s);
+  return count;
+}
+
+SignSource textSource(const ParsedOption& option) {
+  return {SignSource::Kind::Text, {}, textOf(option, option.values[0]), option.text()};
+}
+
+SignSource fileSource(SignSource::Kind kind, const ParsedOption& option) {
+  return {kind, fileOf(option, option.values[0]), {}, option.text()};
+}
+
+// Whether `option` is one that all strips have; reads it then.
+bool readStripOption(StripOptions& options, const ParsedOption& option) {
+  const QString& name = option.name;
+  if (name == "text"_L1) {
+    options.sources.push_back(textSource(option));
+  } else if (name == "image"_L1) {
+    options.sources.push_back(fileSource(SignSource::Kind::Image, option));
+  } else if (name == "combo"_L1) {
+    SignSource source = fileSource(SignSource::Kind::Combo, option);
+    source.text = textOf(option, option.values[1]);
+    options.sources.push_back(source);
+  } else if (name == "sign"_L1) {
+    options.sources.push_back(fileSource(SignSource::Kind::Sign, option));
+  } else if (name == "stdin"_L1) {
+    options.readsStandardInput = true;
+  } else if (name == "direction"_L1) {
+    options.isHorizontal = wordOf(option, {u"horizontal"_s, u"vertical"_s}) == "horizontal"_L1;
+  } else if (name == "speed"_L1) {
+    options.speed = numberOf(option, SlowestSpeed, FastestSpeed);
+  } else if (name == "width"_L1) {
+    options.width = numberOf(option, ShortestSide, LongestSide);
+  } else if (name == "height"_L1) {
+    options.height = numberOf(option, ShortestSide, LongestSide);
+  } else if (name == "font"_L1) {
+    options.font = fontOf(option);
+  } else if (name == "color"_L1) {
+    options.color = colorOf(option);
+  } else if (name == "background"_L1) {
+    options.background = colorOf(option);
+  } else if (name == "autoscale"_L1) {
+    options.autoscale = true;
+  } else if (name == "loop"_L1) {
+    options.loopCount = loopCountOf(option);
+  } else if (name == "delay"_L1) {
+    options.loopDelay = numberOf(option, 0, LongestDelay);
+  } else if (name == "continuous"_L1) {
+    options.continuous = true;
+  } else {
+    return false;
+  }
+  return true;
+}
+
+void requireSomethingToShow(const StripOptions& options, const QString& command) {
+  if (options.sources.empty() && !options.readsStandardInput)
+    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign or --stdin (see "
+                     u"zqticker %1 --help)"_s.arg(command));
+}
+
+void readSize(StripOptions& options, const ParsedOption& option) {
+  const QStringList sides = option.values.first().split(u'x');
+  bool isWidth = false;
+  bool isHeight = false;
+  if (sides.size() == 2) {
+    options.width = sides[0].toDouble(&isWidth);
+    options.height = sides[1].toDouble(&isHeight);
+  }
+  if (!isWidth || !isHeight)
+    throw UsageError(option.text() + u": must be WIDTHxHEIGHT in points, such as 800x24"_s);
+  for (const double side : {*options.width, *options.height})
+    if (!(side >= ShortestSide && side <= LongestSide))
+      throw UsageError(option.text() +
+                       u": sides must be between %1 and %2"_s.arg(ShortestSide).arg(LongestSide));
+}
+
+Edge edgeOf(const ParsedOption& option) {
+  const QString word = wordOf(option, {u"top"_s, u"bottom"_s, u"left"_s, u"right"_s});
+  if (word == "top"_L1)
+    return Edge::Top;
+  if (word == "bottom"_L1)
+    return Edge::Bottom;
+  return word == "left"_L1 ? Edge::Left : Edge::Right;
+}
+} // namespace
+
+RunOptions readRunOptions(const QStringList& arguments) {
+  RunOptions options;
+  for (const ParsedOption& option : parseOptions(runTable(), arguments))
+    if (option.name == "position"_L1)
+      options.edge = edgeOf(option);
+    else
+      readStripOption(options.strip, option);
+  requireSomethingToShow(options.strip, runTable().command);
+  const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
+  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)
+    throw UsageError(options.strip.isHorizontal
+                         ? u"--position: a horizontal strip stands at the top or the bottom"_s
+                         : u"--position: a vertical strip stands left or right"_s);
+  return options;
+}
+
+RenderOptions readRenderOptions(const QStringList& arguments) {
+  RenderOptions options;
+  for (const ParsedOption& option : parseOptions(renderTable(), arguments)) {
+    if (option.name == "size"_L1)
+      readSize(options.strip, option);
+    else if (option.name == "frames"_L1)
+      options.frames = static_cast<int>(integerOf(option, 1, MostFrames));
+    else if (option.name == "fps"_L1)
+      options.framesPerSecond = numberOf(option, 0.001, 1000);
+    else if (option.name == "scale"_L1)
+      options.scale = numberOf(option, SmallestScale, LargestScale);
+    else if (option.name == "start"_L1)
+      options.start = numberOf(option, 0, 1e6);
+    else if (option.name == "output"_L1)
+      options.output = fileOf(option, option.values.first());
+    else
+      readStripOption(options.strip, option);
+  }
+  requireSomethingToShow(options.strip, renderTable().command);
+  if (options.output.isEmpty())
+    throw UsageError(u"--output: missing; say where the pictures go, a folder or a file.png"_s);
+  return options;
+}
+
+SignOptions readSignOptions(const QStringList& arguments) {
+  SignOptions options;
+  for (const ParsedOption& option : parseOptions(signTable(), arguments)) {
+    const QString& value = option.values.isEmpty() ? QString() : option.values.first();
+    if (option.name == "text"_L1)
+      options.text = textSource(option);
+    else if (option.name == "image"_L1)
+      options.image = fileSource(SignSource::Kind::Image, option);
+    else if (option.name == "font"_L1)
+      options.font = fontOf(option);
+    else if (option.name == "color"_L1)
+      options.color = colorOf(option);
+    else if (option.name == "loop"_L1)
+      options.loopCount = loopCountOf(option);
+    else if (option.name == "delay"_L1)
+      options.loopDelay = numberOf(option, 0, LongestDelay);
+    else if (option.name == "continuous"_L1)
+      options.continuous = true;
+    else if (option.name == "identifier"_L1)
+      options.identifier = value;
+    else if (option.name == "action"_L1)
+      options.action = value;
+    else
+      options.output = fileOf(option, value);
+  }
+  if (!options.text && !options.image)
+    throw UsageError(
+        u"nothing to write: give --text, --image or both (see zqticker sign --help)"_s);
+  if (options.output.isEmpty())
+    throw UsageError(u"--output: missing; say which file to write"_s);
+  if (!options.text && (options.font || options.color))
+    throw UsageError(u"--%1: there is no --text that it could style"_s.arg(
+        options.font ? u"font"_s : u"color"_s));
+  return options;
+}
+
+} // namespace zq::app

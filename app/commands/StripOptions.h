@@ -1,0 +1,83 @@
+// What a strip shows and how it looks, as asked for on the command line.
+#pragma once
+
+#include "app/commands/OptionTable.h"
+
+#include <QtCore/QSizeF>
+#include <QtCore/QString>
+#include <QtGui/QColor>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace zq::app {
+
+// One --text, --image, --combo or --sign.
+struct SignSource {
+  enum class Kind { Text, Image, Combo, Sign };
+  Kind kind;
+  QString file; // of a picture or an archive
+  QString text;
+  QString argument; // as the user wrote it, for messages
+};
+
+// A font as written: "DejaVu Sans 18" or, without a size, "DejaVu Sans".
+struct FontRequest {
+  QString text;
+};
+
+// The options that `run` and `render` share.
+struct StripOptions {
+  std::vector<SignSource> sources; // in the order in which they are shown
+  bool readsStandardInput = false;
+  bool isHorizontal = true;
+  double speed = 60; // points per second
+  std::optional<double> width;
+  std::optional<double> height;
+  std::optional<FontRequest> font;
+  std::optional<QColor> color;
+  QColor background = Qt::white;
+  bool autoscale = false;
+  std::optional<std::int64_t> loopCount; // as asked for, else by the kind of sign
+  std::optional<double> loopDelay;
+  bool continuous = false;
+};
+
+// Where the window stands.
+enum class Edge { Automatic, Top, Bottom, Left, Right };
+
+struct RunOptions {
+  StripOptions strip;
+  Edge edge = Edge::Automatic;
+};
+
+struct RenderOptions {
+  StripOptions strip;
+  int frames = 1;
+  double framesPerSecond = 30;
+  double scale = 1;
+  std::optional<double> start; // seconds
+  QString output;
+};
+
+struct SignOptions {
+  std::optional<SignSource> text;
+  std::optional<SignSource> image;
+  std::optional<FontRequest> font;
+  std::optional<QColor> color;
+  std::optional<std::int64_t> loopCount;
+  std::optional<double> loopDelay;
+  bool continuous = false;
+  QString identifier;
+  QString action;
+  QString output;
+};
+
+// The commands' options. UsageError for what is wrong in itself; files and fonts are looked at
+// later.
+RunOptions readRunOptions(const QStringList& arguments);
+RenderOptions readRenderOptions(const QStringList& arguments);
+SignOptions readSignOptions(const QStringList& arguments);
+
+} // namespace zq::app

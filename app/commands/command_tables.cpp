@@ -1,0 +1,201 @@
+#include "app/commands/command_tables.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+// The options that `run` and `render` share, up to those that differ.
+const std::vector<OptionSpec>& stripOptions() {
+  static const std::vector<OptionSpec> options{
+      {u"text"_s, {u"TEXT"_s}, u"Show a line of text."_s, true},
+      {u"image"_s,
+       {u"FILE"_s},
+       u"Show a picture; one that is larger than the strip is scaled down to it."_s,
+       true},
+      {u"combo"_s, {u"FILE"_s, u"TEXT"_s}, u"Show a picture followed by a text."_s, true},
+      {u"sign"_s,
+       {u"FILE"_s},
+       u"Show a sign from its archive, with the loop count, the delay and the scrolling that it "
+       u"was archived with."_s,
+       true},
+      {u"stdin"_s,
+       {},
+       u"Show each line of standard input as it arrives, after what stands before it."_s},
+      {u"direction"_s,
+       {u"DIRECTION"_s},
+       u"horizontal (the default; from right to left) or vertical (from bottom to top)."_s},
+      {u"speed"_s, {u"POINTS"_s}, u"Points per second; 60 by default."_s},
+      {u"font"_s,
+       {u"FONT"_s},
+       u"The font of texts, with or without a size in points: \"DejaVu Sans 18\", \"DejaVu "
+       u"Sans\". Without a size the text takes four fifths of the strip's height."_s},
+      {u"color"_s,
+       {u"COLOR"_s},
+       u"The color of texts; black by default. A name such as navy, or #rrggbb, or #aarrggbb."_s},
+      {u"background"_s, {u"COLOR"_s}, u"The color of the strip; white by default."_s},
+      {u"autoscale"_s, {}, u"Scale texts to the height of the strip (horizontal strips)."_s},
+      {u"loop"_s,
+       {u"COUNT"_s},
+       u"How often each sign is shown: 1 or more, or forever. By default what --text, --image and "
+       u"--combo show is shown forever, signs from archives as often as they say, lines of "
+       u"standard input once."_s},
+      {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
+      {u"continuous"_s,
+       {},
+       u"Let the next round follow directly, instead of letting the strip run empty between."_s},
+  };
+  return options;
+}
+
+const QString StandardInputNote =
+    u"Standard input: lines are UTF-8; bytes that are not become U+FFFD, terminal escape sequences "
+    u"and control characters are left out, and so are empty lines. A line of more than 1,000,000 "
+    u"characters is cut there and ends in an ellipsis. At most 1,000 lines wait, with at most "
+    u"16,000,000 characters together: for a new one the line that was shown longest ago goes (with "
+    u"--loop), then the oldest waiting one; a line that is on the strip stays."_s;
+
+OptionTable makeRunTable() {
+  OptionTable table;
+  table.command = u"run"_s;
+  table.summary = u"Scrolls signs over a strip at the edge of the screen. The order of the options "
+                  u"is the order on the strip."_s;
+  table.options = stripOptions();
+  table.options.push_back(
+      {u"height"_s,
+       {u"POINTS"_s},
+       u"Height of the strip. By default 24, more where --font is larger; the screen's height for "
+       u"a vertical strip."_s});
+  table.options.push_back({u"width"_s,
+                           {u"POINTS"_s},
+                           u"Width of the strip. By default the screen's width; 240 for a vertical "
+                           u"strip."_s});
+  table.options.push_back(
+      {u"position"_s,
+       {u"EDGE"_s},
+       u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
+  table.options.push_back({u"help"_s, {}, u"Print this text."_s});
+  table.notes = {
+      StandardInputNote,
+      u"The program ends when all signs have been shown as often as they ask for and standard "
+      u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu under the right "
+      u"mouse button. Everything is read and checked before the window opens. Without a display "
+      u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "
+      u"rendered as pictures into a new temporary folder, whose name is printed; of standard input "
+      u"what comes until it ends, until 1,000 lines wait or until nothing has come for five "
+      u"seconds is shown."_s,
+      u"Exit status: 0 when all went well, 1 for what cannot be read or done, 2 for a wrong "
+      u"command line."_s};
+  table.examples = {
+      u"zqticker --text \"Hello\" --image photo.png"_s,
+      u"A text and a picture, in turn, at the bottom of the screen."_s,
+      u"tail -f /var/log/syslog | zqticker --stdin --speed 120"_s,
+      u"Every new line of a log, as it is written."_s,
+      u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
+      u"--background lightyellow"_s,
+      u"A picture and a text in a font and colors of your own."_s,
+      u"zqticker run --direction vertical --text one --text two --loop 2"_s,
+      u"Two lines that scroll up at the right of the screen, twice."_s};
+  return table;
+}
+
+OptionTable makeRenderTable() {
+  OptionTable table;
+  table.command = u"render"_s;
+  table.summary = u"Renders the strip that `run` would show into pictures, without a display. The "
+                  u"same arguments give the same bytes."_s;
+  table.options = stripOptions();
+  table.options.push_back(
+      {u"size"_s, {u"WIDTHxHEIGHT"_s}, u"Size of the strip in points; 800x24 by default."_s});
+  table.options.push_back({u"height"_s, {u"POINTS"_s}, u"Height alone."_s});
+  table.options.push_back({u"width"_s, {u"POINTS"_s}, u"Width alone."_s});
+  table.options.push_back({u"frames"_s, {u"COUNT"_s}, u"Number of frames; 1 by default."_s});
+  table.options.push_back({u"fps"_s, {u"RATE"_s}, u"Frames per second; 30 by default."_s});
+  table.options.push_back(
+      {u"scale"_s, {u"FACTOR"_s}, u"Device pixels per point, such as 1.5 or 2; 1 by default."_s});
+  table.options.push_back(
+      {u"start"_s,
+       {u"SECONDS"_s},
+       u"Time of the first frame. By default 0, when the first sign stands before the edge; for a "
+       u"single frame the moment at which it has reached the far edge."_s});
+  table.options.push_back(
+      {u"output"_s,
+       {u"PATH"_s},
+       u"A folder (made where missing), which receives frame-000001.png and so on, or a file whose "
+       u"name ends in .png, in which the frames stand one below the other."_s});
+  table.options.push_back({u"help"_s, {}, u"Print this text."_s});
+  table.notes = {
+      StandardInputNote,
+      u"With --stdin all lines are taken before the first frame: up to the end of standard input, "
+      u"or until 1,000 lines wait. Each file is complete or not there: it is written under another "
+      u"name first. The first frame shows the strip at --start, the others follow at --fps."_s};
+  table.examples = {
+      u"zqticker render --text \"Hello\" --size 400x24 --output hello.png"_s,
+      u"One picture of the text."_s,
+      u"zqticker render --text \"Hello\" --size 400x24 --scale 2 --frames 90 --fps 30 --output "
+      u"frames"_s,
+      u"Three seconds for a sharp screen, as frames/frame-000001.png to frame-000090.png."_s};
+  return table;
+}
+
+OptionTable makeSignTable() {
+  OptionTable table;
+  table.command = u"sign"_s;
+  table.summary = u"Writes a sign as a keyed archive, to be shown by `run --sign`: a text sign, an "
+                  u"image sign, or from both a combo sign."_s;
+  table.options = {
+      {u"text"_s, {u"TEXT"_s}, u"The text."_s},
+      {u"image"_s, {u"FILE"_s}, u"The picture."_s},
+      {u"font"_s,
+       {u"FONT"_s},
+       u"The text's font, such as \"DejaVu Sans 18\"; 13 points where the size is missing."_s},
+      {u"color"_s, {u"COLOR"_s}, u"The text's color."_s},
+      {u"loop"_s, {u"COUNT"_s}, u"How often the sign is shown: 1 or more, or forever."_s},
+      {u"delay"_s, {u"SECONDS"_s}, u"Seconds between two rounds."_s},
+      {u"continuous"_s, {}, u"Let the next round follow directly."_s},
+      {u"identifier"_s, {u"NAME"_s}, u"A name by which the sign can be replaced or removed."_s},
+      {u"action"_s, {u"URL"_s}, u"The location that a click opens."_s},
+      {u"output"_s, {u"FILE"_s}, u"The archive to write."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"A text sign without --font and --color is shown in 12-point Helvetica and black, a combo "
+      u"sign in the strip's font and color. The file is complete or not there."_s};
+  table.examples = {u"zqticker sign --text \"Back at noon\" --font \"DejaVu Sans Bold 16\" --loop "
+                    u"3 --output noon.sign"_s,
+                    u"A text sign that is shown three times."_s, u"zqticker run --sign noon.sign"_s,
+                    u"Shows it."_s};
+  return table;
+}
+} // namespace
+
+const OptionTable& runTable() {
+  static const OptionTable table = makeRunTable();
+  return table;
+}
+
+const OptionTable& renderTable() {
+  static const OptionTable table = makeRenderTable();
+  return table;
+}
+
+const OptionTable& signTable() {
+  static const OptionTable table = makeSignTable();
+  return table;
+}
+
+QString programHelp() {
+  return u"Usage: zqticker [COMMAND] [OPTION]...\n"
+         u"A desktop ticker: texts and pictures that scroll over a strip.\n\n"
+         u"Commands:\n"
+         u"  run       scroll signs over the screen; meant where no command is named\n"
+         u"  render    render the same into pictures, without a display\n"
+         u"  sign      write a sign's archive\n"
+         u"  archive   print a keyed archive\n"
+         u"  help      print this text, or that of a command\n\n"
+         u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
+         u"version.\n\n"_s +
+         helpText(runTable());
+}
+
+} // namespace zq::app

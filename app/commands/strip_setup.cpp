@@ -1,0 +1,68 @@
+#include "app/commands/strip_setup.h"
+
+#include "app/commands/sign_loading.h"
+#include "zqticker/platform/graphics/Color.h"
+#include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/graphics/FontManager.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zq::app {
+
+using namespace platform;
+
+namespace {
+constexpr double UsualHeight = 24;
+constexpr double UsualVerticalWidth = 240;
+// The font in a vertical strip, whose height says nothing about it.
+constexpr double VerticalFontSize = 16;
+// The part of a horizontal strip's height that a line of text takes.
+constexpr double TextFraction = 0.8;
+
+Ref<Font> fontToFit(const Ref<Font>& font, double height) {
+  return FontManager::sharedFontManager().convertFontToFitHeight(font, height);
+}
+} // namespace
+
+StripLook lookOf(const StripOptions& options, QSizeF room) {
+  FoundFont found = options.font ? findFont(*options.font, VerticalFontSize)
+                                 : FoundFont{Font::systemFontOfSize(VerticalFontSize), false};
+  StripLook look;
+  look.color = options.color ? Color::fromQColor(*options.color) : Color::deviceRGB(0, 0, 0);
+  if (!options.isHorizontal) {
+    look.size =
+        QSizeF(options.width.value_or(UsualVerticalWidth), options.height.value_or(room.height()));
+    look.font = found.font;
+    return look;
+  }
+  const double fontHeight =
+      found.hasSize ? std::ceil(found.font->lineHeight() / TextFraction) : UsualHeight;
+  look.size = QSizeF(options.width.value_or(room.width()),
+                     options.height.value_or(std::max(fontHeight, UsualHeight)));
+  if (options.autoscale)
+    look.font = fontToFit(found.font, look.size.height());
+  else
+    look.font =
+        found.hasSize ? found.font : fontToFit(found.font, look.size.height() * TextFraction);
+  return look;
+}
+
+void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
+                 double time) {
+  const std::vector<Ref<ZQTickerSign>> signs = loadSigns(options, look.font, look.color);
+  display.setHorizontal(options.isHorizontal, time);
+  display.setSize(look.size, time);
+  display.setDefaultFont(look.font);
+  display.setDefaultTextColor(look.color);
+  display.setShouldAutoscale(options.autoscale);
+  display.setSpeed(options.speed, time);
+  for (const Ref<ZQTickerSign>& sign : signs)
+    display.addSign(sign, time);
+}
+
+LoopRule lineRuleOf(const StripOptions& options) {
+  return {options.loopCount.value_or(1), options.loopDelay.value_or(0), options.continuous};
+}
+
+} // namespace zq::app

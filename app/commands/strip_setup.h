@@ -1,0 +1,28 @@
+// From options to a display that is ready to move.
+#pragma once
+
+#include "app/commands/StripOptions.h"
+#include "app/display/TickerDisplay.h"
+
+namespace zq::app {
+
+// What the options leave to the program: size, font and color.
+struct StripLook {
+  QSizeF size; // points
+  platform::Ref<platform::Font> font;
+  platform::Ref<platform::Color> color;
+};
+
+// The look of a strip in `room` (points), for what the options do not state: a horizontal strip is
+// as wide as the room, a vertical one as high. Raises RunTimeError for an unknown font.
+StripLook lookOf(const StripOptions& options, QSizeF room);
+
+// Gives `display` its look and the signs of the options, all read and checked, at `time`. Raises
+// RunTimeError for what cannot be shown; the display is unchanged then.
+void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
+                 double time);
+
+// The loop rule of lines of standard input.
+LoopRule lineRuleOf(const StripOptions& options);
+
+} // namespace zq::app
