@@ -1,0 +1,103 @@
+#include "app/commands/OptionTable.h"
+
+#include "app/commands/command_tables.h"
+#include "app/commands/failures.h"
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+
+namespace {
+const OptionTable& table() {
+  static const OptionTable options{u"test"_s,
+                                   u"Tests."_s,
+                                   {{u"one"_s, {u"A"_s}, u"One value."_s, true},
+                                    {u"two"_s, {u"A"_s, u"B"_s}, u"Two values."_s, true},
+                                    {u"flag"_s, {}, u"No value."_s},
+                                    {u"once"_s, {u"A"_s}, u"Only once."_s}},
+                                   {},
+                                   {}};
+  return options;
+}
+
+QString parsed(const QStringList& arguments) {
+  QString text;
+  for (const ParsedOption& option : parseOptions(table(), arguments))
+    text += option.name + u'(' + option.values.join(u',') + u')';
+  return text;
+}
+
+QString failureOf(const QStringList& arguments) {
+  try {
+    parseOptions(table(), arguments);
+  } catch (const UsageError& error) {
+    EXPECT_EQ(error.status(), UsageFailure);
+    return error.message();
+  }
+  return u"none"_s;
+}
+} // namespace
+
+TEST(OptionTable, KeepsTheOrder) {
+  EXPECT_EQ(parsed({u"--one"_s, u"1"_s, u"--two"_s, u"2"_s, u"3"_s, u"--one"_s, u"4"_s}),
+            u"one(1)two(2,3)one(4)"_s);
+}
+
+TEST(OptionTable, TakesValuesAfterAnEqualsSign) {
+  EXPECT_EQ(parsed({u"--one=a=b"_s, u"--two=x"_s, u"y"_s, u"--one="_s}),
+            u"one(a=b)two(x,y)one()"_s);
+}
+
+TEST(OptionTable, TakesAnyArgumentAsAValue) {
+  EXPECT_EQ(parsed({u"--one"_s, u"--flag"_s, u"--flag"_s}), u"one(--flag)flag()"_s);
+}
+
+TEST(OptionTable, RefusesWhatItDoesNotKnow) {
+  EXPECT_EQ(failureOf({u"--three"_s, u"1"_s}),
+            u"--three: unknown option (see zqticker test --help)"_s);
+  EXPECT_EQ(failureOf({u"file"_s}), u"file: unexpected argument (see zqticker test --help)"_s);
+  EXPECT_EQ(failureOf({u"--"_s}), u"--: unexpected argument (see zqticker test --help)"_s);
+  EXPECT_EQ(failureOf({u"-x"_s}), u"-x: unexpected argument (see zqticker test --help)"_s);
+}
+
+TEST(OptionTable, RefusesAMissingOrASurplusValue) {
+  EXPECT_EQ(failureOf({u"--one"_s}), u"--one: needs A"_s);
+  EXPECT_EQ(failureOf({u"--two"_s, u"1"_s}), u"--two: needs A and B"_s);
+  EXPECT_EQ(failureOf({u"--flag=1"_s}), u"--flag: takes no value"_s);
+}
+
+TEST(OptionTable, RefusesToTakeASingleOptionTwice) {
+  EXPECT_EQ(failureOf({u"--once"_s, u"1"_s, u"--once"_s, u"2"_s}), u"--once: given twice"_s);
+}
+
+TEST(OptionTable, ReadsNumbersOnlyWhole) {
+  const auto number = [](const QString& text) { return numberOf({u"n"_s, {text}}, -1, 100); };
+  EXPECT_EQ(number(u"1.5"_s), 1.5);
+  EXPECT_EQ(number(u"1e1"_s), 10);
+  for (const QString& bad :
+       {u""_s, u"1.5x"_s, u"nan"_s, u"inf"_s, u"1e999"_s, u"-2"_s, u"101"_s, u"1,5"_s})
+    EXPECT_THROW(number(bad), UsageError) << bad.toStdString();
+  EXPECT_THROW(integerOf({u"n"_s, {u"1.5"_s}}, 0, 9), UsageError);
+  EXPECT_THROW(integerOf({u"n"_s, {u"99999999999999999999"_s}}, 0, 9), UsageError);
+  EXPECT_EQ(integerOf({u"n"_s, {u"9"_s}}, 0, 9), 9);
+}
+
+TEST(OptionTable, QuotesArgumentsOnOneLine) {
+  EXPECT_EQ((ParsedOption{u"text"_s, {u"a\nb\x1b"_s}}).text(), u"--text a?b?"_s);
+  EXPECT_LT((ParsedOption{u"text"_s, {QString(100'000, u'x')}}).text().size(), 300);
+}
+
+TEST(CommandTables, NameEveryOptionInTheirHelp) {
+  for (const OptionTable* commands : {&runTable(), &renderTable(), &signTable()}) {
+    const QString help = helpText(*commands);
+    EXPECT_TRUE(help.startsWith(u"Usage: zqticker "_s + commands->command));
+    for (const OptionSpec& spec : commands->options) {
+      EXPECT_TRUE(help.contains(u"  --"_s + spec.name)) << spec.name.toStdString();
+      EXPECT_FALSE(spec.help.isEmpty());
+    }
+    EXPECT_TRUE(help.contains(u"Examples:"_s));
+    for (const QString& line : help.split(u'\n'))
+      EXPECT_LE(line.size(), 130) << line.toStdString();
+  }
+}

@@ -1,0 +1,9 @@
+set(app_SOURCES
+    FakeItem.h
+    LineReaderTest.cpp
+    LineSplitterTest.cpp
+    MotionTest.cpp
+    OptionTableTest.cpp
+    StripOptionsTest.cpp
+    StripQueueTest.cpp
+    StripTest.cpp)
