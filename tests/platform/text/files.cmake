@@ -1,1 +1,9 @@
-set(text_TESTS TextLineTest.cpp number_parsingTest.cpp)
+set(text_TESTS AttributedStringTest.cpp ParagraphStyleTest.cpp TextLineTest.cpp
+               attributed_string_archivesTest.cpp number_parsingTest.cpp text_drawingTest.cpp)
+
+# A process of its own for what one process can do only once.
+add_executable(zqticker-text-probe ${CMAKE_CURRENT_LIST_DIR}/TextProbe.cpp)
+target_link_libraries(zqticker-text-probe PRIVATE zqticker_platform)
+set_target_properties(zqticker-text-probe PROPERTIES RUNTIME_OUTPUT_DIRECTORY
+                                                     "${PROJECT_BINARY_DIR}/bin")
+cmake_language(DEFER CALL add_dependencies zqticker-tests-platform zqticker-text-probe)

@@ -40,6 +40,19 @@ std::shared_ptr<const FontFace> FontFace::named(const QString& name) {
   return face;
 }
 
+std::shared_ptr<const FontFace> FontFace::emoji() {
+  // Looked for once; never freed, like the faces themselves.
+  static const auto& found =
+      *new std::shared_ptr<const FontFace>([]() -> std::shared_ptr<const FontFace> {
+        for (const QString& name : {u"Noto Color Emoji"_s, u"Twemoji"_s, u"Twitter Color Emoji"_s,
+                                    u"JoyPixels"_s, u"Apple Color Emoji"_s, u"Segoe UI Emoji"_s})
+          if (isInstalled(name))
+            return named(name);
+        return nullptr;
+      }());
+  return found;
+}
+
 bool FontFace::isInstalled(const QString& name) {
   requireApplication();
   return FontName::parse(name).isInstalled;

@@ -21,6 +21,8 @@ class FontFace {
   // The face of `font`; kept for the life of the process, one for each name.
   static const FontFace& of(const Font& font);
   static std::shared_ptr<const FontFace> named(const QString& name);
+  // The desktop's face of colour pictures, or null where it has none.
+  static std::shared_ptr<const FontFace> emoji();
   // Whether the desktop has a font of that name itself.
   static bool isInstalled(const QString& name);
   // Raises InternalInconsistencyException without a GUI application, where fonts cannot be used.

@@ -4,6 +4,7 @@
 #include "zqticker/platform/graphics/GraphicsContext.h"
 #include "zqticker/platform/text/ParagraphStyle.h"
 #include "zqticker/platform/text/bidi_p.h"
+#include "zqticker/platform/text/emoji_p.h"
 #include "zqticker/platform/text/line_breaks_p.h"
 
 #include <QtGui/QPainter>
@@ -53,6 +54,19 @@ QString onOneLine(const QString& text) {
   return line;
 }
 
+// Whether the unit at `i` belongs to the character before it: a run that begins there would tear
+// a letter from its marks, or an emoji from its parts.
+bool continuesCharacter(const QString& text, qsizetype i) {
+  constexpr char16_t joiner = 0x200d;
+  const QChar c = text[i];
+  if (i == 0)
+    return false;
+  const bool isSkinTone = c == QChar(0xd83c) && i + 1 < text.size() &&
+                          text[i + 1] >= QChar(0xdffb) && text[i + 1] <= QChar(0xdfff);
+  return c.isMark() || c == QChar(joiner) || text[i - 1] == QChar(joiner) || isSkinTone ||
+         (c.isLowSurrogate() && text[i - 1].isHighSurrogate());
+}
+
 std::optional<bool> directionOf(const std::vector<AttributedString::Run>& runs) {
   if (runs.empty())
     return std::nullopt;
@@ -77,8 +91,21 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
     leading_ = style.face->leading() * style.pointSize;
     return;
   }
-  for (const AttributedString::Run& run : runs)
-    styles_.push_back({run.range.location, run.range.end(), TextStyle::from(run.attributes)});
+  for (const AttributedString::Run& run : runs) {
+    qsizetype start = run.range.location;
+    while (start < run.range.end() && continuesCharacter(text_, start))
+      ++start;
+    if (!styles_.empty())
+      styles_.back().end = start;
+    if (start < run.range.end())
+      styles_.push_back({start, run.range.end(), TextStyle::from(run.attributes)});
+  }
+  if (styles_.empty())
+    styles_.push_back({0, text_.size(), TextStyle::from({})});
+  styles_.front().start = 0;
+  styles_.back().end = text_.size();
+
+  markEmoji();
 
   const std::vector<DirectionRun> directions = directionRuns(text_, directionOf(runs));
   // The order is known now; what directed it must not do so again within a segment.
@@ -108,6 +135,29 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
   }
 }
 
+void TextLine::markEmoji() {
+  const std::vector<Range> emoji = emojiRanges(text_);
+  if (emoji.empty())
+    return;
+  std::vector<StyledRange> marked;
+  auto range = emoji.begin();
+  for (const StyledRange& styled : styles_) {
+    for (qsizetype start = styled.start; start < styled.end;) {
+      while (range != emoji.end() && range->end() <= start)
+        ++range;
+      const bool inside = range != emoji.end() && range->location <= start;
+      const qsizetype limit = range == emoji.end() ? styled.end
+                              : inside             ? range->end()
+                                                   : range->location;
+      marked.push_back(styled);
+      marked.back().start = start;
+      marked.back().end = start = std::min(limit, styled.end);
+      marked.back().style.isEmoji = inside;
+    }
+  }
+  styles_ = std::move(marked);
+}
+
 void TextLine::cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft) {
   const QFont font = styles_[style].style.layoutFont();
   std::vector<qsizetype> breaks{start};
@@ -126,7 +176,8 @@ void TextLine::measure(std::size_t index) {
   const TextStyle& style = styles_[segments_[index].style].style;
   const QTextLine line = layoutOf(index).lineAt(0);
   const double scale = style.scale();
-  width_ += line.horizontalAdvance() * scale;
+  // Marks without a letter may step back; the line never does.
+  width_ += std::max(0.0, line.horizontalAdvance()) * scale;
   // The run's own font counts even where others stand in for all of its characters.
   ascent_ =
       std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +

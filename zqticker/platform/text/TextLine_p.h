@@ -60,6 +60,8 @@ class TextLine {
     TextStyle style;
   };
 
+  // Splits the styles so that emoji have styles of their own.
+  void markEmoji();
   void cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft);
   void measure(std::size_t segment);
   const QTextLayout& layoutOf(std::size_t segment) const;

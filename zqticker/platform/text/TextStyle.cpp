@@ -58,7 +58,8 @@ double TextStyle::scale() const {
 }
 
 QFont TextStyle::layoutFont() const {
-  QFont font = face->layoutFont();
+  const std::shared_ptr<const FontFace> emoji = isEmoji ? FontFace::emoji() : nullptr;
+  QFont font = emoji ? emoji->layoutFont() : face->layoutFont();
   if (kern != 0) {
     const double ems = std::clamp(kern / pointSize, -MaximumKern, MaximumKern);
     font.setLetterSpacing(QFont::AbsoluteSpacing, ems * FontFace::ReferenceSize);
@@ -67,8 +68,8 @@ QFont TextStyle::layoutFont() const {
 }
 
 bool TextStyle::measuresLike(const TextStyle& other) const {
-  return face == other.face && pointSize == other.pointSize && kern == other.kern &&
-         baselineOffset == other.baselineOffset;
+  return face == other.face && isEmoji == other.isEmoji && pointSize == other.pointSize &&
+         kern == other.kern && baselineOffset == other.baselineOffset;
 }
 
 } // namespace zq::platform

@@ -15,6 +15,8 @@ class FontFace;
 // How a run of text looks.
 struct TextStyle {
   std::shared_ptr<const FontFace> face;
+  // Whether the run shows in the desktop's font for colour pictures, where there is one.
+  bool isEmoji = false;
   double pointSize = 12;
   // Points added after each character, and by which the baseline is raised.
   double kern = 0;

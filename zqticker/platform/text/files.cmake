@@ -1,6 +1,6 @@
 set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h number_parsing.h string_drawing.h
                         text_attributes.h)
-set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h line_breaks_p.h)
+set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
     AttributedStringCoding.cpp
@@ -9,6 +9,7 @@ set(text_SOURCES
     TextLine.cpp
     TextStyle.cpp
     bidi.cpp
+    emoji.cpp
     line_breaks.cpp
     number_parsing.cpp
     string_drawing.cpp)
