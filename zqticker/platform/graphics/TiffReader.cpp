@@ -105,23 +105,20 @@ std::optional<Page> readPage(TIFF* tiff, std::uint64_t fileSize) {
 }
 
 // Copies a block of pixels that libtiff delivers bottom row first. Colours above their alpha,
-// which only a damaged or lying file has, are limited to it. False where not all is opaque.
-bool copyBlock(const std::vector<std::uint32_t>& block, std::uint32_t stride, std::uint32_t rows,
+// which only a damaged or lying file has, are limited to it.
+void copyBlock(const std::vector<std::uint32_t>& block, std::uint32_t stride, std::uint32_t rows,
                QImage& image, std::uint32_t left, std::uint32_t top) {
   const std::uint32_t columns = std::min(stride, std::uint32_t(image.width()) - left);
-  int lowestAlpha = 255;
   for (std::uint32_t y = 0; y < rows; ++y) {
     const std::uint32_t* in = block.data() + std::size_t(rows - 1 - y) * stride;
     auto* out = reinterpret_cast<QRgb*>(image.scanLine(int(top + y))) + left;
     for (std::uint32_t x = 0; x < columns; ++x) {
       const std::uint32_t pixel = in[x];
       const int alpha = int(TIFFGetA(pixel));
-      lowestAlpha = std::min(lowestAlpha, alpha);
       out[x] = qRgba(std::min(int(TIFFGetR(pixel)), alpha), std::min(int(TIFFGetG(pixel)), alpha),
                      std::min(int(TIFFGetB(pixel)), alpha), alpha);
     }
   }
-  return lowestAlpha == 255;
 }
 
 // Decodes strip by strip or tile by tile; a null image where one of them is damaged.
@@ -145,7 +142,6 @@ QImage decodePixels(TIFF* tiff, QSize pixels) {
     return {};
   std::vector<std::uint32_t> block(std::size_t(blockWidth) * blockHeight);
   constexpr int stopOnError = 1;
-  bool opaque = true;
   for (std::uint32_t y = 0; y < height; y += std::min(blockHeight, height - y)) {
     const std::uint32_t rows = std::min(blockHeight, height - y);
     for (std::uint32_t x = 0; x < width; x += std::min(blockWidth, width - x)) {
@@ -156,12 +152,10 @@ QImage decodePixels(TIFF* tiff, QSize pixels) {
       // A tile at the lower edge keeps its full height; its rows that lie outside come last.
       if (tiled && rows < blockHeight)
         block.erase(block.begin(), block.begin() + std::ptrdiff_t(blockHeight - rows) * blockWidth);
-      opaque &= copyBlock(block, blockWidth, rows, image, x, y);
+      copyBlock(block, blockWidth, rows, image, x, y);
       block.resize(std::size_t(blockWidth) * blockHeight);
     }
   }
-  if (opaque)
-    image.reinterpretAsFormat(QImage::Format_RGB32);
   return image;
 }
 

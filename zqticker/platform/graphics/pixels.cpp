@@ -65,10 +65,22 @@ int wholePixels(double length) {
   return length > 0 ? int(std::min(length, maximum)) : 0;
 }
 
+// Whether no pixel of `image`, in Format_ARGB32_Premultiplied, lets anything through.
+static bool isOpaque(const QImage& image) {
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* row = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    if (std::any_of(row, row + image.width(), [](QRgb pixel) { return qAlpha(pixel) != 255; }))
+      return false;
+  }
+  return true;
+}
+
 QImage inWorkingFormat(const QImage& image) {
   QImage result = image.convertToFormat(
       image.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32);
   result.setDevicePixelRatio(1);
+  if (result.hasAlphaChannel() && isOpaque(result))
+    result.reinterpretAsFormat(QImage::Format_RGB32);
   return result;
 }
 
