@@ -4,6 +4,7 @@ set(archiving_TESTS
     ArchiveCommandTest.cpp
     BinaryPropertyListReaderTest.cpp
     KeyedArchiverTest.cpp
+    KeyedUnarchiverTest.cpp
     number_textTest.cpp
     PropertyListWriterTest.cpp
     XmlPropertyListReaderTest.cpp

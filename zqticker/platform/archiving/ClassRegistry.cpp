@@ -8,26 +8,27 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-static QHash<QString, ObjectFactory>& factories() {
-  static QHash<QString, ObjectFactory> all;
+static QHash<QString, ClassRegistry::Registration>& registrations() {
+  static QHash<QString, ClassRegistry::Registration> all;
   return all;
 }
 
-void ClassRegistry::registerClass(const QString& archiveName, ObjectFactory factory) {
-  factories().insert(archiveName, factory);
+void ClassRegistry::registerClass(const QString& archiveName, ObjectFactory factory,
+                                  Cycles cycles) {
+  registrations().insert(archiveName, {factory, cycles});
 }
 
-ObjectFactory ClassRegistry::factory(const QString& archiveName) {
-  return factories().value(archiveName);
+ClassRegistry::Registration ClassRegistry::registration(const QString& archiveName) {
+  return registrations().value(archiveName);
 }
 
 Ref<Object> ClassRegistry::make(const QString& archiveName) {
-  const ObjectFactory make = factory(archiveName);
-  return make ? make() : nullptr;
+  const ObjectFactory factory = registration(archiveName).factory;
+  return factory ? factory() : nullptr;
 }
 
 QStringList ClassRegistry::archiveNames() {
-  QStringList names = factories().keys();
+  QStringList names = registrations().keys();
   names.sort();
   return names;
 }

@@ -15,10 +15,20 @@ using ObjectFactory = Ref<Object> (*)();
 // is loaded; look-up from any thread afterwards.
 class ZQTICKER_EXPORT ClassRegistry {
  public:
+  // Whether objects of a class may refer to one another in circles. Classes that own whatever they
+  // refer to must refuse: an archive in which they did could never be freed, nor walked to its end.
+  enum class Cycles { Allowed, Refused };
+
+  struct Registration {
+    ObjectFactory factory = nullptr;
+    Cycles cycles = Cycles::Allowed;
+  };
+
   // Lists `factory` under `archiveName`. A second registration of a name replaces the first.
-  static void registerClass(const QString& archiveName, ObjectFactory factory);
-  // The factory listed under `archiveName`, or null.
-  static ObjectFactory factory(const QString& archiveName);
+  static void registerClass(const QString& archiveName, ObjectFactory factory,
+                            Cycles cycles = Cycles::Allowed);
+  // What is listed under `archiveName`; without a factory where nothing is.
+  static Registration registration(const QString& archiveName);
   // A fresh object of the class listed under `archiveName`, or null.
   static Ref<Object> make(const QString& archiveName);
   static QStringList archiveNames();
@@ -31,13 +41,18 @@ class ZQTICKER_EXPORT ClassRegistry {
 };
 
 // Lists a default-constructible class under its archive name; stands in the class's source file.
-#define ZQ_REGISTER_CLASS(Class)                                                                   \
+#define ZQ_REGISTER_CLASS(Class) ZQ_REGISTER_CLASS_WITH(Class, Allowed)
+
+// The same for a class that owns what it refers to: an archive in which an object of it refers to
+// itself, directly or not, is refused.
+#define ZQ_REGISTER_VALUE_CLASS(Class) ZQ_REGISTER_CLASS_WITH(Class, Refused)
+
+#define ZQ_REGISTER_CLASS_WITH(Class, cycles)                                                      \
   [[maybe_unused]] static const bool zqClassIsRegistered_##Class = [] {                            \
     ::zq::platform::ClassRegistry::registerClass(                                                  \
         ::zq::platform::ClassRegistry::archiveNameOf(Class::staticMetaObject),                     \
-        []() -> ::zq::platform::Ref<::zq::platform::Object> {                                      \
-          return std::make_shared<Class>();                                                        \
-        });                                                                                        \
+        []() -> ::zq::platform::Ref<::zq::platform::Object> { return std::make_shared<Class>(); }, \
+        ::zq::platform::ClassRegistry::Cycles::cycles);                                            \
     return true;                                                                                   \
   }()
 

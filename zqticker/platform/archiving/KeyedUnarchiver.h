@@ -49,9 +49,9 @@ class ZQTICKER_EXPORT KeyedUnarchiver : public Coder {
   // Decoded values may take this many times the bytes of the file, beyond an allowance.
   static constexpr qint64 MaximumExpansionFactor = 32;
   static constexpr qint64 ExpansionAllowance = 1 << 20;
-  // How many elements a list or map may have, counting those of the lists and maps inside as often
-  // as they occur.
-  static constexpr quint64 MaximumExpandedElements = 1 << 24;
+  // A list or map may have this many elements beyond the same multiple of the file's bytes,
+  // counting those of the lists and maps inside as often as they occur.
+  static constexpr qint64 ElementAllowance = 1 << 16;
 
   // The object under "root", or nothing where that key is missing.
   static Any unarchiveObjectWithData(const QByteArray& data);

@@ -54,11 +54,12 @@ ValueKind valueKind(const QString& className) {
 class KeyedUnarchiverState::OpenScope {
  public:
   OpenScope(KeyedUnarchiverState& state, Index record, bool isExact)
-      : state_(state), weightBefore_(state.weight_) {
+      : state_(state), weightBefore_(state.weight_), heightBefore_(state.contentHeight_) {
     if (state.depth_ >= KeyedUnarchiver::MaximumDepth)
       state.fail(u"objects are nested too deeply"_s);
     ++state.depth_;
     state.weight_ = 1;
+    state.contentHeight_ = 0;
     scope_.record = record;
     scope_.isExact = isExact;
     scope_.enclosing = state.scope_;
@@ -67,6 +68,7 @@ class KeyedUnarchiverState::OpenScope {
   ~OpenScope() {
     state_.scope_ = scope_.enclosing;
     state_.weight_ = weightBefore_;
+    state_.contentHeight_ = heightBefore_;
     --state_.depth_;
   }
   OpenScope(const OpenScope&) = delete;
@@ -75,6 +77,7 @@ class KeyedUnarchiverState::OpenScope {
  private:
   KeyedUnarchiverState& state_;
   quint64 weightBefore_;
+  int heightBefore_;
   Scope scope_;
 };
 
@@ -97,7 +100,9 @@ KeyedUnarchiverState::KeyedUnarchiverState(KeyedUnarchiver& coder, const QByteAr
                                            const KeyedUnarchiver::Options& options)
     : archive(data), list(archive.list()), coder_(coder), options_(options),
       budget_(quint64(list.sourceSize() * KeyedUnarchiver::MaximumExpansionFactor +
-                      KeyedUnarchiver::ExpansionAllowance)) {
+                      KeyedUnarchiver::ExpansionAllowance)),
+      maximumWeight_(quint64(list.sourceSize() * KeyedUnarchiver::MaximumExpansionFactor +
+                             KeyedUnarchiver::ElementAllowance)) {
   top_.record = archive.top();
   top_.isExact = options_.keepUnknownClasses;
   slots_[0].resize(archive.objectCount());
@@ -257,11 +262,16 @@ Any KeyedUnarchiverState::objectAt(Uid uid) {
   return decode(uid);
 }
 
-void KeyedUnarchiverState::addWeight(quint64 weight) {
-  weight_ += weight;
-  if (weight_ > KeyedUnarchiver::MaximumExpandedElements)
-    fail(u"containers expand to more than %1 elements"_s.arg(
-        KeyedUnarchiver::MaximumExpandedElements));
+// Counts one value into the container or the object that is being decoded. Objects that were
+// decoded one after the other can still make a chain that is too long to be walked or freed.
+void KeyedUnarchiverState::addContent(quint64 weight, int height) {
+  contentHeight_ = std::max(contentHeight_, height);
+  if (contentHeight_ > KeyedUnarchiver::MaximumDepth)
+    fail(u"objects are nested too deeply"_s);
+  // Values of the top level are not part of one another.
+  weight_ = (scope_->enclosing ? weight_ : 1) + weight;
+  if (weight_ > maximumWeight_)
+    fail(u"containers expand to more than %1 elements"_s.arg(maximumWeight_));
 }
 
 Any KeyedUnarchiverState::decode(Uid uid) {
@@ -271,16 +281,17 @@ Any KeyedUnarchiverState::decode(Uid uid) {
     const Entry& entry = entries_[known - 1];
     if (entry.progress == Progress::Failed)
       fail(u"the object could not be decoded"_s);
-    if (entry.progress == Progress::Decoding && !objectOf(entry.value))
-      fail(u"a container contains itself"_s);
-    addWeight(entry.weight);
+    if (entry.progress == Progress::Decoding && !entry.mayEnclose)
+      fail(u"an object or a container contains itself"_s);
+    addContent(entry.weight, entry.progress == Progress::Decoded ? entry.height : 0);
     return entry.value;
   }
   const Index value = archive.object(uid);
   switch (list.kind(value)) {
   case Kind::Dictionary: {
     Any decoded = decodeRecord(uid, value);
-    addWeight(entries_[slot(uid, scope_->isExact) - 1].weight);
+    const Entry& entry = entries_[slot(uid, scope_->isExact) - 1];
+    addContent(entry.weight, entry.height);
     return decoded;
   }
   case Kind::Array:
@@ -288,7 +299,7 @@ Any KeyedUnarchiverState::decode(Uid uid) {
   case Kind::Uid:
     fail(u"the entry %1 is no object"_s.arg(uid));
   default:
-    addWeight(1);
+    addContent(1, 0);
     return decodePlain(uid, value);
   }
 }
@@ -298,7 +309,7 @@ Any KeyedUnarchiverState::decodePlain(Uid uid, Index value) {
     return {};
   Any decoded = list.kind(value) == Kind::String ? Any(string(value)) : inlineValue(value);
   charge(ObjectBytes);
-  entries_.push_back({decoded, 1, Progress::Decoded});
+  entries_.push_back({decoded, 1, 0, Progress::Decoded});
   slot(uid, scope_->isExact) = std::uint32_t(entries_.size());
   return decoded;
 }
@@ -349,7 +360,9 @@ const KeyedUnarchiverState::Class& KeyedUnarchiverState::classAt(Uid uid) {
 }
 
 void KeyedUnarchiverState::resolve(Class& type, const QString& name) const {
-  type.factory = ClassRegistry::factory(name);
+  const ClassRegistry::Registration registration = ClassRegistry::registration(name);
+  type.factory = registration.factory;
+  type.cycles = registration.cycles;
   type.kind = type.factory ? ValueKind::None : valueKind(name);
 }
 
@@ -382,10 +395,12 @@ Any KeyedUnarchiverState::decodeRegistered(Uid uid, Index record, const Class& t
     const Ref<Object> object = type.factory();
     // Registered before its values are read: they may refer to it.
     entries_[entry].value = any(object);
+    entries_[entry].mayEnclose = type.cycles == ClassRegistry::Cycles::Allowed;
     OpenScope scope(*this, record, false);
     const Ref<Object> decoded = object->initWithCoder(coder_);
     if (!decoded)
       fail(u"the object of class %1 could not be decoded"_s.arg(type.record.name));
+    entries_[entry].height = contentHeight_ + 1;
     return any(decoded);
   });
 }
@@ -421,6 +436,7 @@ Any KeyedUnarchiverState::decodeValue(Uid uid, Index record, const Class& type) 
     OpenScope scope(*this, record, scope_->isExact);
     Any value = valueOf(type.kind, record);
     entries_[entry].weight = weight_;
+    entries_[entry].height = contentHeight_ + 1;
     return value;
   });
 }
@@ -431,6 +447,7 @@ Any KeyedUnarchiverState::decodePlaceholder(Uid uid, Index record, const Class& 
     const auto object = std::make_shared<PlaceholderObject>(type.record.name, type.record.classes,
                                                             type.record.hints);
     entries_[entry].value = any(object);
+    entries_[entry].mayEnclose = true;
     OpenScope scope(*this, record, true);
     for (std::uint32_t i = 0; i < list.count(record); ++i) {
       const Index key = list.key(record, i);
@@ -457,6 +474,7 @@ Any KeyedUnarchiverState::decodePlaceholder(Uid uid, Index record, const Class& 
       }
       object->fields_.push_back(std::move(field));
     }
+    entries_[entry].height = contentHeight_ + 1;
     return any(object);
   });
 }

@@ -209,10 +209,10 @@ Any KeyedUnarchiverState::countedSetRecord() {
     const quint64 weightBefore = weight_;
     const Any value = element(elements[i], i);
     const quint64 weight = weight_ - weightBefore;
-    if (times < 1 || quint64(times) > KeyedUnarchiver::MaximumExpandedElements)
+    if (times < 1 || quint64(times) > maximumWeight_)
       fail(u"an element of a counted set counts %1 times"_s.arg(times));
     charge(quint64(times) * ElementBytes);
-    addWeight(quint64(times - 1) * weight);
+    addContent(quint64(times - 1) * weight, 0);
     for (qint64 n = 0; n < times; ++n)
       values.append(value);
   }

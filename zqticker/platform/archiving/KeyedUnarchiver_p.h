@@ -80,13 +80,17 @@ class KeyedUnarchiverState {
   enum class Progress : std::uint8_t { Decoding, Decoded, Failed };
   struct Entry {
     Any value;
-    // How many elements a traversal of the value meets.
+    // How many elements a traversal of the value meets, and how deep it goes.
     quint64 weight = 1;
+    int height = 1;
     Progress progress = Progress::Decoding;
+    // Whether the object may be referred to while it is being decoded.
+    bool mayEnclose = false;
   };
   struct Class {
     KeyedArchive::Class record;
     ObjectFactory factory = nullptr;
+    ClassRegistry::Cycles cycles = ClassRegistry::Cycles::Allowed;
     ValueKind kind = ValueKind::None;
   };
 
@@ -131,7 +135,7 @@ class KeyedUnarchiverState {
   std::vector<Index> references(QLatin1StringView listKey, QLatin1StringView indexedPrefix);
   std::vector<Index> indexedValues(QLatin1StringView prefix);
   Any element(Index reference, std::size_t position);
-  void addWeight(quint64 weight);
+  void addContent(quint64 weight, int height);
 
   Any number(Index value) const;
   Any inlineValue(Index value);
@@ -147,8 +151,10 @@ class KeyedUnarchiverState {
   Scope* scope_ = &top_;
   int depth_ = 0;
   quint64 budget_;
-  // The weight of the container that is being decoded.
+  const quint64 maximumWeight_;
+  // The weight of the container or object that is being decoded, and the height of its contents.
   quint64 weight_ = 1;
+  int contentHeight_ = 0;
 
   // By UID: the entry + 1. The second table is for those who want value classes kept.
   std::vector<std::uint32_t> slots_[2];

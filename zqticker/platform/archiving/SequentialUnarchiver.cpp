@@ -6,6 +6,7 @@
 #include "zqticker/platform/archiving/sequential_format_p.h"
 #include "zqticker/platform/objects/Exception.h"
 
+#include <algorithm>
 #include <vector>
 
 using namespace Qt::StringLiterals;
@@ -54,23 +55,33 @@ class SequentialUnarchiverState {
   };
   struct KnownObject {
     Ref<Object> object;
-    bool hasFailed = false;
+    // Whether it may be referred to now.
+    bool isReady = false;
+    // How deep a walk through it goes.
+    int height = 0;
   };
   // Reads the values of an object or a container while it lives.
   class Nested {
    public:
-    Nested(SequentialUnarchiverState& state, Index array) : state_(state), outer_(state.place_) {
+    Nested(SequentialUnarchiverState& state, Index array)
+        : state_(state), outer_(state.place_), outerHeight_(state.height_) {
+      state.height_ = 0;
       if (state.list_.kind(array) != Kind::Array)
         throw ArchiveException(u"the values of a sequential archive are no array"_s);
       state.place_ = {array, 0};
     }
-    ~Nested() { state_.place_ = outer_; }
+    // What was read is one step higher than its contents.
+    ~Nested() {
+      state_.place_ = outer_;
+      state_.height_ = std::max(outerHeight_, state_.height_ + 1);
+    }
     Nested(const Nested&) = delete;
     Nested& operator=(const Nested&) = delete;
 
    private:
     SequentialUnarchiverState& state_;
     Place outer_;
+    int outerHeight_;
   };
 
   void charge(qint64 bytes) {
@@ -87,27 +98,31 @@ class SequentialUnarchiverState {
   SequentialUnarchiver& coder_;
   qint64 budget_;
   Place place_;
+  // Of what has been read at this place.
+  int height_ = 0;
   std::vector<KnownObject> objects_;
 };
 
 Any SequentialUnarchiverState::decodeObject(Index className, Index values) {
   if (list_.kind(className) != Kind::String)
     throw ArchiveException(u"an object without a class"_s);
-  const Ref<Object> object = ClassRegistry::make(list_.string(className));
-  if (!object)
+  const ClassRegistry::Registration registration =
+      ClassRegistry::registration(list_.string(className));
+  if (!registration.factory)
     throw ArchiveException(u"the class %1 is unknown"_s.arg(list_.string(className).left(200)));
   const std::size_t number = objects_.size();
-  objects_.push_back({object});
+  const Ref<Object> object = registration.factory();
+  objects_.push_back({object, registration.cycles == ClassRegistry::Cycles::Allowed});
   try {
     Nested nested(*this, values);
     const Ref<Object> decoded = object->initWithCoder(coder_);
     if (!decoded)
       throw ArchiveException(
           u"the object of class %1 could not be decoded"_s.arg(list_.string(className)));
-    objects_[number].object = decoded;
+    objects_[number] = {decoded, true, height_ + 1};
     return any(decoded);
   } catch (...) {
-    objects_[number] = {nullptr, true};
+    objects_[number] = {nullptr, false};
     throw;
   }
 }
@@ -161,8 +176,11 @@ Any SequentialUnarchiverState::decode(Index value) {
     charge(qint64(list_.byteCount(value)));
     return list_.data(value);
   case Kind::Uid:
-    if (list_.uid(value) >= objects_.size() || objects_[list_.uid(value)].hasFailed)
+    if (list_.uid(value) >= objects_.size() || !objects_[list_.uid(value)].isReady)
       throw ArchiveException(u"a reference leads to no object"_s);
+    height_ = std::max(height_, objects_[list_.uid(value)].height);
+    if (height_ > PropertyList::MaximumDepth)
+      throw ArchiveException(u"values are nested too deeply"_s);
     return any(objects_[list_.uid(value)].object);
   case Kind::Dictionary:
     return decodeContainer(value);

@@ -14,7 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(Color);
+ZQ_REGISTER_VALUE_CLASS(Color);
 
 namespace {
 

@@ -5,7 +5,7 @@
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(ColorSpace);
+ZQ_REGISTER_VALUE_CLASS(ColorSpace);
 
 static constexpr QLatin1StringView IdentifierKey{"NSID"};
 

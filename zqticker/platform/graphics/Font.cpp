@@ -13,7 +13,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(Font);
+ZQ_REGISTER_VALUE_CLASS(Font);
 
 // The size of a font that states none, and the regular size of the system font.
 static constexpr double DefaultSize = 12;

@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(Image);
+ZQ_REGISTER_VALUE_CLASS(Image);
 
 // What is drawn between lock and unlock.
 struct Image::Focus {

@@ -44,7 +44,7 @@ class BitmapImageRep : public ImageRep {
   QByteArray tiff_;
 };
 
-ZQ_REGISTER_CLASS(BitmapImageRep);
+ZQ_REGISTER_VALUE_CLASS(BitmapImageRep);
 
 void Image::encodeWithCoder(Coder& coder) {
   coder.encodeInt(0, FlagsKey);

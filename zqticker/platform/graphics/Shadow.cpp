@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(Shadow);
+ZQ_REGISTER_VALUE_CLASS(Shadow);
 
 static constexpr QLatin1StringView HorizontalKey{"NSShadowHoriz"};
 static constexpr QLatin1StringView VerticalKey{"NSShadowVert"};

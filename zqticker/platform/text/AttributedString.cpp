@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(AttributedString);
+ZQ_REGISTER_VALUE_CLASS(AttributedString);
 
 AttributedString::AttributedString() = default;
 AttributedString::~AttributedString() = default;

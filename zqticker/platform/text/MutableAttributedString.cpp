@@ -7,7 +7,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(MutableAttributedString);
+ZQ_REGISTER_VALUE_CLASS(MutableAttributedString);
 
 // The text of an editable view, which archives under a name of its own.
 [[maybe_unused]] static const bool textStorageIsRegistered = [] {

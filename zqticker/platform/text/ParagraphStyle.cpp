@@ -10,9 +10,9 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-ZQ_REGISTER_CLASS(TextTab);
-ZQ_REGISTER_CLASS(ParagraphStyle);
-ZQ_REGISTER_CLASS(MutableParagraphStyle);
+ZQ_REGISTER_VALUE_CLASS(TextTab);
+ZQ_REGISTER_VALUE_CLASS(ParagraphStyle);
+ZQ_REGISTER_VALUE_CLASS(MutableParagraphStyle);
 
 namespace {
 

@@ -1,0 +1,743 @@
+#include "zqticker/platform/archiving/KeyedUnarchiver.h"
+
+#include "tests/platform/archiving/ArchiveBuilder.h"
+#include "zqticker/platform/archiving/ClassRegistry.h"
+#include "zqticker/platform/archiving/KeyedArchiver.h"
+#include "zqticker/platform/objects/Exception.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+
+using namespace Qt::StringLiterals;
+using namespace zq::platform;
+
+namespace zq::testing {
+
+// An object whose decoding is what the running test says.
+class Decoder : public Object {
+  Q_GADGET
+  ZQ_OBJECT
+
+ public:
+  static inline std::function<void(Coder&)> decode;
+
+  Ref<Object> initWithCoder(Coder& coder) override {
+    if (decode)
+      decode(coder);
+    return shared_from_this();
+  }
+};
+ZQ_REGISTER_CLASS(Decoder);
+
+// Refers to another object under "me".
+class Link : public Object {
+  Q_GADGET
+  ZQ_OBJECT
+
+ public:
+  void encodeWithCoder(Coder& coder) override {
+    coder.encodeObject(any(strong ? strong : me.lock()), "me");
+  }
+  Ref<Object> initWithCoder(Coder& coder) override {
+    const Ref<Object> object = objectOf(coder.decodeObjectForKey("me"));
+    me = object;
+    if (object.get() != this)
+      strong = object;
+    return shared_from_this();
+  }
+  std::weak_ptr<Object> me;
+  Ref<Object> strong;
+};
+ZQ_REGISTER_CLASS(Link);
+
+// The same, but owning what it refers to.
+class OwningLink : public Link {
+  Q_GADGET
+  ZQ_OBJECT
+};
+ZQ_REGISTER_VALUE_CLASS(OwningLink);
+
+// Gives another object in its place.
+class Substituted : public Object {
+  Q_GADGET
+  ZQ_OBJECT
+
+ public:
+  static inline Ref<Object> substitute;
+  Ref<Object> initWithCoder(Coder&) override { return substitute; }
+};
+ZQ_REGISTER_CLASS(Substituted);
+
+} // namespace zq::testing
+
+using zq::testing::archiveDictionary;
+using zq::testing::binaryArchive;
+using zq::testing::binaryPropertyList;
+using zq::testing::classRecord;
+using zq::testing::Decoder;
+using zq::testing::goldenFile;
+using zq::testing::Link;
+using zq::testing::OwningLink;
+using zq::testing::Record;
+using zq::testing::Substituted;
+using zq::testing::Table;
+using zq::testing::U;
+using zq::testing::xmlArchive;
+
+namespace {
+
+Any rootOf(const Table& objects) {
+  return KeyedUnarchiver::unarchiveObjectWithData(binaryArchive(objects));
+}
+
+// Decodes `record` of class Decoder by `decode`, from the binary and from the XML form.
+void decodeRecord(Record record, const std::function<void(Coder&)>& decode,
+                  const Table& moreObjects = {}, const KeyedUnarchiver::Options& options = {}) {
+  record.insert(u"$class"_s, U(2));
+  const Table objects =
+      Table{u"$null"_s, record, classRecord(u"Decoder"_s)} + moreObjects;
+  for (const QByteArray& archive : {binaryArchive(objects), xmlArchive(objects)}) {
+    int decoded = 0;
+    Decoder::decode = [&](Coder& coder) {
+      ++decoded;
+      decode(coder);
+    };
+    KeyedUnarchiver::unarchiveObjectWithData(archive, options);
+    Decoder::decode = nullptr;
+    EXPECT_EQ(decoded, 1);
+  }
+}
+
+// Expects that `action` raises with this key path and these words.
+template <class Action>
+void expectRaises(const char* keyPath, const char* words, Action action) {
+  try {
+    action();
+    ADD_FAILURE() << "nothing raised; expected: " << words;
+  } catch (const ArchiveException& exception) {
+    EXPECT_EQ(exception.keyPath().toStdString(), keyPath) << exception.what();
+    EXPECT_TRUE(exception.reason().contains(QString::fromUtf8(words))) << exception.what();
+  }
+}
+
+void expectRefused(const QByteArray& archive, const char* keyPath, const char* words) {
+  expectRaises(keyPath, words, [&] { KeyedUnarchiver::unarchiveObjectWithData(archive); });
+}
+
+void expectRefused(const Table& objects, const char* keyPath, const char* words) {
+  expectRefused(binaryArchive(objects), keyPath, words);
+  expectRefused(xmlArchive(objects), keyPath, words);
+}
+
+QByteArray vector(const char* digits) {
+  return QByteArray::fromHex(digits);
+}
+
+const QByteArray stringVector =
+    vector("62706c6973743030d4010203040506090a582476657273696f6e58246f626a65"
+           "637473592461726368697665725424746f7012000186a0a2070855246e756c6c"
+           "5568656c6c6f5f100f4e534b657965644172636869766572d10b0c54726f6f74"
+           "800108111a232d32373a4046585b600000000000000101000000000000000d00"
+           "000000000000000000000000000062");
+
+const QByteArray primitivesVector =
+    vector("62706c6973743030d4010203040506191a582476657273696f6e58246f626a65"
+           "637473592461726368697665725424746f7012000186a0a307081355246e756c"
+           "6cd5090a0b0c0d0e0f1011125624636c617373516951625166516e800213ffff"
+           "fffffffffffb09233fe00000000000008000d2141516175a24636c6173736e61"
+           "6d655824636c61737365735154a21618584e534f626a6563745f100f4e534b65"
+           "7965644172636869766572d11b1c54726f6f74800108111a232d32373b414c53"
+           "5557595b5d6667707277828b8d9099abaeb30000000000000101000000000000"
+           "001d000000000000000000000000000000b5");
+
+KeyedUnarchiver::Options reading(const QString& name, const QString& as) {
+  KeyedUnarchiver::Options options;
+  options.classNames = {{name, as}};
+  return options;
+}
+
+} // namespace
+
+// The examples of the format.
+
+TEST(KeyedUnarchiver, ReadsAString) {
+  EXPECT_EQ(KeyedUnarchiver::unarchiveObjectWithData(stringVector), Any(u"hello"_s));
+}
+
+TEST(KeyedUnarchiver, ReadsPrimitives) {
+  Decoder::decode = [](Coder& coder) {
+    EXPECT_EQ(coder.decodeIntForKey("i"), -5);
+    EXPECT_TRUE(coder.decodeBoolForKey("b"));
+    EXPECT_EQ(coder.decodeDoubleForKey("f"), 0.5);
+    EXPECT_TRUE(coder.containsValueForKey("n"));
+    EXPECT_FALSE(coder.decodeObjectForKey("n").isValid());
+    EXPECT_FALSE(coder.containsValueForKey("x"));
+    EXPECT_EQ(coder.decodeIntForKey("x"), 0);
+  };
+  EXPECT_TRUE(
+      KeyedUnarchiver::unarchiveObjectWithData(primitivesVector, reading(u"T"_s, u"Decoder"_s))
+          .isValid());
+  Decoder::decode = nullptr;
+}
+
+TEST(KeyedUnarchiver, ReadsXml) {
+  const QByteArray xml = R"(<?xml version="1.0" encoding="UTF-8"?>
+<plist version="1.0"><dict>
+<key>$archiver</key><string>NSKeyedArchiver</string>
+<key>$version</key><integer>100000</integer>
+<key>$objects</key><array><string>$null</string><string>hello</string></array>
+<key>$top</key><dict><key>root</key><dict><key>CF$UID</key><integer>1</integer></dict></dict>
+</dict></plist>
+)";
+  EXPECT_EQ(KeyedUnarchiver::unarchiveObjectWithData(xml), Any(u"hello"_s));
+}
+
+TEST(KeyedUnarchiver, ReadsPointsSizesAndRects) {
+  decodeRecord({{u"size"_s, U(3)}, {u"point"_s, U(4)}, {u"rect"_s, U(5)}},
+               [](Coder& coder) {
+                 EXPECT_EQ(coder.decodeSizeForKey("size"), QSizeF(100, 20));
+                 EXPECT_EQ(coder.decodePointForKey("point"), QPointF(1, 2.5));
+                 EXPECT_EQ(coder.decodeRectForKey("rect"), QRectF(0, -1.25, 100, 0.5));
+               },
+               {u"{100, 20}"_s, u"{1, 2.5}"_s, u"{{0, -1.25}, {100, 0.5}}"_s});
+}
+
+TEST(KeyedUnarchiver, MissingGeometryIsZero) {
+  decodeRecord({{u"nil"_s, U(0)}}, [](Coder& coder) {
+    EXPECT_EQ(coder.decodeSizeForKey("x"), QSizeF(0, 0));
+    EXPECT_EQ(coder.decodePointForKey("x"), QPointF());
+    EXPECT_EQ(coder.decodeRectForKey("x"), QRectF());
+    EXPECT_EQ(coder.decodeSizeForKey("nil"), QSizeF(0, 0));
+    EXPECT_EQ(coder.decodePointForKey("nil"), QPointF());
+    EXPECT_EQ(coder.decodeRectForKey("nil"), QRectF());
+  });
+}
+
+TEST(KeyedUnarchiver, GeometryMustBeAReferenceToAString) {
+  decodeRecord({{u"inline"_s, u"{1, 2}"_s}, {u"number"_s, U(3)}},
+               [](Coder& coder) {
+                 expectRaises("root.inline", "reference",
+                              [&] { coder.decodePointForKey("inline"); });
+                 expectRaises("root.number", "string", [&] { coder.decodeSizeForKey("number"); });
+                 expectRaises("root.number", "string", [&] { coder.decodeRectForKey("number"); });
+               },
+               {7});
+}
+
+// What each decoder accepts.
+
+TEST(KeyedUnarchiver, BooleansMayBeNumbers) {
+  decodeRecord({{u"t"_s, true}, {u"f"_s, false}, {u"2"_s, 2}, {u"0"_s, 0}, {u"r"_s, 0.5},
+                {u"z"_s, 0.0}, {u"uid"_s, U(0)}},
+               [](Coder& coder) {
+                 EXPECT_TRUE(coder.decodeBoolForKey("t"));
+                 EXPECT_FALSE(coder.decodeBoolForKey("f"));
+                 EXPECT_TRUE(coder.decodeBoolForKey("2"));
+                 EXPECT_FALSE(coder.decodeBoolForKey("0"));
+                 EXPECT_TRUE(coder.decodeBoolForKey("r"));
+                 EXPECT_FALSE(coder.decodeBoolForKey("z"));
+                 EXPECT_FALSE(coder.decodeBoolForKey("missing"));
+                 expectRaises("root.uid", "boolean", [&] { coder.decodeBoolForKey("uid"); });
+               });
+}
+
+TEST(KeyedUnarchiver, IntegersMayBeBooleans) {
+  decodeRecord({{u"b"_s, true}, {u"i"_s, 70000}, {u"l"_s, qint64(5000000000)}}, [](Coder& coder) {
+    EXPECT_EQ(coder.decodeIntForKey("b"), 1);
+    EXPECT_EQ(coder.decodeInt64ForKey("b"), 1);
+    EXPECT_EQ(coder.decodeIntForKey("i"), 70000);
+    EXPECT_EQ(coder.decodeInt64ForKey("l"), 5000000000);
+    EXPECT_EQ(coder.decodeIntForKey("missing"), 0);
+    EXPECT_EQ(coder.decodeInt64ForKey("missing"), 0);
+  });
+}
+
+TEST(KeyedUnarchiver, AnIntegerOutside32BitsIsARangeError) {
+  decodeRecord({{u"above"_s, qint64(2147483648)},
+                {u"below"_s, qint64(-2147483649)},
+                {u"wide"_s, qint64(4294967296)},
+                {u"last"_s, qint64(2147483647)},
+                {u"first"_s, qint64(-2147483648)}},
+               [](Coder& coder) {
+                 for (const char* key : {"above", "below", "wide"})
+                   expectRaises(qPrintable(u"root."_s + QLatin1StringView(key)), "32 bits",
+                                [&] { coder.decodeIntForKey(key); });
+                 EXPECT_EQ(coder.decodeIntForKey("last"), 2147483647);
+                 EXPECT_EQ(coder.decodeIntForKey("first"), -2147483647 - 1);
+               });
+}
+
+TEST(KeyedUnarchiver, AnIntegerFrom2To63IsARangeError) {
+  decodeRecord({{u"u"_s, quint64(1) << 63}}, [](Coder& coder) {
+    expectRaises("root.u", "64 bits", [&] { coder.decodeInt64ForKey("u"); });
+  });
+}
+
+TEST(KeyedUnarchiver, RealsOfEitherWidthAreRead) {
+  decodeRecord({{u"d"_s, 0.1}, {u"f"_s, 0.5F}, {u"big"_s, 1e300}, {u"small"_s, -1e300}},
+               [](Coder& coder) {
+                 EXPECT_EQ(coder.decodeDoubleForKey("d"), 0.1);
+                 EXPECT_EQ(coder.decodeFloatForKey("d"), 0.1F);
+                 EXPECT_EQ(coder.decodeDoubleForKey("f"), 0.5);
+                 EXPECT_EQ(coder.decodeFloatForKey("big"), std::numeric_limits<float>::infinity());
+                 EXPECT_EQ(coder.decodeFloatForKey("small"),
+                           -std::numeric_limits<float>::infinity());
+                 EXPECT_EQ(coder.decodeDoubleForKey("missing"), 0);
+                 EXPECT_EQ(coder.decodeFloatForKey("missing"), 0);
+               });
+}
+
+TEST(KeyedUnarchiver, AnIntegerForARealIsAnErrorAndTheReverseToo) {
+  decodeRecord({{u"i"_s, 1}, {u"r"_s, 1.0}, {u"b"_s, true}}, [](Coder& coder) {
+    expectRaises("root.i", "real", [&] { coder.decodeDoubleForKey("i"); });
+    expectRaises("root.i", "real", [&] { coder.decodeFloatForKey("i"); });
+    expectRaises("root.b", "real", [&] { coder.decodeDoubleForKey("b"); });
+    expectRaises("root.r", "integer", [&] { coder.decodeIntForKey("r"); });
+    expectRaises("root.r", "integer", [&] { coder.decodeInt64ForKey("r"); });
+  });
+}
+
+TEST(KeyedUnarchiver, NumbersConvertWhereAskedFor) {
+  KeyedUnarchiver::Options options;
+  options.convertNumbers = true;
+  decodeRecord({{u"i"_s, 3}, {u"r"_s, -2.9}, {u"b"_s, true}, {u"huge"_s, 1e30}, {u"nan"_s, qQNaN()}},
+               [](Coder& coder) {
+                 EXPECT_EQ(coder.decodeDoubleForKey("i"), 3);
+                 EXPECT_EQ(coder.decodeFloatForKey("b"), 1);
+                 EXPECT_EQ(coder.decodeIntForKey("r"), -2);
+                 expectRaises("root.huge", "64 bits", [&] { coder.decodeInt64ForKey("huge"); });
+                 expectRaises("root.nan", "64 bits", [&] { coder.decodeIntForKey("nan"); });
+               },
+               {}, options);
+}
+
+TEST(KeyedUnarchiver, ScalarsOfOtherKindsAreErrors) {
+  decodeRecord({{u"s"_s, u"1"_s}, {u"d"_s, QByteArray("1")}, {u"u"_s, U(0)}}, [](Coder& coder) {
+    for (const char* key : {"s", "d", "u"}) {
+      const QByteArray path = QByteArray("root.") + key;
+      expectRaises(path.constData(), "integer", [&] { coder.decodeIntForKey(key); });
+      expectRaises(path.constData(), "real", [&] { coder.decodeDoubleForKey(key); });
+      expectRaises(path.constData(), "boolean", [&] { coder.decodeBoolForKey(key); });
+    }
+    expectRaises("root.s", "data", [&] { coder.decodeBytesForKey("s"); });
+    expectRaises("root.u", "data", [&] { coder.decodeBytesForKey("u"); });
+  });
+}
+
+TEST(KeyedUnarchiver, BytesAreInlineData) {
+  decodeRecord({{u"d"_s, QByteArray("a\0b", 3)}}, [](Coder& coder) {
+    EXPECT_EQ(coder.decodeBytesForKey("d"), QByteArray("a\0b", 3));
+    EXPECT_TRUE(coder.decodeBytesForKey("missing").isEmpty());
+  });
+}
+
+TEST(KeyedUnarchiver, AnObjectMustBeAReference) {
+  decodeRecord({{u"s"_s, u"text"_s}, {u"i"_s, 1}, {u"d"_s, QByteArray("x")}}, [](Coder& coder) {
+    for (const char* key : {"s", "i", "d"})
+      expectRaises(qPrintable(u"root."_s + QLatin1StringView(key)), "reference",
+                   [&] { coder.decodeObjectForKey(key); });
+  });
+}
+
+TEST(KeyedUnarchiver, ANilThatWasEncodedIsPresent) {
+  decodeRecord({{u"nil"_s, U(0)}}, [](Coder& coder) {
+    EXPECT_TRUE(coder.containsValueForKey("nil"));
+    EXPECT_FALSE(coder.decodeObjectForKey("nil").isValid());
+    EXPECT_EQ(coder.decodeStringForKey("nil"), std::nullopt);
+    EXPECT_FALSE(coder.containsValueForKey("missing"));
+    EXPECT_FALSE(coder.decodeObjectForKey("missing").isValid());
+  });
+}
+
+TEST(KeyedUnarchiver, TypedDecodersNameTheWrongClass) {
+  decodeRecord({{u"n"_s, U(3)}, {u"s"_s, U(4)}},
+               [](Coder& coder) {
+                 expectRaises("root.n", "NSString", [&] { coder.decodeStringForKey("n"); });
+                 expectRaises("root.s", "NSData", [&] { coder.decodeDataForKey("s"); });
+                 expectRaises("root.s", "Link", [&] { coder.decodeObjectOfClass<Link>("s"); });
+               },
+               {7, u"text"_s});
+}
+
+TEST(KeyedUnarchiver, ATypedRootCannotBeMissingOrOfAnotherClass) {
+  const QByteArray text = KeyedArchiver::archivedDataWithRootObject(Any(u"text"_s));
+  const QByteArray nothing = KeyedArchiver::archivedDataWithRootObject(Any());
+  expectRaises("root", "Link", [&] { KeyedUnarchiver::unarchiveObjectOfClass<Link>(text); });
+  expectRaises("root", "Link", [&] { KeyedUnarchiver::unarchiveObjectOfClass<Link>(nothing); });
+}
+
+TEST(KeyedUnarchiver, KeysAreFoundInAnyOrderAndAgain) {
+  decodeRecord({{u"a"_s, 1}, {u"b"_s, 2}, {u"c"_s, 3}, {u"ü"_s, 4}}, [](Coder& coder) {
+    EXPECT_EQ(coder.decodeIntForKey("c"), 3);
+    EXPECT_EQ(coder.decodeIntForKey("a"), 1);
+    EXPECT_EQ(coder.decodeIntForKey("b"), 2);
+    EXPECT_EQ(coder.decodeIntForKey("b"), 2);
+    EXPECT_EQ(coder.decodeIntForKey(u"a"), 1);
+    EXPECT_EQ(coder.decodeIntForKey("c"_L1), 3);
+    EXPECT_EQ(coder.decodeIntForKey("ü"), 4);
+    EXPECT_EQ(coder.decodeIntForKey(u"ü"), 4);
+    EXPECT_EQ(coder.decodeIntForKey(""), 0);
+    EXPECT_FALSE(coder.containsValueForKey("A"));
+  });
+}
+
+TEST(KeyedUnarchiver, AKeyThatBeginsWithADollarHasOneMoreInTheFile) {
+  decodeRecord({{u"$$x"_s, U(3)}, {u"$$class"_s, 5}},
+               [](Coder& coder) {
+                 EXPECT_EQ(coder.decodeStringForKey("$x"), u"v"_s);
+                 EXPECT_EQ(coder.decodeStringForKey(u"$x"), u"v"_s);
+                 EXPECT_EQ(coder.decodeIntForKey("$class"), 5);
+                 EXPECT_FALSE(coder.containsValueForKey("$$x"));
+                 EXPECT_FALSE(coder.containsValueForKey("x"));
+               },
+               {u"v"_s});
+}
+
+TEST(KeyedUnarchiver, RecordsDoNotShareTheirKeys) {
+  decodeRecord({{u"own"_s, 1}}, [](Coder& coder) {
+    EXPECT_TRUE(coder.containsValueForKey("own"));
+    EXPECT_FALSE(coder.containsValueForKey("root"));
+  });
+}
+
+TEST(KeyedUnarchiver, ReadsValuesOfTheTopLevel) {
+  Record archive = archiveDictionary({u"$null"_s, u"text"_s});
+  archive[u"$top"_s] = Record{{u"IB.objectdata"_s, U(1)}, {u"IB.systemFontUpdateVersion"_s, 1}};
+  KeyedUnarchiver unarchiver(binaryPropertyList(archive));
+  EXPECT_TRUE(unarchiver.allowsKeyedCoding());
+  EXPECT_EQ(unarchiver.decodeStringForKey("IB.objectdata"), u"text"_s);
+  EXPECT_EQ(unarchiver.decodeIntForKey("IB.systemFontUpdateVersion"), 1);
+}
+
+TEST(KeyedUnarchiver, WithoutARootTheRootIsNothing) {
+  Record archive = archiveDictionary({u"$null"_s});
+  archive[u"$top"_s] = Record{};
+  EXPECT_FALSE(KeyedUnarchiver::unarchiveObjectWithData(binaryPropertyList(archive)).isValid());
+}
+
+TEST(KeyedUnarchiver, RefusesToEncode) {
+  KeyedUnarchiver unarchiver(stringVector);
+  expectRaises("x", "does not encode", [&] { unarchiver.encodeInt(1, "x"); });
+  expectRaises("x", "does not encode", [&] { unarchiver.encodeObject(Any(), "x"); });
+  EXPECT_THROW(unarchiver.decodeValue(), InvalidArgumentException);
+}
+
+// Identity, cycles, conditional objects.
+
+TEST(KeyedUnarchiver, TheSameReferenceIsTheSameObject) {
+  const Any root = rootOf({u"$null"_s,
+                           Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}},
+                           Record{{u"$class"_s, U(5)}}, Record{{u"$class"_s, U(5)}},
+                           classRecord(u"NSArray"_s), classRecord(u"Link"_s)});
+  const QVariantList list = root.toList();
+  ASSERT_EQ(list.size(), 3);
+  EXPECT_TRUE(objectOf(list[0]));
+  EXPECT_EQ(objectOf(list[0]), objectOf(list[2]));
+  EXPECT_NE(objectOf(list[0]), objectOf(list[1]));
+}
+
+TEST(KeyedUnarchiver, ReadsAnArrayWithASharedElement) {
+  EXPECT_EQ(
+      rootOf({u"$null"_s,
+              Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}}, u"a"_s,
+              u"b"_s, classRecord(u"NSArray"_s)})
+          .toList(),
+      (QVariantList{u"a"_s, u"b"_s, u"a"_s}));
+}
+
+TEST(KeyedUnarchiver, AnObjectMayReferToItself) {
+  const auto link = objectOf<Link>(
+      rootOf({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(2)}}, classRecord(u"Link"_s)}));
+  ASSERT_TRUE(link);
+  EXPECT_EQ(link->me.lock(), link);
+}
+
+TEST(KeyedUnarchiver, AnObjectThatOwnsWhatItRefersToMayNot) {
+  expectRefused({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(2)}},
+                 classRecord(u"OwningLink"_s)},
+                "root.me", "contains itself");
+  expectRefused({u"$null"_s, Record{{u"me"_s, U(2)}, {u"$class"_s, U(3)}},
+                 Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}}, classRecord(u"OwningLink"_s)},
+                "root.me.me", "contains itself");
+}
+
+TEST(KeyedUnarchiver, ListsAndMapsThatContainThemselvesAreRefused) {
+  expectRefused({u"$null"_s, Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(2)}},
+                 classRecord(u"NSArray"_s)},
+                "root[0]", "contains itself");
+  expectRefused({u"$null"_s, Record{{u"NS.objects"_s, Table{U(2)}}, {u"$class"_s, U(3)}},
+                 Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(3)}},
+                 classRecord(u"NSArray"_s)},
+                "root[0][0]", "contains itself");
+  expectRefused({u"$null"_s,
+                 Record{{u"NS.keys"_s, Table{U(2)}},
+                        {u"NS.objects"_s, Table{U(1)}},
+                        {u"$class"_s, U(3)}},
+                 u"me"_s, classRecord(u"NSDictionary"_s)},
+                "root[0]", "contains itself");
+}
+
+TEST(KeyedUnarchiver, AListMayReferToAnObjectThatHoldsIt) {
+  const auto link = objectOf<Link>(
+      rootOf({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}},
+              Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}}, classRecord(u"Link"_s),
+              classRecord(u"NSArray"_s)}));
+  EXPECT_TRUE(link);
+}
+
+TEST(KeyedUnarchiver, AConditionalObjectThatIsNowhereElseIsNothingAndPresent) {
+  decodeRecord({{u"owner"_s, U(3)}},
+               [](Coder& coder) {
+                 EXPECT_TRUE(coder.containsValueForKey("owner"));
+                 EXPECT_FALSE(coder.decodeObjectForKey("owner").isValid());
+               },
+               {u"$null"_s});
+}
+
+TEST(KeyedUnarchiver, ASubstituteTakesTheObjectsPlaceEverywhere) {
+  Substituted::substitute = std::make_shared<Link>();
+  const QVariantList list =
+      rootOf({u"$null"_s, Record{{u"NS.objects"_s, Table{U(2), U(2)}}, {u"$class"_s, U(3)}},
+              Record{{u"$class"_s, U(4)}}, classRecord(u"NSArray"_s), classRecord(u"Substituted"_s)})
+          .toList();
+  EXPECT_EQ(objectOf(list[0]), Substituted::substitute);
+  EXPECT_EQ(objectOf(list[1]), Substituted::substitute);
+  Substituted::substitute = nullptr;
+}
+
+TEST(KeyedUnarchiver, AnObjectThatDecodesToNothingFails) {
+  Substituted::substitute = nullptr;
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, classRecord(u"Substituted"_s)}, "root",
+                "could not be decoded");
+}
+
+TEST(KeyedUnarchiver, AnObjectThatHasFailedFailsAgain) {
+  Decoder::decode = [](Coder& coder) { coder.decodeIntForKey("wrong"); };
+  Record archive = archiveDictionary({u"$null"_s,
+                                      Record{{u"wrong"_s, u"x"_s}, {u"$class"_s, U(2)}},
+                                      classRecord(u"Decoder"_s)});
+  archive[u"$top"_s] = Record{{u"a"_s, U(1)}, {u"b"_s, U(1)}};
+  KeyedUnarchiver unarchiver(binaryPropertyList(archive));
+  expectRaises("a.wrong", "integer", [&] { unarchiver.decodeObjectForKey("a"); });
+  expectRaises("b", "could not be decoded", [&] { unarchiver.decodeObjectForKey("b"); });
+  Decoder::decode = nullptr;
+}
+
+TEST(KeyedUnarchiver, OtherExceptionsOfADecodingObjectPassThrough) {
+  Decoder::decode = [](Coder&) { throw RangeException(u"mine"_s); };
+  EXPECT_THROW(rootOf({u"$null"_s, Record{{u"$class"_s, U(2)}}, classRecord(u"Decoder"_s)}),
+               RangeException);
+  Decoder::decode = nullptr;
+}
+
+// Class names.
+
+TEST(KeyedUnarchiver, AnUnknownClassIsRefusedByName) {
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, classRecord(u"Probe"_s)}, "root",
+                "the class Probe is unknown");
+}
+
+TEST(KeyedUnarchiver, TheListOfClassesIsNotChecked) {
+  const auto root = [](const Record& type) {
+    return rootOf({u"$null"_s, Record{{u"$class"_s, U(2)}}, type});
+  };
+  EXPECT_TRUE(objectOf<Link>(root({{u"$classname"_s, u"Link"_s}})));
+  EXPECT_TRUE(objectOf<Link>(
+      root({{u"$classname"_s, u"Link"_s}, {u"$classes"_s, Table{u"%Link"_s, u"Other"_s}}})));
+}
+
+TEST(KeyedUnarchiver, AKnownSuperclassDoesNotStandIn) {
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, classRecord(u"Probe"_s, {u"Link"_s})},
+                "root", "Probe");
+}
+
+TEST(KeyedUnarchiver, NamesAreMappedThenHintsAreTriedThenTheHookIsAsked) {
+  Record hinted = classRecord(u"Probe"_s);
+  hinted[u"$classhints"_s] = Table{u"Unknown"_s, u"Link"_s};
+  const Table withHints{u"$null"_s, Record{{u"$class"_s, U(2)}}, hinted};
+  EXPECT_TRUE(objectOf<Link>(rootOf(withHints)));
+  EXPECT_TRUE(objectOf<Decoder>(KeyedUnarchiver::unarchiveObjectWithData(
+      binaryArchive(withHints), reading(u"Probe"_s, u"Decoder"_s))));
+
+  const Table plain{u"$null"_s, Record{{u"$class"_s, U(2)}}, classRecord(u"Probe"_s, {u"Base"_s})};
+  KeyedUnarchiver::Options options;
+  options.substituteClassName = [](const QString& name, const QStringList& classes) {
+    EXPECT_EQ(name, u"Probe"_s);
+    EXPECT_EQ(classes, (QStringList{u"Probe"_s, u"Base"_s, u"NSObject"_s}));
+    return u"Link"_s;
+  };
+  EXPECT_TRUE(objectOf<Link>(
+      KeyedUnarchiver::unarchiveObjectWithData(binaryArchive(plain), options)));
+}
+
+TEST(KeyedUnarchiver, TheClassMayStandAnywhereAmongTheKeys) {
+  for (const char* key : {"#before", "after"})
+    EXPECT_TRUE(objectOf<Link>(rootOf(
+        {u"$null"_s, Record{{QString::fromLatin1(key), 1}, {u"$class"_s, U(2)}},
+         classRecord(u"Link"_s)})));
+}
+
+// Broken archives.
+
+TEST(KeyedUnarchiver, RefusesOtherVersionsAndArchivers) {
+  Record archive = archiveDictionary({u"$null"_s, u"x"_s});
+  archive[u"$version"_s] = 10000;
+  expectRefused(binaryPropertyList(archive), "", "version");
+  archive[u"$version"_s] = 100000.0;
+  expectRefused(binaryPropertyList(archive), "", "$version");
+  archive = archiveDictionary({u"$null"_s, u"x"_s});
+  archive[u"$archiver"_s] = u"NSArchiver"_s;
+  expectRefused(binaryPropertyList(archive), "", "NSArchiver");
+}
+
+TEST(KeyedUnarchiver, RefusesAnArchiveWithoutObjectsOrTop) {
+  for (const char* key : {"$objects", "$top", "$archiver", "$version"}) {
+    Record archive = archiveDictionary({u"$null"_s, u"x"_s});
+    archive.remove(QString::fromLatin1(key));
+    expectRefused(binaryPropertyList(archive), "", key);
+    archive.insert(QString::fromLatin1(key), QByteArray("wrong"));
+    expectRefused(binaryPropertyList(archive), "", key);
+  }
+}
+
+TEST(KeyedUnarchiver, RefusesPropertyListsThatAreNoArchive) {
+  expectRefused(binaryPropertyList(7), "", "not a keyed archive");
+  expectRefused(binaryPropertyList(QVariantList{}), "", "not a keyed archive");
+  expectRefused(binaryPropertyList(QVariantMap{}), "", "not a keyed archive");
+}
+
+TEST(KeyedUnarchiver, RefusesReferencesOutsideTheTable) {
+  Record archive = archiveDictionary({u"$null"_s, u"x"_s, u"y"_s});
+  archive[u"$top"_s] = Record{{u"root"_s, U(10)}};
+  expectRefused(binaryPropertyList(archive), "root", "outside the table of 3");
+  expectRefused({u"$null"_s, Record{{u"NS.objects"_s, Table{U(99)}}, {u"$class"_s, U(2)}},
+                 classRecord(u"NSArray"_s)},
+                "root[0]", "outside");
+}
+
+TEST(KeyedUnarchiver, RefusesClassesThatAreNone) {
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, u"text"_s}, "root", "class");
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(9)}}}, "root", "class");
+  expectRefused({u"$null"_s, Record{{u"$class"_s, u"Link"_s}}}, "root", "class");
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, Record{{u"$classes"_s, Table{}}}},
+                "root", "class");
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, Record{{u"$classname"_s, 1}}}, "root",
+                "class");
+  expectRefused({u"$null"_s, Record{{u"x"_s, 1}}}, "root", "without a class");
+  expectRefused({u"$null"_s, classRecord(u"Link"_s)}, "root", "without a class");
+}
+
+TEST(KeyedUnarchiver, RefusesEntriesThatAreNoObjects) {
+  expectRefused({u"$null"_s, Table{u"x"_s}}, "root", "no object");
+  expectRefused({u"$null"_s, U(1)}, "root", "no object");
+}
+
+TEST(KeyedUnarchiver, KeyPathsLeadFromTheTopThroughListsToTheKey) {
+  Decoder::decode = [](Coder& coder) { coder.decodeIntForKey("wrong"); };
+  expectRefused({u"$null"_s, Record{{u"NS.objects"_s, Table{U(5), U(2)}}, {u"$class"_s, U(3)}},
+                 Record{{u"wrong"_s, u"x"_s}, {u"$class"_s, U(4)}}, classRecord(u"NSArray"_s),
+                 classRecord(u"Decoder"_s), u"fine"_s},
+                "root[1].wrong", "integer");
+  Decoder::decode = nullptr;
+}
+
+TEST(KeyedUnarchiver, TruncatedAtEveryByteAnArchiveIsRefused) {
+  for (const QByteArray& file : {stringVector, primitivesVector, goldenFile(u"probe.archive"_s)})
+    for (qsizetype size = 0; size < file.size(); ++size)
+      EXPECT_THROW(KeyedUnarchiver::unarchiveObjectWithData(file.first(size)), ArchiveException)
+          << size;
+}
+
+TEST(KeyedUnarchiver, WithAnyBitFlippedAnArchiveReadsOrRaises) {
+  KeyedUnarchiver::Options options;
+  options.keepUnknownClasses = true;
+  for (const char* name : {"probe.archive", "attr-three-runs.archive", "shadow.archive"}) {
+    const QByteArray file = goldenFile(QString::fromLatin1(name));
+    int refused = 0;
+    for (qsizetype bit = 0; bit < 8 * file.size(); ++bit) {
+      QByteArray changed = file;
+      changed[bit / 8] = char(changed[bit / 8] ^ (1 << (bit % 8)));
+      try {
+        KeyedUnarchiver::unarchiveObjectWithData(changed, options);
+      } catch (const ArchiveException&) {
+        ++refused;
+      }
+    }
+    EXPECT_GT(refused, 100) << name;
+  }
+}
+
+// Limits.
+
+static Table chain(int length, const QString& className) {
+  Table objects{u"$null"_s};
+  for (int i = 1; i <= length; ++i)
+    objects.append(Record{{u"me"_s, U(i < length ? quint32(i) + 1 : 0)},
+                          {u"$class"_s, U(quint32(length) + 1)}});
+  objects.append(classRecord(className));
+  return objects;
+}
+
+TEST(KeyedUnarchiver, ObjectsMayBeNestedUpToTheDepthLimit) {
+  EXPECT_TRUE(objectOf<Link>(rootOf(chain(KeyedUnarchiver::MaximumDepth, u"Link"_s))));
+  EXPECT_THROW(rootOf(chain(KeyedUnarchiver::MaximumDepth + 1, u"Link"_s)), ArchiveException);
+  EXPECT_THROW(rootOf(chain(100000, u"Link"_s)), ArchiveException);
+}
+
+TEST(KeyedUnarchiver, AChainDecodedFromItsEndIsLimitedToo) {
+  // The list names the innermost first, so that no decoding goes deep.
+  constexpr quint32 Length = 5000;
+  Table objects{u"$null"_s, QVariant()};
+  Table elements;
+  for (quint32 i = 2; i < Length; ++i) {
+    objects.append(Record{{u"NS.objects"_s, i == 2 ? Table{} : Table{U(i - 1)}},
+                          {u"$class"_s, U(Length)}});
+    elements.append(U(i));
+  }
+  objects[1] = Record{{u"NS.objects"_s, elements}, {u"$class"_s, U(Length)}};
+  objects.append(classRecord(u"NSArray"_s));
+  EXPECT_THROW(rootOf(objects), ArchiveException);
+}
+
+TEST(KeyedUnarchiver, ListsThatHoldOneAnotherTwiceAreRefusedBeforeTheyExplode) {
+  constexpr quint32 Length = 60;
+  Table objects{u"$null"_s};
+  for (quint32 i = 1; i < Length; ++i)
+    objects.append(
+        Record{{u"NS.objects"_s, Table{U(i + 1), U(i + 1)}}, {u"$class"_s, U(Length + 1)}});
+  objects.append(Record{{u"NS.objects"_s, Table{}}, {u"$class"_s, U(Length + 1)}});
+  objects.append(classRecord(u"NSArray"_s));
+  EXPECT_THROW(rootOf(objects), ArchiveException);
+}
+
+TEST(KeyedUnarchiver, ACountedSetIsRefusedBeforeItExplodes) {
+  expectRefused({u"$null"_s,
+                 Record{{u"NS.count"_s, 1},
+                        {u"NS.object0"_s, U(2)},
+                        {u"NS.count0"_s, qint64(1) << 60},
+                        {u"$class"_s, U(3)}},
+                 u"x"_s, classRecord(u"NSCountedSet"_s)},
+                "root", "counts");
+}
+
+TEST(KeyedUnarchiver, ManyReferencesToALongStringShareIt) {
+  Table objects{u"$null"_s, QVariant()};
+  Table elements;
+  for (quint32 i = 0; i < 2000; ++i) {
+    objects.append(QString(100000, u'x'));
+    elements.append(U(i + 2));
+  }
+  objects[1] = Record{{u"NS.objects"_s, elements}, {u"$class"_s, U(2002)}};
+  objects.append(classRecord(u"NSArray"_s));
+  // The writer keeps one string for all, so that the file is small.
+  const QByteArray archive = binaryArchive(objects);
+  ASSERT_LT(archive.size(), 150000);
+  const QVariantList list = KeyedUnarchiver::unarchiveObjectWithData(archive).toList();
+  ASSERT_EQ(list.size(), 2000);
+  const auto& first = *static_cast<const QString*>(list[0].constData());
+  const auto& last = *static_cast<const QString*>(list[1999].constData());
+  EXPECT_EQ(first.constData(), last.constData());
+}
+
+#include "KeyedUnarchiverTest.moc"
