@@ -95,8 +95,7 @@ Any rootOf(const Table& objects) {
 void decodeRecord(Record record, const std::function<void(Coder&)>& decode,
                   const Table& moreObjects = {}, const KeyedUnarchiver::Options& options = {}) {
   record.insert(u"$class"_s, U(2));
-  const Table objects =
-      Table{u"$null"_s, record, classRecord(u"Decoder"_s)} + moreObjects;
+  const Table objects = Table{u"$null"_s, record, classRecord(u"Decoder"_s)} + moreObjects;
   for (const QByteArray& archive : {binaryArchive(objects), xmlArchive(objects)}) {
     int decoded = 0;
     Decoder::decode = [&](Coder& coder) {
@@ -228,8 +227,13 @@ TEST(KeyedUnarchiver, GeometryMustBeAReferenceToAString) {
 // What each decoder accepts.
 
 TEST(KeyedUnarchiver, BooleansMayBeNumbers) {
-  decodeRecord({{u"t"_s, true}, {u"f"_s, false}, {u"2"_s, 2}, {u"0"_s, 0}, {u"r"_s, 0.5},
-                {u"z"_s, 0.0}, {u"uid"_s, U(0)}},
+  decodeRecord({{u"t"_s, true},
+                {u"f"_s, false},
+                {u"2"_s, 2},
+                {u"0"_s, 0},
+                {u"r"_s, 0.5},
+                {u"z"_s, 0.0},
+                {u"uid"_s, U(0)}},
                [](Coder& coder) {
                  EXPECT_TRUE(coder.decodeBoolForKey("t"));
                  EXPECT_FALSE(coder.decodeBoolForKey("f"));
@@ -275,17 +279,16 @@ TEST(KeyedUnarchiver, AnIntegerFrom2To63IsARangeError) {
 }
 
 TEST(KeyedUnarchiver, RealsOfEitherWidthAreRead) {
-  decodeRecord({{u"d"_s, 0.1}, {u"f"_s, 0.5F}, {u"big"_s, 1e300}, {u"small"_s, -1e300}},
-               [](Coder& coder) {
-                 EXPECT_EQ(coder.decodeDoubleForKey("d"), 0.1);
-                 EXPECT_EQ(coder.decodeFloatForKey("d"), 0.1F);
-                 EXPECT_EQ(coder.decodeDoubleForKey("f"), 0.5);
-                 EXPECT_EQ(coder.decodeFloatForKey("big"), std::numeric_limits<float>::infinity());
-                 EXPECT_EQ(coder.decodeFloatForKey("small"),
-                           -std::numeric_limits<float>::infinity());
-                 EXPECT_EQ(coder.decodeDoubleForKey("missing"), 0);
-                 EXPECT_EQ(coder.decodeFloatForKey("missing"), 0);
-               });
+  decodeRecord(
+      {{u"d"_s, 0.1}, {u"f"_s, 0.5F}, {u"big"_s, 1e300}, {u"small"_s, -1e300}}, [](Coder& coder) {
+        EXPECT_EQ(coder.decodeDoubleForKey("d"), 0.1);
+        EXPECT_EQ(coder.decodeFloatForKey("d"), 0.1F);
+        EXPECT_EQ(coder.decodeDoubleForKey("f"), 0.5);
+        EXPECT_EQ(coder.decodeFloatForKey("big"), std::numeric_limits<float>::infinity());
+        EXPECT_EQ(coder.decodeFloatForKey("small"), -std::numeric_limits<float>::infinity());
+        EXPECT_EQ(coder.decodeDoubleForKey("missing"), 0);
+        EXPECT_EQ(coder.decodeFloatForKey("missing"), 0);
+      });
 }
 
 TEST(KeyedUnarchiver, AnIntegerForARealIsAnErrorAndTheReverseToo) {
@@ -301,15 +304,16 @@ TEST(KeyedUnarchiver, AnIntegerForARealIsAnErrorAndTheReverseToo) {
 TEST(KeyedUnarchiver, NumbersConvertWhereAskedFor) {
   KeyedUnarchiver::Options options;
   options.convertNumbers = true;
-  decodeRecord({{u"i"_s, 3}, {u"r"_s, -2.9}, {u"b"_s, true}, {u"huge"_s, 1e30}, {u"nan"_s, qQNaN()}},
-               [](Coder& coder) {
-                 EXPECT_EQ(coder.decodeDoubleForKey("i"), 3);
-                 EXPECT_EQ(coder.decodeFloatForKey("b"), 1);
-                 EXPECT_EQ(coder.decodeIntForKey("r"), -2);
-                 expectRaises("root.huge", "64 bits", [&] { coder.decodeInt64ForKey("huge"); });
-                 expectRaises("root.nan", "64 bits", [&] { coder.decodeIntForKey("nan"); });
-               },
-               {}, options);
+  decodeRecord(
+      {{u"i"_s, 3}, {u"r"_s, -2.9}, {u"b"_s, true}, {u"huge"_s, 1e30}, {u"nan"_s, qQNaN()}},
+      [](Coder& coder) {
+        EXPECT_EQ(coder.decodeDoubleForKey("i"), 3);
+        EXPECT_EQ(coder.decodeFloatForKey("b"), 1);
+        EXPECT_EQ(coder.decodeIntForKey("r"), -2);
+        expectRaises("root.huge", "64 bits", [&] { coder.decodeInt64ForKey("huge"); });
+        expectRaises("root.nan", "64 bits", [&] { coder.decodeIntForKey("nan"); });
+      },
+      {}, options);
 }
 
 TEST(KeyedUnarchiver, ScalarsOfOtherKindsAreErrors) {
@@ -426,10 +430,10 @@ TEST(KeyedUnarchiver, RefusesToEncode) {
 // Identity, cycles, conditional objects.
 
 TEST(KeyedUnarchiver, TheSameReferenceIsTheSameObject) {
-  const Any root = rootOf({u"$null"_s,
-                           Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}},
-                           Record{{u"$class"_s, U(5)}}, Record{{u"$class"_s, U(5)}},
-                           classRecord(u"NSArray"_s), classRecord(u"Link"_s)});
+  const Any root =
+      rootOf({u"$null"_s, Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}},
+              Record{{u"$class"_s, U(5)}}, Record{{u"$class"_s, U(5)}}, classRecord(u"NSArray"_s),
+              classRecord(u"Link"_s)});
   const QVariantList list = root.toList();
   ASSERT_EQ(list.size(), 3);
   EXPECT_TRUE(objectOf(list[0]));
@@ -439,9 +443,8 @@ TEST(KeyedUnarchiver, TheSameReferenceIsTheSameObject) {
 
 TEST(KeyedUnarchiver, ReadsAnArrayWithASharedElement) {
   EXPECT_EQ(
-      rootOf({u"$null"_s,
-              Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}}, u"a"_s,
-              u"b"_s, classRecord(u"NSArray"_s)})
+      rootOf({u"$null"_s, Record{{u"NS.objects"_s, Table{U(2), U(3), U(2)}}, {u"$class"_s, U(4)}},
+              u"a"_s, u"b"_s, classRecord(u"NSArray"_s)})
           .toList(),
       (QVariantList{u"a"_s, u"b"_s, u"a"_s}));
 }
@@ -454,9 +457,9 @@ TEST(KeyedUnarchiver, AnObjectMayReferToItself) {
 }
 
 TEST(KeyedUnarchiver, AnObjectThatOwnsWhatItRefersToMayNot) {
-  expectRefused({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(2)}},
-                 classRecord(u"OwningLink"_s)},
-                "root.me", "contains itself");
+  expectRefused(
+      {u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(2)}}, classRecord(u"OwningLink"_s)},
+      "root.me", "contains itself");
   expectRefused({u"$null"_s, Record{{u"me"_s, U(2)}, {u"$class"_s, U(3)}},
                  Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}}, classRecord(u"OwningLink"_s)},
                 "root.me.me", "contains itself");
@@ -470,19 +473,18 @@ TEST(KeyedUnarchiver, ListsAndMapsThatContainThemselvesAreRefused) {
                  Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(3)}},
                  classRecord(u"NSArray"_s)},
                 "root[0][0]", "contains itself");
-  expectRefused({u"$null"_s,
-                 Record{{u"NS.keys"_s, Table{U(2)}},
-                        {u"NS.objects"_s, Table{U(1)}},
-                        {u"$class"_s, U(3)}},
-                 u"me"_s, classRecord(u"NSDictionary"_s)},
-                "root[0]", "contains itself");
+  expectRefused(
+      {u"$null"_s,
+       Record{{u"NS.keys"_s, Table{U(2)}}, {u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(3)}},
+       u"me"_s, classRecord(u"NSDictionary"_s)},
+      "root[0]", "contains itself");
 }
 
 TEST(KeyedUnarchiver, AListMayReferToAnObjectThatHoldsIt) {
-  const auto link = objectOf<Link>(
-      rootOf({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}},
-              Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}}, classRecord(u"Link"_s),
-              classRecord(u"NSArray"_s)}));
+  const auto link =
+      objectOf<Link>(rootOf({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}},
+                             Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}},
+                             classRecord(u"Link"_s), classRecord(u"NSArray"_s)}));
   EXPECT_TRUE(link);
 }
 
@@ -499,7 +501,8 @@ TEST(KeyedUnarchiver, ASubstituteTakesTheObjectsPlaceEverywhere) {
   Substituted::substitute = std::make_shared<Link>();
   const QVariantList list =
       rootOf({u"$null"_s, Record{{u"NS.objects"_s, Table{U(2), U(2)}}, {u"$class"_s, U(3)}},
-              Record{{u"$class"_s, U(4)}}, classRecord(u"NSArray"_s), classRecord(u"Substituted"_s)})
+              Record{{u"$class"_s, U(4)}}, classRecord(u"NSArray"_s),
+              classRecord(u"Substituted"_s)})
           .toList();
   EXPECT_EQ(objectOf(list[0]), Substituted::substitute);
   EXPECT_EQ(objectOf(list[1]), Substituted::substitute);
@@ -514,9 +517,8 @@ TEST(KeyedUnarchiver, AnObjectThatDecodesToNothingFails) {
 
 TEST(KeyedUnarchiver, AnObjectThatHasFailedFailsAgain) {
   Decoder::decode = [](Coder& coder) { coder.decodeIntForKey("wrong"); };
-  Record archive = archiveDictionary({u"$null"_s,
-                                      Record{{u"wrong"_s, u"x"_s}, {u"$class"_s, U(2)}},
-                                      classRecord(u"Decoder"_s)});
+  Record archive = archiveDictionary(
+      {u"$null"_s, Record{{u"wrong"_s, u"x"_s}, {u"$class"_s, U(2)}}, classRecord(u"Decoder"_s)});
   archive[u"$top"_s] = Record{{u"a"_s, U(1)}, {u"b"_s, U(1)}};
   KeyedUnarchiver unarchiver(binaryPropertyList(archive));
   expectRaises("a.wrong", "integer", [&] { unarchiver.decodeObjectForKey("a"); });
@@ -567,15 +569,15 @@ TEST(KeyedUnarchiver, NamesAreMappedThenHintsAreTriedThenTheHookIsAsked) {
     EXPECT_EQ(classes, (QStringList{u"Probe"_s, u"Base"_s, u"NSObject"_s}));
     return u"Link"_s;
   };
-  EXPECT_TRUE(objectOf<Link>(
-      KeyedUnarchiver::unarchiveObjectWithData(binaryArchive(plain), options)));
+  EXPECT_TRUE(
+      objectOf<Link>(KeyedUnarchiver::unarchiveObjectWithData(binaryArchive(plain), options)));
 }
 
 TEST(KeyedUnarchiver, TheClassMayStandAnywhereAmongTheKeys) {
   for (const char* key : {"#before", "after"})
-    EXPECT_TRUE(objectOf<Link>(rootOf(
-        {u"$null"_s, Record{{QString::fromLatin1(key), 1}, {u"$class"_s, U(2)}},
-         classRecord(u"Link"_s)})));
+    EXPECT_TRUE(objectOf<Link>(
+        rootOf({u"$null"_s, Record{{QString::fromLatin1(key), 1}, {u"$class"_s, U(2)}},
+                classRecord(u"Link"_s)})));
 }
 
 // Broken archives.
@@ -620,8 +622,8 @@ TEST(KeyedUnarchiver, RefusesClassesThatAreNone) {
   expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, u"text"_s}, "root", "class");
   expectRefused({u"$null"_s, Record{{u"$class"_s, U(9)}}}, "root", "class");
   expectRefused({u"$null"_s, Record{{u"$class"_s, u"Link"_s}}}, "root", "class");
-  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, Record{{u"$classes"_s, Table{}}}},
-                "root", "class");
+  expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, Record{{u"$classes"_s, Table{}}}}, "root",
+                "class");
   expectRefused({u"$null"_s, Record{{u"$class"_s, U(2)}}, Record{{u"$classname"_s, 1}}}, "root",
                 "class");
   expectRefused({u"$null"_s, Record{{u"x"_s, 1}}}, "root", "without a class");
@@ -691,8 +693,8 @@ TEST(KeyedUnarchiver, AChainDecodedFromItsEndIsLimitedToo) {
   Table objects{u"$null"_s, QVariant()};
   Table elements;
   for (quint32 i = 2; i < Length; ++i) {
-    objects.append(Record{{u"NS.objects"_s, i == 2 ? Table{} : Table{U(i - 1)}},
-                          {u"$class"_s, U(Length)}});
+    objects.append(
+        Record{{u"NS.objects"_s, i == 2 ? Table{} : Table{U(i - 1)}}, {u"$class"_s, U(Length)}});
     elements.append(U(i));
   }
   objects[1] = Record{{u"NS.objects"_s, elements}, {u"$class"_s, U(Length)}};

@@ -7,6 +7,7 @@ set(archiving_TESTS
     KeyedUnarchiverTest.cpp
     number_textTest.cpp
     PropertyListWriterTest.cpp
+    value_classesTest.cpp
     XmlPropertyListReaderTest.cpp
     ../../../app/commands/ArchiveCommand.cpp
     ../../../app/commands/ArchiveTree.cpp

@@ -218,6 +218,8 @@ void BinaryPropertyListReader::checkContainers() {
   // By container: how deep it is, itself included.
   std::vector<std::uint16_t> heights(nodes.size(), Unseen);
   std::vector<Frame> path;
+  // Frames stay where they are: the path never grows beyond the depth limit.
+  path.reserve(PropertyList::MaximumDepth);
 
   for (PropertyList::Index start = 0; start < nodes.size(); ++start) {
     if (!list_.isContainer(start) || heights[start] != Unseen)
@@ -230,7 +232,7 @@ void BinaryPropertyListReader::checkContainers() {
       const std::uint64_t keys = node.kind == Kind::Dictionary ? node.count : 0;
       const std::uint64_t references = keys + node.count;
       bool entered = false;
-      while (frame.position < references && !entered) {
+      while (!entered && frame.position < references) {
         const std::uint64_t position = frame.position++;
         const PropertyList::Index child = checkedReference(node, position);
         if (position < keys && nodes[child].kind != Kind::String)

@@ -262,12 +262,13 @@ Any KeyedUnarchiverState::valueRecord() {
     const QString type = textFor("$0"_L1);
     const QString value = textFor("$1"_L1);
     const std::vector<double> numbers = numbersInText(value, 2);
+    // A rect's type names point and size as its parts.
+    if (type.contains("Rect"_L1))
+      return rectOfText(value);
     if (type.contains("Point"_L1))
       return pointOfText(value);
     if (type.contains("Size"_L1))
       return sizeOfText(value);
-    if (type.contains("Rect"_L1))
-      return rectOfText(value);
     fail(u"a value of the unknown type %1"_s.arg(type.left(80)));
   }
   const auto index = [this](QLatin1StringView key) -> qsizetype {
