@@ -51,7 +51,13 @@ const char HelpText[] =
     "at the end. A key of an object that begins with one of these words keeps a second $. Several\n"
     "files make a list of {\"$file\": name, \"$archive\": ...}.\n"
     "\n"
-    "Exit status: 0, 1 where a file could not be printed, 2 for a wrong command line.\n";
+    "Exit status: 0, 1 where a file could not be printed, 2 for a wrong command line.\n"
+    "\n"
+    "Examples:\n"
+    "  zqticker archive noon.sign\n"
+    "      The sign as a tree.\n"
+    "  zqticker archive --json noon.sign | python3 -m json.tool\n"
+    "      The same for another program.\n";
 
 // A message on one line, whatever it quotes.
 QByteArray errorLine(const QString& message) {

@@ -4,6 +4,7 @@
 #include "app/commands/interrupts.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 #include <QtCore/QSaveFile>
 #include <QtGui/QImageWriter>
 #include <QtGui/QPainter>
@@ -53,14 +54,18 @@ void stopIfInterrupted(const QString& argument, int done) {
 }
 
 void writePng(const QImage& image, const QString& argument, const QString& path) {
+  const auto fail = [&](const QString& reason) {
+    throw RunTimeError(argument + u": cannot write "_s + QFileInfo(path).fileName() + u": "_s +
+                       reason);
+  };
   QSaveFile file(path);
   if (!file.open(QIODevice::WriteOnly))
-    throw RunTimeError(argument + u": cannot write "_s + path + u": "_s + file.errorString());
+    fail(file.errorString());
   QImageWriter writer(&file, "png");
   if (!writer.write(image))
-    throw RunTimeError(argument + u": cannot write "_s + path + u": "_s + writer.errorString());
+    fail(writer.errorString());
   if (!file.commit())
-    throw RunTimeError(argument + u": cannot write "_s + path + u": "_s + file.errorString());
+    fail(file.errorString());
 }
 
 QImage emptyFrame(const QSize& size) {

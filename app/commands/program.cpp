@@ -1,5 +1,6 @@
 #include "app/commands/program.h"
 
+#include "app/commands/ArchiveCommand.h"
 #include "app/commands/RenderCommand.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/SignCommand.h"
@@ -17,12 +18,6 @@
 #include <new>
 
 #include <unistd.h>
-
-// The archive printer is a part of its own.
-#if __has_include("app/commands/ArchiveCommand.h")
-#include "app/commands/ArchiveCommand.h"
-#define ZQTICKER_HAS_ARCHIVE_COMMAND
-#endif
 
 using namespace Qt::StringLiterals;
 
@@ -111,10 +106,8 @@ int runHelp(const QStringList& arguments) {
       print(helpText(*table));
       return Success;
     }
-#ifdef ZQTICKER_HAS_ARCHIVE_COMMAND
   if (arguments == QStringList{u"archive"_s})
     return archiveCommand({u"--help"_s});
-#endif
   throw UsageError(quotedForMessage(arguments.join(u' ')) + u": unknown command (see zqticker "
                                                             u"--help)"_s);
 }
@@ -128,12 +121,10 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
     const OffscreenApplication application(argv);
     return renders ? renderCommand(arguments) : signCommand(arguments);
   }
-#ifdef ZQTICKER_HAS_ARCHIVE_COMMAND
   if (command == "archive"_L1) {
     const OffscreenApplication application(argv);
     return archiveCommand(arguments);
   }
-#endif
   if (command == "help"_L1)
     return runHelp(arguments);
   if (command != "run"_L1)

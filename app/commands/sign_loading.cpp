@@ -1,10 +1,12 @@
 #include "app/commands/sign_loading.h"
 
+#include "app/commands/SilencedStandardError.h"
 #include "app/commands/failures.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/graphics/ImageRepresentation.h"
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
@@ -12,6 +14,8 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QFileInfo>
+
+#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -54,6 +58,19 @@ Ref<ZQTickerSign> makeSign(const SignSource& source, const StripOptions& options
   return nullptr;
 }
 
+// The picture in `bytes` with all its pixels; null where any are missing.
+Ref<Image> decode(const QByteArray& bytes) {
+  const SilencedStandardError silence;
+  const Ref<Image> image = Image::initWithData(bytes);
+  if (!image)
+    return nullptr;
+  const Image::Representations& found = image->representations();
+  const bool isWhole = std::all_of(found.begin(), found.end(), [](const auto& representation) {
+    return !representation->isBitmap() || !representation->bitmap().isNull();
+  });
+  return isWhole ? image : nullptr;
+}
+
 QString nameOfRoot(const Any& root) {
   if (const Ref<Object> object = objectOf(root))
     return u"an object of class "_s + object->className();
@@ -80,7 +97,7 @@ Ref<Image> loadImage(const QString& argument, const QString& path) {
   const QByteArray bytes = readFile(argument, path);
   if (bytes.isEmpty())
     throw RunTimeError(argument + u": the file is empty"_s);
-  const Ref<Image> image = Image::initWithData(bytes);
+  const Ref<Image> image = decode(bytes);
   if (!image)
     throw RunTimeError(argument + u": not a picture that can be read, or too large a one"_s);
   if (image->size().isEmpty())
@@ -91,6 +108,7 @@ Ref<Image> loadImage(const QString& argument, const QString& path) {
 Ref<ZQTickerSign> loadSign(const QString& argument, const QString& path) {
   const QByteArray bytes = readFile(argument, path);
   try {
+    const SilencedStandardError silence;
     const Any root = KeyedUnarchiver::unarchiveObjectWithData(bytes);
     if (const Ref<ZQTickerSign> sign = objectOf<ZQTickerSign>(root);
         std::dynamic_pointer_cast<ZQImageTickerSign>(sign) ||
@@ -98,10 +116,6 @@ Ref<ZQTickerSign> loadSign(const QString& argument, const QString& path) {
       return sign;
     throw RunTimeError(argument + u": holds "_s + nameOfRoot(root) +
                        u", not a sign that can be shown"_s);
-  } catch (const ArchiveException& exception) {
-    const QString where =
-        exception.keyPath().isEmpty() ? QString() : QString(u" at "_s + exception.keyPath());
-    throw RunTimeError(argument + u": "_s + exception.reason() + where);
   } catch (const Exception& exception) {
     throw RunTimeError(argument + u": "_s + exception.reason());
   }

@@ -64,6 +64,8 @@ void StripWidget::advance(double clockTime) {
 // Ticks while something moves in sight, else sleeps until something is due.
 void StripWidget::schedule() {
   const bool inSight = isVisible() && !isMinimized();
+  if (!display_.isFinished())
+    isFinished_ = false;
   if (inSight && display_.isMoving()) {
     wake_.stop();
     if (!clock_.isRunning()) {
@@ -80,7 +82,6 @@ void StripWidget::schedule() {
     isFinished_ = true;
     return;
   }
-  isFinished_ = false;
   const double wait = display_.nextEntryTime() - time();
   if (inSight && std::isfinite(wait))
     wake_.start(static_cast<int>(std::ceil(std::clamp(wait, 0.0, LongestWakeSeconds) * 1000)));
