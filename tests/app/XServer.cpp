@@ -70,8 +70,9 @@ XServer::XServer(int width, int height) {
   windowManager_->setProcessEnvironment(environment());
   windowManager_->setStandardErrorFile(QProcess::nullDevice());
   windowManager_->setStandardOutputFile(QProcess::nullDevice());
-  windowManager_->start(u"openbox"_s, {u"--sm-disable"_s});
-  windowManager_->waitForStarted(StartMilliseconds);
+  const QString sign = folder_.filePath(u"managed"_s);
+  windowManager_->start(u"openbox"_s, {u"--sm-disable"_s, u"--startup"_s, u"touch "_s + sign});
+  waitUntil([&] { return QFile::exists(sign); });
 }
 
 XServer::~XServer() {

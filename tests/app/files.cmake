@@ -4,6 +4,15 @@ set(app_SOURCES
     LineSplitterTest.cpp
     MotionTest.cpp
     OptionTableTest.cpp
+    Program.cpp
+    Program.h
+    ProgramTest.cpp
+    ScreenTest.cpp
     StripOptionsTest.cpp
     StripQueueTest.cpp
-    StripTest.cpp)
+    StripTest.cpp
+    StripWidgetTest.cpp
+    TickerDisplayTest.cpp
+    XServer.cpp
+    XServer.h
+    sign_placementTest.cpp)

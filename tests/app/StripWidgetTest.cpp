@@ -1,0 +1,134 @@
+#include "app/display/StripWidget.h"
+
+#include "tests/app/XServer.h"
+#include "tests/support/LogWatch.h"
+#include "zqticker/platform/graphics/Color.h"
+#include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/graphics/Image.h"
+#include "zqticker/signs/ZQImageTickerSign.h"
+
+#include <QtGui/QPainter>
+
+#include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+using namespace zq::platform;
+using zq::app::testing::waitUntil;
+
+namespace {
+Ref<ZQImageTickerSign> picture(int width, std::int64_t loopCount) {
+  QImage image(width, 24, QImage::Format_RGB32);
+  image.fill(Qt::red);
+  const auto sign = ZQImageTickerSign::make(Image::fromQImage(image));
+  sign->setLoopCount(loopCount);
+  return sign;
+}
+
+class StripWindow : public ::testing::Test {
+ protected:
+  StripWindow() : display(FrameClock::now()), widget(display, Qt::white) {
+    display.setDefaultFont(Font::systemFontOfSize(13));
+    widget.resize(200, 24);
+  }
+
+  void show(double speed) {
+    // The platform without a screen says so of every window that stays on top.
+    zq::testing::allowLog(u"does not support raise()"_s);
+    display.setSpeed(speed, widget.time());
+    widget.show();
+  }
+
+  TickerDisplay display;
+  StripWidget widget;
+};
+} // namespace
+
+TEST_F(StripWindow, GivesTheDisplayItsSize) {
+  show(60);
+  EXPECT_EQ(display.size(), QSizeF(200, 24));
+  widget.resize(300, 30);
+  EXPECT_TRUE(waitUntil([&] { return display.size() == QSizeF(300, 30); }));
+}
+
+TEST_F(StripWindow, MovesWhatItShows) {
+  display.addSign(picture(20, ZQEndlessLoopCount), widget.time());
+  show(1000);
+  const std::uint64_t before = widget.frameCount();
+  EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > before + 3; }));
+  EXPECT_TRUE(waitUntil([&] { return widget.grab().toImage().pixel(100, 12) == qRgb(255, 0, 0); }))
+      << "passes the middle";
+}
+
+TEST_F(StripWindow, TellsWhenAllHasBeenShown) {
+  bool isFinished = false;
+  QObject::connect(&widget, &StripWidget::finished, &widget, [&] { isFinished = true; });
+  display.addSign(picture(20, 1), widget.time());
+  show(20'000);
+  EXPECT_TRUE(waitUntil([&] { return isFinished; }));
+  EXPECT_TRUE(widget.isFinished());
+}
+
+TEST_F(StripWindow, ShowsWhatComesAfterTheEnd) {
+  int finished = 0;
+  QObject::connect(&widget, &StripWidget::finished, &widget, [&] { ++finished; });
+  show(20'000);
+  EXPECT_TRUE(waitUntil([&] { return finished == 1; })) << "nothing to show is all shown";
+  display.addSign(picture(20, 1), widget.time());
+  widget.displayChanged();
+  EXPECT_TRUE(waitUntil([&] { return finished == 2; }));
+  EXPECT_EQ(display.tiles().drawn(), 1u);
+}
+
+TEST_F(StripWindow, WakesForARoundThatWasDelayed) {
+  const auto sign = picture(20, 2);
+  sign->setLoopDelay(0.05);
+  display.addSign(sign, widget.time());
+  bool isFinished = false;
+  QObject::connect(&widget, &StripWidget::finished, &widget, [&] { isFinished = true; });
+  show(20'000);
+  EXPECT_TRUE(waitUntil([&] { return isFinished; }));
+}
+
+TEST_F(StripWindow, StandsStillWhileItIsHidden) {
+  display.addSign(picture(20, ZQEndlessLoopCount), widget.time());
+  show(1000);
+  EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > 2; }));
+  widget.hide();
+  const std::uint64_t hidden = widget.frameCount();
+  // Another strip has moved on meanwhile.
+  TickerDisplay otherDisplay(FrameClock::now());
+  StripWidget other(otherDisplay, Qt::white);
+  other.resize(200, 24);
+  otherDisplay.setDefaultFont(Font::systemFontOfSize(13));
+  otherDisplay.setSpeed(1000, other.time());
+  otherDisplay.addSign(picture(20, ZQEndlessLoopCount), other.time());
+  other.show();
+  EXPECT_TRUE(waitUntil([&] { return other.frameCount() > 5; }));
+  EXPECT_EQ(widget.frameCount(), hidden);
+  widget.show();
+  EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > hidden; }));
+}
+
+TEST(FrameClock, TicksInOrderUntilItIsStopped) {
+  FrameClock clock;
+  std::vector<double> times;
+  QObject::connect(&clock, &FrameClock::tick, &clock, [&](double time) { times.push_back(time); });
+  clock.start();
+  EXPECT_TRUE(clock.isRunning());
+  ASSERT_TRUE(waitUntil([&] { return times.size() >= 5; }));
+  clock.stop();
+  EXPECT_FALSE(clock.isRunning());
+  for (std::size_t i = 1; i < times.size(); ++i)
+    EXPECT_GT(times[i], times[i - 1]);
+}
+
+TEST(FrameClock, TakesOnlyUsableRates) {
+  FrameClock clock;
+  clock.setRate(144);
+  EXPECT_DOUBLE_EQ(clock.rate(), 144);
+  for (const double rate : {0.0, -1.0, 1e9}) {
+    clock.setRate(rate);
+    EXPECT_DOUBLE_EQ(clock.rate(), 60);
+  }
+}
