@@ -440,5 +440,8 @@ TEST(Image, ReadsFilesAndSaysWhyItCannot) {
   EXPECT_EQ(Image::initWithContentsOfFile(text.fileName(), &error), nullptr);
   EXPECT_TRUE(error.endsWith(u"The file holds no picture in a known format."_s));
   EXPECT_EQ(Image::initWithContentsOfFile(text.fileName()), nullptr);
+  EXPECT_EQ(Image::initWithContentsOfFile(u"/dev/zero"_s, &error), nullptr);
+  EXPECT_EQ(Image::initWithContentsOfFile(folder.path(), &error), nullptr);
+  EXPECT_TRUE(error.endsWith(u"It is not an ordinary file."_s));
   EXPECT_EQ(Image::fromQImage(QImage()), nullptr);
 }

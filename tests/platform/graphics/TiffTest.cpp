@@ -42,6 +42,7 @@ struct PageOptions {
   std::uint32_t rowsPerStrip = 2;
   std::uint32_t kind = 0;
   bool tiled = false;
+  std::uint16_t orientation = ORIENTATION_TOPLEFT;
 };
 
 void appendPage(TIFF* tiff, const PageOptions& page, const std::vector<uchar>& samples) {
@@ -53,6 +54,7 @@ void appendPage(TIFF* tiff, const PageOptions& page, const std::vector<uchar>& s
   TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.photometric);
   TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
   TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
+  TIFFSetField(tiff, TIFFTAG_ORIENTATION, page.orientation);
   if (page.extraSample) {
     TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, 1, &page.extraSample);
   }
@@ -291,6 +293,26 @@ TEST(Tiff, ReadsTiles) {
   const Ref<Image> image = Image::initWithData(onePage(page, {}));
   ASSERT_NE(image, nullptr);
   EXPECT_EQ(image->rasterised(1).pixelColor(19, 17), QColor(0x55, 0x55, 0x55));
+}
+
+TEST(Tiff, MirrorsRowsAndColumnsThatRunTheOtherWay) {
+  // The first sample stored is white; two strips.
+  std::vector<uchar> samples(12, 0);
+  samples[0] = 255;
+  const auto whiteAt = [&](std::uint16_t orientation) {
+    const PageOptions page{
+        .samples = 1, .photometric = PHOTOMETRIC_MINISBLACK, .orientation = orientation};
+    const QImage pixels = Image::initWithData(onePage(page, samples))->rasterised(1);
+    for (int y = 0; y < pixels.height(); ++y)
+      for (int x = 0; x < pixels.width(); ++x)
+        if (pixels.pixelColor(x, y) == QColor(Qt::white))
+          return QPoint(x, y);
+    return QPoint(-1, -1);
+  };
+  EXPECT_EQ(whiteAt(ORIENTATION_TOPLEFT), QPoint(0, 0));
+  EXPECT_EQ(whiteAt(ORIENTATION_TOPRIGHT), QPoint(3, 0));
+  EXPECT_EQ(whiteAt(ORIENTATION_BOTRIGHT), QPoint(3, 2));
+  EXPECT_EQ(whiteAt(ORIENTATION_BOTLEFT), QPoint(0, 2));
 }
 
 TEST(Tiff, LeavesOutMasks) {

@@ -7,6 +7,7 @@
 #include "zqticker/platform/graphics/picture_data_p.h"
 
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 
 #include <algorithm>
 #include <cmath>
@@ -65,7 +66,10 @@ Ref<Image> Image::initWithContentsOfFile(const QString& path, QString* error) {
   QFile file(path);
   QString reason;
   Ref<Image> image;
-  if (!file.open(QIODevice::ReadOnly))
+  // A pipe or a device may never end.
+  if (const QFileInfo info(path); info.exists() && !info.isFile())
+    reason = u"It is not an ordinary file."_s;
+  else if (!file.open(QIODevice::ReadOnly))
     reason = file.errorString();
   else if (file.size() > maximumBytes)
     reason = u"The file is too large for a picture."_s;

@@ -159,11 +159,24 @@ QImage decodePixels(TIFF* tiff, QSize pixels) {
   return image;
 }
 
+// The page as it is to be seen: mirrored where its rows or columns run the other way. Pages that
+// lie on their side are shown as they are stored.
+QImage decodeUpright(TIFF* tiff, QSize pixels) {
+  std::uint16_t orientation = ORIENTATION_TOPLEFT;
+  TIFFGetFieldDefaulted(tiff, TIFFTAG_ORIENTATION, &orientation);
+  // libtiff would turn each strip by itself.
+  TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_TOPLEFT);
+  const QImage image = decodePixels(tiff, pixels);
+  const bool fromRight = orientation == ORIENTATION_TOPRIGHT || orientation == ORIENTATION_BOTRIGHT;
+  const bool fromBelow = orientation == ORIENTATION_BOTLEFT || orientation == ORIENTATION_BOTRIGHT;
+  return fromRight || fromBelow ? image.mirrored(fromRight, fromBelow) : image;
+}
+
 QImage decodePage(const QByteArray& data, int index, QSize pixels) {
   const TiffFile file = TiffFile::reading(data);
   if (!file.handle() || !TIFFSetDirectory(file.handle(), tdir_t(index)))
     return {};
-  return decodePixels(file.handle(), pixels);
+  return decodeUpright(file.handle(), pixels);
 }
 
 } // namespace
@@ -181,7 +194,7 @@ Image::Representations representationsFromTiff(const QByteArray& data) {
         };
         representations.push_back(
             std::make_shared<BitmapRepresentation>(page->pixels, page->size, decode));
-      } else if (const QImage image = decodePixels(file.handle(), page->pixels); !image.isNull()) {
+      } else if (const QImage image = decodeUpright(file.handle(), page->pixels); !image.isNull()) {
         representations.push_back(std::make_shared<BitmapRepresentation>(image, page->size));
       }
     }

@@ -137,7 +137,7 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
 
 void TextLine::markEmoji() {
   const std::vector<Range> emoji = emojiRanges(text_);
-  if (emoji.empty())
+  if (emoji.empty() || !FontFace::emoji())
     return;
   std::vector<StyledRange> marked;
   auto range = emoji.begin();
@@ -159,31 +159,41 @@ void TextLine::markEmoji() {
 }
 
 void TextLine::cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft) {
-  const QFont font = styles_[style].style.layoutFont();
+  const TextStyle& shown = styles_[style].style;
+  const QFont font = shown.layoutFont();
   std::vector<qsizetype> breaks{start};
   while (breaks.back() < end)
-    breaks.push_back(nextBreak(text_, breaks.back(), end, {font, rightToLeft, forcesDirection_}));
+    breaks.push_back(shown.isEmoji ? nextEmojiBreak(text_, breaks.back(), end)
+                                   : nextBreak(text_, breaks.back(), end,
+                                               {font, rightToLeft, forcesDirection_}));
   const std::size_t count = breaks.size() - 1;
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t part = rightToLeft ? count - 1 - i : i;
     segments_.push_back(
         {breaks[part], breaks[part + 1] - breaks[part], style, rightToLeft, width_, nullptr});
-    measure(segments_.size() - 1);
+    const Segment& segment = segments_.back();
+    if (shown.isEmoji && shown.kern == 0) {
+      for (qsizetype at = segment.start; at < segment.start + segment.length;) {
+        const qsizetype next = std::max(at + 1, endOfEmoji(text_, at));
+        add(emojiExtent(text_.mid(at, next - at), font), shown);
+        at = next;
+      }
+    } else {
+      add(extentOf(layoutOf(segments_.size() - 1)), shown);
+    }
   }
 }
 
-void TextLine::measure(std::size_t index) {
-  const TextStyle& style = styles_[segments_[index].style].style;
-  const QTextLine line = layoutOf(index).lineAt(0);
+void TextLine::add(const TextExtent& extent, const TextStyle& style) {
   const double scale = style.scale();
   // Marks without a letter may step back; the line never does.
-  width_ += std::max(0.0, line.horizontalAdvance()) * scale;
+  width_ += std::max(0.0, extent.width) * scale;
   // The run's own font counts even where others stand in for all of its characters.
   ascent_ =
-      std::max(ascent_, std::max(line.ascent() * scale, style.face->ascent() * style.pointSize) +
+      std::max(ascent_, std::max(extent.ascent * scale, style.face->ascent() * style.pointSize) +
                             style.baselineOffset);
   descent_ =
-      std::max(descent_, std::max(line.descent() * scale, style.face->descent() * style.pointSize) -
+      std::max(descent_, std::max(extent.descent * scale, style.face->descent() * style.pointSize) -
                              style.baselineOffset);
   leading_ = std::max(leading_, style.face->leading() * style.pointSize);
   // Slanted letters and swashes leave their box by less than this.

@@ -15,6 +15,7 @@
 namespace zq::platform {
 
 class GraphicsContext;
+struct TextExtent;
 
 // The layout of one line, of any length. The text is cut into segments at places where shaping
 // both sides apart gives the same glyphs at the same positions as shaping them together, so that
@@ -63,7 +64,7 @@ class TextLine {
   // Splits the styles so that emoji have styles of their own.
   void markEmoji();
   void cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft);
-  void measure(std::size_t segment);
+  void add(const TextExtent& extent, const TextStyle& style);
   const QTextLayout& layoutOf(std::size_t segment) const;
   QList<QTextLayout::FormatRange> formatsOf(const Segment& segment) const;
   void paint(GraphicsContext& context, QPointF point) const;

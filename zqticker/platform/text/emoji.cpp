@@ -72,31 +72,38 @@ bool mayMatter(QChar c) {
 
 } // namespace
 
+qsizetype endOfEmoji(const QString& text, qsizetype position) {
+  if (!takePicture(text, position))
+    return position;
+  for (qsizetype after = position; take(text, after, joiner);) {
+    // What is joined need not be a picture by itself.
+    const char32_t joined = next(text, after);
+    if (joined == 0 || !has(joined, UCHAR_EXTENDED_PICTOGRAPHIC))
+      break;
+    take(text, after, pictureForm);
+    qsizetype tone = after;
+    if (const char32_t c = next(text, tone); c != 0 && has(c, UCHAR_EMOJI_MODIFIER))
+      after = tone;
+    position = after;
+  }
+  return position;
+}
+
 std::vector<Range> emojiRanges(const QString& text) {
   std::vector<Range> ranges;
   if (std::none_of(text.begin(), text.end(), mayMatter))
     return ranges;
-  for (qsizetype position = 0; position < text.size();) {
-    const qsizetype start = position;
-    if (!takePicture(text, position)) {
-      next(text, position);
+  for (qsizetype start = 0; start < text.size();) {
+    const qsizetype end = endOfEmoji(text, start);
+    if (end == start) {
+      next(text, start);
       continue;
     }
-    for (qsizetype after = position; take(text, after, joiner);) {
-      // What is joined need not be a picture by itself.
-      const char32_t joined = next(text, after);
-      if (joined == 0 || !has(joined, UCHAR_EXTENDED_PICTOGRAPHIC))
-        break;
-      take(text, after, pictureForm);
-      qsizetype tone = after;
-      if (const char32_t c = next(text, tone); c != 0 && has(c, UCHAR_EMOJI_MODIFIER))
-        after = tone;
-      position = after;
-    }
     if (!ranges.empty() && ranges.back().end() == start)
-      ranges.back().length += position - start;
+      ranges.back().length += end - start;
     else
-      ranges.push_back({start, position - start});
+      ranges.push_back({start, end - start});
+    start = end;
   }
   return ranges;
 }

@@ -14,4 +14,8 @@ namespace zq::platform {
 // asks for its plain form (U+FE0E) is none.
 std::vector<Range> emojiRanges(const QString& text);
 
+// The end of the one picture, with all its parts, that begins at `position`; `position` itself
+// where none does.
+qsizetype endOfEmoji(const QString& text, qsizetype position);
+
 } // namespace zq::platform

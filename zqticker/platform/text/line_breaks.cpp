@@ -1,5 +1,8 @@
 #include "zqticker/platform/text/line_breaks_p.h"
 
+#include "zqticker/platform/text/emoji_p.h"
+
+#include <QtCore/QHash>
 #include <QtCore/QTextBoundaryFinder>
 #include <QtGui/QGlyphRun>
 #include <QtGui/QRawFont>
@@ -15,6 +18,10 @@ namespace {
 // Segments are about so long: short enough that drawing one costs little more than drawing the
 // part that shows, long enough that finding the breaks costs little.
 constexpr qsizetype targetLength = 512;
+// Of colour pictures, which cost more to lay out.
+constexpr qsizetype emojiTargetLength = 64;
+// Measured pictures that are remembered; more than most texts know.
+constexpr qsizetype maximumRemembered = 4096;
 // How far behind the target a break is looked for.
 constexpr qsizetype searchLength = 256;
 // How many places are tried at most, and with how much text on each side.
@@ -111,6 +118,29 @@ std::unique_ptr<QTextLayout> layOut(const QString& text, const ShapingOptions& o
   line.setLineWidth(unlimitedWidth);
   layout->endLayout();
   return layout;
+}
+
+TextExtent extentOf(const QTextLayout& layout) {
+  const QTextLine line = layout.lineAt(0);
+  return {line.horizontalAdvance(), line.ascent(), line.descent()};
+}
+
+TextExtent emojiExtent(const QString& emoji, const QFont& font) {
+  // There is one font of colour pictures, so that the characters are the key.
+  static auto& extents = *new QHash<QString, TextExtent>;
+  if (extents.size() > maximumRemembered)
+    extents.clear();
+  const auto found = extents.constFind(emoji);
+  if (found != extents.constEnd())
+    return *found;
+  return *extents.insert(emoji, extentOf(*layOut(emoji, {font})));
+}
+
+qsizetype nextEmojiBreak(const QString& text, qsizetype start, qsizetype end) {
+  qsizetype at = start;
+  while (at < end && at - start < emojiTargetLength)
+    at = std::max(at + 1, endOfEmoji(text, at));
+  return std::min(at, end);
 }
 
 qsizetype nextBreak(const QString& text, qsizetype start, qsizetype end,
