@@ -7,6 +7,12 @@
 #include <QtCore/QLocale>
 #include <QtWidgets/QApplication>
 
+// fontconfig keeps what it has read about fonts for the life of the process.
+extern "C" const char* __lsan_default_suppressions();
+extern "C" const char* __lsan_default_suppressions() {
+  return "leak:libfontconfig";
+}
+
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
   qputenv("LC_ALL", "C.UTF-8");

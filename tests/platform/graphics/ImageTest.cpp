@@ -379,6 +379,28 @@ TEST(Image, LeavesTheContextAsItWas) {
   EXPECT_FALSE(canvas.painter->hasClipping());
 }
 
+TEST(Image, BearsPlacesAndSizesBeyondAllMeasure) {
+  const double infinite = std::numeric_limits<double>::infinity();
+  Canvas canvas({20, 20});
+  const Ref<Image> bitmap = Image::fromQImage(marked(4, 4));
+  for (const Ref<Image>& image : {bitmap, drawing(QSizeF(4, 4)), drawing(QSizeF(1e9, 1e-9))}) {
+    for (const double far : {infinite, -infinite, std::nan(""), 1e300, -1e300, 1e12})
+      image->dissolveToPoint(QPointF(far, 3), 1);
+    image->drawInRect(QRectF(30, 30, 1e300, 1e300));
+    image->drawInRect(QRectF(30, 0, 1e-300, 5));
+    image->drawInRect(QRectF(-1e9, 30, 1e9, 1e9));
+  }
+  EXPECT_TRUE(inkBounds(canvas.finished()).isNull());
+}
+
+TEST(Image, EnlargesWithoutBound) {
+  Canvas canvas({20, 20});
+  drawing(QSizeF(4, 4))->drawInRect(QRectF(-1e6, -1e6, 4e6, 4e6));
+  canvas.finished();
+  EXPECT_EQ(inkBounds(canvas.image), QRect(0, 0, 20, 20));
+  EXPECT_EQ(canvas.pixel(10, 10), QColor(Qt::blue));
+}
+
 TEST(Image, ReadsOtherFormatsByTheirContent) {
   for (const char* format : {"PNG", "BMP", "PPM", "XPM"}) {
     QByteArray data;

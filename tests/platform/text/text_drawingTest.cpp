@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 #include <QtCore/QProcess>
 #include <QtGui/QTextLayout>
 
@@ -202,6 +204,33 @@ TEST(text_drawing, ShowsColourfulEmoji) {
       yellow += pixel.red() > 200 && pixel.green() > 150 && pixel.blue() < 120;
     }
   EXPECT_GT(yellow, 50);
+}
+
+TEST(text_drawing, BearsSizesBeyondAllMeasure) {
+  // A log line or an endless drawing would fail this.
+  for (const double size : {1e-300, 1e-3, 1.0, 1e5, 1e9, 1e300, 1.7e308}) {
+    const Attributes attributes{
+        {FontAttributeName, any(Font::fontWithName(u"DejaVu Sans"_s, size))}};
+    const QString text = u"Text 😀"_s;
+    Canvas canvas({40, 20});
+    drawAtPoint(text, QPointF(), attributes);
+    const QSizeF measured = sizeWithAttributes(text, attributes);
+    drawAtPoint(text, QPointF(-measured.width() / 2, -measured.height() / 2), attributes);
+    const Ref<Image> image = Image::make(measured);
+    {
+      const ImageFocus focus(*image);
+      drawAtPoint(text, QPointF(), attributes);
+    }
+    image->dissolveToPoint(QPointF(), 1);
+    image->drawInRect(QRectF(0, 0, 40, 20));
+    EXPECT_GE(measured.height(), 0);
+  }
+  const double infinite = std::numeric_limits<double>::infinity();
+  Canvas canvas({40, 20});
+  for (const QPointF point :
+       {QPointF(infinite, 0), QPointF(0, std::nan("")), QPointF(1e300, -1e300)})
+    drawAtPoint(u"Text"_s, point, inSans());
+  EXPECT_TRUE(inkBounds(canvas.finished()).isNull());
 }
 
 TEST(text_drawing, KeepsCombinedCharactersWholeAcrossRuns) {

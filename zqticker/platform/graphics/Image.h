@@ -62,7 +62,7 @@ class ZQTICKER_EXPORT Image : public Object {
   QSizeF size() const { return size_; }
   // Changes the size in points; what is shown is scaled to it.
   void setSize(QSizeF sizeInPoints);
-  // Best first; empty for an image without content.
+  // In the order of the file; empty for an image without content.
   const Representations& representations() const { return representations_; }
 
   // The picture as TIFF data, one page a representation, each with the resolution that gives this

@@ -20,6 +20,11 @@ namespace {
 // of text.
 constexpr qsizetype maximumKeptLength = 16384;
 
+// Device pixels of the em between which colour pictures are drawn: smaller ones have no pixel of
+// their own, larger ones would be scaled up from their few pixels at a cost without bound.
+constexpr double minimumEmojiPixels = 2;
+constexpr double maximumEmojiPixels = 2048;
+
 constexpr char16_t zeroWidthSpace = 0x200b;
 
 // What stands for `text[i]` on one line.
@@ -257,11 +262,15 @@ void TextLine::paint(GraphicsContext& context, QPointF point) const {
   QPainter& painter = *context.painter();
   const QTransform before = painter.worldTransform();
   const QPen pen = painter.pen();
+  const double deviceScale = context.scale();
   const double baseline = context.isFlipped() ? ascent_ : leading_ + descent_;
   const double down = context.isFlipped() ? 1 : -1;
   painter.setPen(Qt::black);
   for (; segment != segments_.end() && segment->x < visible.right() + overhang_; ++segment) {
     const TextStyle& style = styles_[segment->style].style;
+    const double pixels = style.pointSize * deviceScale;
+    if (style.isEmoji && !(pixels >= minimumEmojiPixels && pixels <= maximumEmojiPixels))
+      continue;
     const QTextLayout& layout = layoutOf(std::size_t(segment - segments_.begin()));
     const double scale = style.scale();
     const QTransform toUser(scale, 0, 0, down * scale, point.x() + segment->x,
