@@ -104,7 +104,9 @@ void drawContent(GraphicsContext& context, const ImageContent& content, const QT
   const QTransform toDevice = placement * userToDevice;
   const double scaleX = std::hypot(toDevice.m11(), toDevice.m12());
   const double scaleY = std::hypot(toDevice.m21(), toDevice.m22());
-  if (!(scaleX > 0 && scaleY > 0 && toDevice.isInvertible()))
+  // False for what is no number, too.
+  if (!(scaleX > 0 && scaleY > 0 && toDevice.isInvertible() && std::isfinite(toDevice.dx()) &&
+        std::isfinite(toDevice.dy())))
     return;
   const ImageRepresentation& representation = bestRepresentation(content, scaleX, scaleY);
   const RasterGrid grid = representation.grid(content.size, scaleX, scaleY);
@@ -125,7 +127,7 @@ void drawContent(GraphicsContext& context, const ImageContent& content, const QT
     bounds &= toDevice.mapRect(shown);
   const QRectF inGrid = gridToDevice.inverted().mapRect(bounds).adjusted(-1, -1, 1, 1) &
                         QRectF(QPointF(), QSizeF(grid.pixels));
-  if (inGrid.isEmpty())
+  if (!(inGrid.width() > 0 && inGrid.height() > 0))
     return;
 
   const PainterRestorer restorer(painter);
