@@ -16,6 +16,8 @@ namespace zq::app {
 
 namespace {
 constexpr QSizeF UsualSize(800, 24);
+// Pixels of a frame.
+constexpr double LargestFrame = 1 << 26;
 
 bool isPictureFile(const QString& output) {
   return output.endsWith(".png"_L1, Qt::CaseInsensitive) && !QFileInfo(output).isDir();
@@ -32,6 +34,11 @@ void render(const RenderOptions& options, double patienceSeconds) {
   TickerDisplay display;
   const QString argument = u"--output "_s + quotedForMessage(options.output);
   const StripLook look = lookOf(options.strip, UsualSize);
+  const QSizeF pixels = look.size * options.scale;
+  if (pixels.width() * pixels.height() > LargestFrame)
+    throw RunTimeError(
+        u"--size, --scale: frames of %1 x %2 pixels are too large"_s.arg(pixels.width(), 0, 'f', 0)
+            .arg(pixels.height(), 0, 'f', 0));
   const bool isSheet = isPictureFile(options.output);
   display.setScale(options.scale);
   fillDisplay(display, options.strip, look, 0);

@@ -19,9 +19,7 @@ const std::vector<OptionSpec>& stripOptions() {
        u"Show a sign from its archive, with the loop count, the delay and the scrolling that it "
        u"was archived with."_s,
        true},
-      {u"stdin"_s,
-       {},
-       u"Show each line of standard input as it arrives, after what stands before it."_s},
+      {u"stdin"_s, {}, u"Show each line of standard input as it arrives."_s},
       {u"direction"_s,
        {u"DIRECTION"_s},
        u"horizontal (the default; from right to left) or vertical (from bottom to top)."_s},
@@ -29,7 +27,8 @@ const std::vector<OptionSpec>& stripOptions() {
       {u"font"_s,
        {u"FONT"_s},
        u"The font of texts, with or without a size in points: \"DejaVu Sans 18\", \"DejaVu "
-       u"Sans\". Without a size the text takes four fifths of the strip's height."_s},
+       u"Sans\". Without a size the text takes four fifths of the strip's height; 16 points in a "
+       u"vertical strip."_s},
       {u"color"_s,
        {u"COLOR"_s},
        u"The color of texts; black by default. A name such as navy, or #rrggbb, or #aarrggbb."_s},

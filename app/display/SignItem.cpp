@@ -3,9 +3,18 @@
 #include "app/display/TickerDisplay.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
+#include <QtCore/QLoggingCategory>
+
+#include <algorithm>
+#include <exception>
+
 namespace zq::app {
 
 using platform::Ref;
+
+namespace {
+Q_LOGGING_CATEGORY(signLog, "zqticker.display")
+} // namespace
 
 SignItem::SignItem(TickerDisplay& display, Ref<ZQTickerSign> sign)
     : display_(display), sign_(std::move(sign)) {}
@@ -18,13 +27,24 @@ SignItem::~SignItem() = default;
 LoopRule SignItem::loopRule() const {
   if (isLine_)
     return lineRule_;
-  return {sign_->loopCount(), sign_->loopDelay(), sign_->continuousScrolling()};
+  // A count that means nothing is shown once.
+  const std::int64_t count = sign_->loopCount();
+  const bool isEndless = count == ZQEndlessLoopCount;
+  return {isEndless ? count : std::max<std::int64_t>(count, 1), sign_->loopDelay(),
+          sign_->continuousScrolling()};
 }
 
 double SignItem::enter() {
-  if (!sign_)
-    sign_ = display_.makeTextSign(line_);
-  return place();
+  // Called while the clock ticks: what a sign raises ends here, and the sign is left out.
+  try {
+    if (!sign_)
+      sign_ = display_.makeTextSign(line_);
+    return place();
+  } catch (const std::exception& exception) {
+    qCWarning(signLog, "a sign cannot be shown: %s", exception.what());
+    placement_ = {};
+    return 0;
+  }
 }
 
 double SignItem::place() {

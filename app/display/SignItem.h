@@ -28,10 +28,10 @@ class SignItem : public StripItem {
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }
-  // Places the sign anew after a change; its length with the gap.
-  double place();
 
  private:
+  double place();
+
   TickerDisplay& display_;
   platform::Ref<ZQTickerSign> sign_;
   QString line_;

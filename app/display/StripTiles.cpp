@@ -8,6 +8,8 @@ namespace zq::app {
 
 namespace {
 constexpr std::size_t MostSpares = 8;
+// Pixels of a run that are told apart; a longer one shows nothing behind them.
+constexpr double LongestRun = 1e15;
 } // namespace
 
 StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}
@@ -21,7 +23,8 @@ void StripTiles::forget(std::uint64_t runNumber) {
   std::erase_if(tiles_, [=](const Tile& tile) { return tile.run == runNumber; });
 }
 
-StripTiles::Tile StripTiles::make(const Strip::Run& run, int index, int pixels, const QSize& size) {
+StripTiles::Tile StripTiles::make(const Strip::Run& run, qint64 index, int pixels,
+                                  const QSize& size) {
   Tile tile{run.number, index, nextSerial_++, QImage()};
   if (!spare_.empty()) {
     tile.picture = std::move(spare_.back());
@@ -49,20 +52,19 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, boo
   auto old = tiles_.begin();
   kept_.clear();
   for (const Strip::Run& run : runs) {
-    const qint64 length = std::llround(std::ceil(lengthOf(run) * scale));
+    const qint64 length = std::llround(std::min(std::ceil(lengthOf(run) * scale), LongestRun));
     // The run's leading edge, in pixels from the edge at which runs leave.
     const qint64 lead = extent - (offset - std::llround(run.start * scale));
     const qint64 firstPixel = std::max<qint64>(-lead, 0);
     const qint64 endPixel = std::min(extent - lead, length);
     for (qint64 index = firstPixel / TileLength; index * TileLength < endPixel; ++index) {
-      const auto key = std::make_tuple(run.number, static_cast<int>(index));
+      const auto key = std::make_tuple(run.number, index);
       for (; old != tiles_.end() && std::make_tuple(old->run, old->index) < key; ++old)
         recycle(*old);
       const int pixels =
           static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
       const bool isThere = old != tiles_.end() && std::make_tuple(old->run, old->index) == key;
-      kept_.push_back(isThere ? std::move(*old++)
-                              : make(run, static_cast<int>(index), pixels, tileSize));
+      kept_.push_back(isThere ? std::move(*old++) : make(run, index, pixels, tileSize));
       const Tile& tile = kept_.back();
       const int place = static_cast<int>(lead + index * TileLength);
       frame.pieces.push_back({tile.serial, tile.picture,

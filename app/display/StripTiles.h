@@ -25,7 +25,7 @@ class StripTiles {
   // into a cleared picture that covers the strip's whole breadth.
   struct Request {
     const Strip::Run* run = nullptr;
-    int first = 0;
+    qint64 first = 0;
     int pixels = 0;
   };
   using Draw = std::function<void(const Request&, QImage&)>;
@@ -48,12 +48,12 @@ class StripTiles {
  private:
   struct Tile {
     std::uint64_t run = 0;
-    int index = 0;
+    qint64 index = 0;
     std::uint64_t serial = 0;
     QImage picture;
   };
 
-  Tile make(const Strip::Run& run, int index, int pixels, const QSize& size);
+  Tile make(const Strip::Run& run, qint64 index, int pixels, const QSize& size);
 
   Draw draw_;
   std::vector<Tile> tiles_; // in the order along the strip

@@ -4,14 +4,15 @@
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
-#include "zqticker/platform/objects/Exception.h"
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QPainter>
 
+#include <algorithm>
 #include <cmath>
+#include <exception>
 
 namespace zq::app {
 
@@ -115,11 +116,13 @@ void TickerDisplay::markForLayout() {
       sign->setNeedsLayout(true);
   });
   strip_.remeasure(
-      [](const Strip::Run& run) { return static_cast<SignItem&>(run.item()).place(); });
+      [](const Strip::Run& run) { return static_cast<SignItem&>(run.item()).enter(); });
   tiles_.clear();
   frame_.pieces.clear();
-  frame_.size = QSize(static_cast<int>(std::lround(size_.width() * scale_)),
-                      static_cast<int>(std::lround(size_.height() * scale_)));
+  const auto pixels = [this](double points) {
+    return std::max(static_cast<int>(std::lround(points * scale_)), 1);
+  };
+  frame_.size = QSize(pixels(size_.width()), pixels(size_.height()));
   frameIsStale_ = true;
 }
 
@@ -180,7 +183,7 @@ void TickerDisplay::drawTile(const StripTiles::Request& request, QImage& picture
   const QSizeF area = QSizeF(picture.size()) / scale_;
   const double across = std::round(placement.across * scale_) / scale_;
   const double drawnLength = std::ceil(placement.length * scale_) / scale_;
-  const double first = request.first / scale_;
+  const double first = static_cast<double>(request.first) / scale_;
   const QPointF corner =
       horizontal_ ? QPointF(-first, across) : QPointF(across, area.height() + first - drawnLength);
   QPainter painter(&picture);
@@ -191,7 +194,7 @@ void TickerDisplay::drawTile(const StripTiles::Request& request, QImage& picture
   context.concat(QTransform::fromScale(placement.fit, placement.fit));
   try {
     item.sign()->drawAtPoint(corner / placement.fit);
-  } catch (const Exception& exception) {
+  } catch (const std::exception& exception) {
     // What cannot be drawn stays empty; the strip goes on.
     qCWarning(displayLog, "a sign cannot be drawn: %s", exception.what());
   }

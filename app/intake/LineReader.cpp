@@ -14,7 +14,7 @@ namespace zq::app {
 
 namespace {
 constexpr std::size_t BytesPerRead = 1 << 16;
-constexpr int PauseMilliseconds = 20;
+constexpr int PauseMilliseconds = 100;
 
 // Reads once. Empty at the end of the stream and at an error; nothing when there is nothing yet.
 std::optional<QByteArray> readOnce(int descriptor) {

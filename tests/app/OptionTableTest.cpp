@@ -1,7 +1,10 @@
 #include "app/commands/OptionTable.h"
 
+#include "app/commands/StripOptions.h"
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
+
+#include <QtCore/QProcess>
 
 #include <gtest/gtest.h>
 
@@ -100,4 +103,23 @@ TEST(CommandTables, NameEveryOptionInTheirHelp) {
     for (const QString& line : help.split(u'\n'))
       EXPECT_LE(line.size(), 130) << line.toStdString();
   }
+}
+
+TEST(CommandTables, HaveExamplesThatAreUnderstood) {
+  for (const OptionTable* commands : {&runTable(), &renderTable(), &signTable()})
+    for (qsizetype i = 0; i < commands->examples.size(); i += 2) {
+      QString line = commands->examples[i];
+      line.remove(0, line.indexOf("zqticker"_L1));
+      QStringList words = QProcess::splitCommand(line);
+      ASSERT_EQ(words.takeFirst(), u"zqticker"_s) << line.toStdString();
+      QString command = u"run"_s;
+      if (!words.first().startsWith(u'-'))
+        command = words.takeFirst();
+      if (command == "run"_L1)
+        EXPECT_NO_THROW(readRunOptions(words)) << line.toStdString();
+      else if (command == "render"_L1)
+        EXPECT_NO_THROW(readRenderOptions(words)) << line.toStdString();
+      else
+        EXPECT_NO_THROW(readSignOptions(words)) << line.toStdString();
+    }
 }

@@ -1,5 +1,6 @@
 // The program's commands as a user meets them: standard output, standard error, exit status, files.
 #include "tests/app/Program.h"
+#include "tests/app/XServer.h"
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
 #include "zqticker/platform/graphics/Color.h"
@@ -18,7 +19,7 @@
 
 #include <gtest/gtest.h>
 
-#include <unistd.h>
+#include <csignal>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app::testing;
@@ -326,6 +327,45 @@ TEST_F(Program, RendersFramesBelowOneAnother) {
                 "--output " + path(u"sheet.png"_s).toUtf8() +
                     ": 1000000 frames of 800 x 24 pixels are too large for one picture; give a "
                     "folder");
+}
+
+TEST_F(Program, LeavesOnlyWholeFramesWhereItIsInterrupted) {
+  RunningProgram program({u"render"_s, u"--text"_s, u"Hello"_s, u"--frames"_s, u"1000000"_s,
+                          u"--output"_s, path(u"frames"_s)},
+                         plainEnvironment());
+  ASSERT_TRUE(waitUntil([&] { return QFile::exists(path(u"frames/frame-000003.png"_s)); }));
+  program.interrupt(SIGINT);
+  EXPECT_EQ(program.awaitStatus(), 1);
+  EXPECT_TRUE(program.process().readAllStandardError().contains(": interrupted after "));
+  const QDir frames(path(u"frames"_s));
+  for (const QString& name :
+       frames.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot))
+    EXPECT_FALSE(QImage(frames.filePath(name)).isNull()) << name.toStdString();
+}
+
+TEST_F(Program, ShowsProgressOnATerminal) {
+  if (!XServer::hasProgram(u"script"_s))
+    GTEST_SKIP() << "script is not installed";
+  QProcess terminal;
+  terminal.setProcessEnvironment(plainEnvironment());
+  terminal.start(u"script"_s, {u"-qec"_s,
+                               QStringLiteral(ZQTICKER_PROGRAM) +
+                                   u" render --text a --frames 20 --output "_s + path(u"frames"_s),
+                               u"/dev/null"_s});
+  ASSERT_TRUE(terminal.waitForFinished());
+  const QByteArray shown = terminal.readAllStandardOutput();
+  EXPECT_TRUE(shown.contains("] 20/20")) << shown.constData();
+  EXPECT_TRUE(shown.endsWith("\r\x1b[K")) << "and takes it away at the end";
+}
+
+TEST_F(Program, RefusesFramesThatAreTooLarge) {
+  expectFailure(render({u"--text"_s, u"a"_s, u"--size"_s, u"16000x10000"_s, u"--scale"_s, u"16"_s}),
+                1, "--size, --scale: frames of 256000 x 160000 pixels are too large");
+}
+
+TEST_F(Program, RendersFramesOfOnePixel) {
+  EXPECT_EQ(render({u"--text"_s, u"a"_s, u"--size"_s, u"1x1"_s, u"--scale"_s, u"0.1"_s}).status, 0);
+  EXPECT_EQ(QImage(path(u"out.png"_s)).size(), QSize(1, 1));
 }
 
 TEST_F(Program, TakesTransparentBackgrounds) {

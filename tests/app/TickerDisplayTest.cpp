@@ -1,8 +1,10 @@
 #include "app/display/TickerDisplay.h"
 
+#include "tests/support/LogWatch.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/objects/Exception.h"
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
@@ -376,6 +378,44 @@ TEST(TickerDisplay, LeavesOutSignsThatShowNothing) {
   EXPECT_EQ(inkAlong(shown(display, 1), true).first, 140);
   display.advanceTo(100);
   EXPECT_TRUE(display.isFinished());
+}
+
+TEST(TickerDisplay, ShowsASignOnceWhoseCountMeansNothing) {
+  TickerDisplay display;
+  setUp(display, QSizeF(200, 24));
+  const auto sign = picture(20, 24, Qt::red);
+  sign->setLoopCount(-5);
+  display.addSign(sign, 0);
+  display.advanceTo(10);
+  EXPECT_TRUE(display.isFinished());
+}
+
+namespace {
+class RaisingSign : public ZQTickerSign {
+ public:
+  explicit RaisingSign(bool raisesInSize) : raisesInSize_(raisesInSize) {}
+
+  QSizeF size() const override {
+    if (raisesInSize_)
+      throw InvalidArgumentException(u"no size"_s);
+    return QSizeF(20, 24);
+  }
+  void drawAtPoint(QPointF) override { throw InvalidArgumentException(u"no picture"_s); }
+
+ private:
+  bool raisesInSize_;
+};
+} // namespace
+
+TEST(TickerDisplay, GoesOnWhereASignRaises) {
+  zq::testing::expectLog(u"a sign cannot be shown: no size"_s);
+  zq::testing::expectLog(u"a sign cannot be drawn: no picture"_s);
+  TickerDisplay display;
+  setUp(display, QSizeF(200, 24));
+  display.addSign(std::make_shared<RaisingSign>(true), 0);
+  display.addSign(std::make_shared<RaisingSign>(false), 0);
+  display.addSign(picture(20, 24, Qt::red), 0);
+  EXPECT_EQ(inkAlong(shown(display, 1), true).first, 160) << "behind the one that shows nothing";
 }
 
 TEST(TickerDisplay, SurvivesEnormousAndTinySigns) {

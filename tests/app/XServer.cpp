@@ -16,6 +16,7 @@ namespace zq::app::testing {
 namespace {
 constexpr int PatienceMilliseconds = 60'000;
 constexpr int LookMilliseconds = 5;
+constexpr int MostReads = 1000;
 constexpr int StartMilliseconds = 20'000;
 
 // Fields of the header of an X window dump, as 32-bit big-endian numbers.
@@ -96,11 +97,20 @@ QProcessEnvironment XServer::environment() const {
   return environment;
 }
 
-QImage XServer::screenshot() const {
+QByteArray XServer::framebuffer() const {
   QFile dump(folder_.filePath(u"Xvfb_screen0"_s));
-  if (!dump.open(QIODevice::ReadOnly))
-    return QImage();
-  const QByteArray bytes = dump.readAll();
+  return dump.open(QIODevice::ReadOnly) ? dump.readAll() : QByteArray();
+}
+
+QImage XServer::screenshot() const {
+  // The server draws while the file is read; what reads the same twice is whole.
+  QByteArray bytes = framebuffer();
+  for (int i = 0; i < MostReads; ++i) {
+    const QByteArray again = framebuffer();
+    if (again == bytes)
+      break;
+    bytes = again;
+  }
   if (bytes.size() < DumpHeaderBytes)
     return QImage();
   const auto field = [&](DumpField index) {

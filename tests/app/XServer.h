@@ -31,6 +31,8 @@ class XServer {
   QImage screenshot() const;
 
  private:
+  QByteArray framebuffer() const;
+
   QTemporaryDir folder_;
   QProcess server_;
   std::unique_ptr<QProcess> windowManager_;
