@@ -1,6 +1,7 @@
 #include "zqticker/platform/graphics/Image.h"
 
 #include "tests/platform/graphics/Canvas.h"
+#include "tests/support/LogWatch.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/ImageRepresentation.h"
 
@@ -411,6 +412,18 @@ TEST(Image, ReadsOtherFormatsByTheirContent) {
     EXPECT_EQ(image->size(), QSizeF(6, 3)) << format;
     EXPECT_EQ(maximumDifference(image->rasterised(1), marked(6, 3)), 0) << format;
   }
+}
+
+TEST(Image, WritesTheSameBytesAgainWhateverTheFormatSaidOfAlpha) {
+  // Opaque throughout, in a file that announces an alpha channel.
+  QFile file(u"" ZQTICKER_SOURCE_DIR "/fuzz/seeds/image/alpha_flag_without_alpha.webp"_s);
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  zq::testing::allowLog(u"WebP"_s);
+  const Ref<Image> image = Image::initWithData(file.readAll());
+  if (!image)
+    GTEST_SKIP() << "this desktop reads no WebP";
+  const auto tiff = image->TIFFRepresentation();
+  EXPECT_EQ(Image::initWithData(*tiff)->TIFFRepresentation(), tiff);
 }
 
 TEST(Image, TakesAPictureOf144DotsAnInchAsTwoPixelsAPoint) {
