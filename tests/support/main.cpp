@@ -7,12 +7,6 @@
 #include <QtCore/QLocale>
 #include <QtWidgets/QApplication>
 
-// fontconfig keeps what it has read about fonts for the life of the process.
-extern "C" const char* __lsan_default_suppressions();
-extern "C" const char* __lsan_default_suppressions() {
-  return "leak:libfontconfig";
-}
-
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
   qputenv("LC_ALL", "C.UTF-8");
@@ -21,10 +15,8 @@ int main(int argc, char** argv) {
   qunsetenv("QT_SCREEN_SCALE_FACTORS");
   qunsetenv("QT_QPA_PLATFORMTHEME");
   // A test that needs a window system starts its own and says so here.
-  if (!qEnvironmentVariableIsSet("ZQTICKER_TEST_PLATFORM"))
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-  else
-    qputenv("QT_QPA_PLATFORM", qgetenv("ZQTICKER_TEST_PLATFORM"));
+  const QByteArray platform = qgetenv("ZQTICKER_TEST_PLATFORM");
+  qputenv("QT_QPA_PLATFORM", platform.isEmpty() ? "offscreen" : platform);
   QLocale::setDefault(QLocale::c());
   QApplication application(argc, argv);
   zq::testing::installLogWatch();
