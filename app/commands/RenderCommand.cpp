@@ -49,7 +49,7 @@ void render(const RenderOptions& options, double patienceSeconds) {
   const double extent = options.strip.isHorizontal ? look.size.width() : look.size.height();
   if (options.start)
     series.start = *options.start;
-  else if (isSheet && options.frames == 1)
+  else if (options.frames == 1)
     series.start = extent / options.strip.speed;
   if (isSheet)
     writeFrameSheet(display, series, argument, options.output);

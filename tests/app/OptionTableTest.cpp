@@ -3,7 +3,10 @@
 #include "app/commands/StripOptions.h"
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
+#include "app/display/TickerDisplay.h"
+#include "app/intake/LineSplitter.h"
 
+#include <QtCore/QLocale>
 #include <QtCore/QProcess>
 
 #include <gtest/gtest.h>
@@ -102,6 +105,19 @@ TEST(CommandTables, NameEveryOptionInTheirHelp) {
     EXPECT_TRUE(help.contains(u"Examples:"_s));
     for (const QString& line : help.split(u'\n'))
       EXPECT_LE(line.size(), 130) << line.toStdString();
+  }
+}
+
+TEST(CommandTables, StateTheLimitsOfLines) {
+  const QLocale locale(QLocale::English);
+  for (const OptionTable* commands : {&runTable(), &renderTable()}) {
+    const QString help = helpText(*commands).simplified();
+    EXPECT_TRUE(help.contains(
+        u"At most %1 lines wait"_s.arg(locale.toString(qlonglong(TickerDisplay::MostLines)))));
+    EXPECT_TRUE(help.contains(u"at most %1 characters"_s.arg(
+        locale.toString(qlonglong(TickerDisplay::MostLineCharacters)))));
+    EXPECT_TRUE(
+        help.contains(u"more than %1 characters"_s.arg(locale.toString(qlonglong(LongestLine)))));
   }
 }
 

@@ -310,6 +310,13 @@ TEST_F(Program, RendersFramesIntoAFolder) {
   }
 }
 
+TEST_F(Program, RendersASingleFrameIntoAFolderLikeASinglePicture) {
+  const QStringList arguments{u"render"_s, u"--text"_s, u"Hello"_s, u"--output"_s};
+  ASSERT_EQ(runZqticker(arguments + QStringList{path(u"out.png"_s)}).status, 0);
+  ASSERT_EQ(runZqticker(arguments + QStringList{path(u"frames"_s)}).status, 0);
+  EXPECT_EQ(read(u"frames/frame-000001.png"_s), read(u"out.png"_s));
+}
+
 TEST_F(Program, RendersFramesBelowOneAnother) {
   EXPECT_EQ(render({u"--image"_s, picture(u"red.png"_s, 16, 24), u"--size"_s, u"200x24"_s,
                     u"--frames"_s, u"3"_s, u"--fps"_s, u"1"_s, u"--speed"_s, u"50"_s})
