@@ -3,10 +3,15 @@ set(archiving_TESTS
     ArchiveBuilder.cpp
     ArchiveCommandTest.cpp
     BinaryPropertyListReaderTest.cpp
+    golden_archivesTest.cpp
+    interchangeTest.cpp
     KeyedArchiverTest.cpp
     KeyedUnarchiverTest.cpp
     number_textTest.cpp
+    PlaceholderObjectTest.cpp
+    PortCoderTest.cpp
     PropertyListWriterTest.cpp
+    SequentialArchiverTest.cpp
     value_classesTest.cpp
     XmlPropertyListReaderTest.cpp
     ../../../app/commands/ArchiveCommand.cpp
