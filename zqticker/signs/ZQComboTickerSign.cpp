@@ -14,7 +14,7 @@
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
 
-ZQ_REGISTER_CLASS(ZQComboTickerSign);
+ZQ_REGISTER_VALUE_CLASS(ZQComboTickerSign);
 
 namespace {
 

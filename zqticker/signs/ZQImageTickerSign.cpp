@@ -8,7 +8,7 @@
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
 
-ZQ_REGISTER_CLASS(ZQImageTickerSign);
+ZQ_REGISTER_VALUE_CLASS(ZQImageTickerSign);
 
 ZQImageTickerSign::ZQImageTickerSign() : ZQImageTickerSign(nullptr) {}
 

@@ -7,7 +7,7 @@
 
 using namespace zq::platform;
 
-ZQ_REGISTER_CLASS(ZQTextTickerSign);
+ZQ_REGISTER_VALUE_CLASS(ZQTextTickerSign);
 
 ZQTextTickerSign::ZQTextTickerSign() = default;
 

@@ -12,7 +12,7 @@ using namespace zq::platform;
 
 const std::int32_t ZQEndlessLoopCount = -1;
 
-ZQ_REGISTER_CLASS(ZQTickerSign);
+ZQ_REGISTER_VALUE_CLASS(ZQTickerSign);
 
 ZQTickerSign::ZQTickerSign() = default;
 ZQTickerSign::ZQTickerSign(const ZQTickerSign&) = default;

@@ -278,6 +278,32 @@ TEST(PlaceholderObject, CyclesEndWithTheObjectsThatEncloseThem) {
   EXPECT_TRUE(inner.expired());
 }
 
+TEST(PlaceholderObject, AListThatHoldsAnObjectAroundItDoesNotOwnThatOne) {
+  std::weak_ptr<Object> root;
+  {
+    const auto object =
+        placeholder(Table{u"$null"_s, Record{{u"list"_s, U(2)}, {u"$class"_s, U(3)}},
+                          Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}},
+                          classRecord(u"X"_s), classRecord(u"NSArray"_s)});
+    root = object;
+    const auto list = objectOf<PlaceholderObject>(object->value(u"list"_s));
+    ASSERT_TRUE(list);
+    EXPECT_EQ(objectOf(list->value(u"NS.objects"_s).toList().at(0)), object);
+  }
+  EXPECT_TRUE(root.expired());
+}
+
+TEST(PlaceholderObject, AKnownObjectThatWouldOwnAnObjectAroundItIsRefused) {
+  // The attributes of the text hold the object that holds the text.
+  const QByteArray archive = binaryArchive(
+      {u"$null"_s, Record{{u"text"_s, U(2)}, {u"$class"_s, U(7)}},
+       Record{{u"NSString"_s, U(3)}, {u"NSAttributes"_s, U(4)}, {u"$class"_s, U(6)}}, u"abc"_s,
+       Record{{u"NS.keys"_s, Table{U(5)}}, {u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(8)}},
+       u"owner"_s, classRecord(u"NSAttributedString"_s), classRecord(u"X"_s),
+       classRecord(u"NSDictionary"_s)});
+  EXPECT_THROW(read(archive), ArchiveException);
+}
+
 TEST(PlaceholderObject, CyclesArchiveBackUnchanged) {
   expectUnchanged(binaryArchive(
       {u"$null"_s, Record{{u"children"_s, U(2)}, {u"$class"_s, U(5)}},

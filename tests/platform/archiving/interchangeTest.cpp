@@ -108,7 +108,15 @@ TEST(Interchange, WhatPythonWritesAgainReadsEqualInBothEncodings) {
   for (const char* format : {"FMT_BINARY", "FMT_XML"}) {
     const QByteArray again =
         python(u"import plistlib, sys\n"
+               "def plain(value):\n"
+               "    if isinstance(value, plistlib.UID):\n"
+               "        return {'CF$UID': value.data}\n"
+               "    if isinstance(value, dict):\n"
+               "        return {key: plain(item) for key, item in value.items()}\n"
+               "    return [plain(item) for item in value] if isinstance(value, list) else value\n"
                "data = plistlib.loads(sys.stdin.buffer.read())\n"
+               "if plistlib.%1 == plistlib.FMT_XML:\n"
+               "    data = plain(data)\n"
                "sys.stdout.buffer.write(plistlib.dumps(data, fmt=plistlib.%1))\n"_s.arg(
                    QLatin1StringView(format)),
                archive);

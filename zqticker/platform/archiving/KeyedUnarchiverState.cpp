@@ -281,7 +281,7 @@ Any KeyedUnarchiverState::decode(Uid uid) {
     const Entry& entry = entries_[known - 1];
     if (entry.progress == Progress::Failed)
       fail(u"the object could not be decoded"_s);
-    if (entry.progress == Progress::Decoding && !entry.mayEnclose)
+    if (entry.progress == Progress::Decoding && !(entry.mayEnclose && scope_->mayReferBack))
       fail(u"an object or a container contains itself"_s);
     addContent(entry.weight, entry.progress == Progress::Decoded ? entry.height : 0);
     return entry.value;
@@ -381,7 +381,7 @@ Any KeyedUnarchiverState::decodeRecord(Uid uid, Index record) {
   if (type.factory)
     return decodeRegistered(uid, record, type);
   if (type.kind != ValueKind::None) {
-    if (scope_->isExact && !keepsKind(type.kind, record))
+    if (scope_->isExact && (!keepsKind(type.kind, record) || refersBack(record)))
       return decodePlaceholder(uid, record, type, false);
     return decodeValue(uid, record, type);
   }
@@ -397,6 +397,7 @@ Any KeyedUnarchiverState::decodeRegistered(Uid uid, Index record, const Class& t
     entries_[entry].value = any(object);
     entries_[entry].mayEnclose = type.cycles == ClassRegistry::Cycles::Allowed;
     OpenScope scope(*this, record, false);
+    scope_->mayReferBack = entries_[entry].mayEnclose;
     const Ref<Object> decoded = object->initWithCoder(coder_);
     if (!decoded)
       fail(u"the object of class %1 could not be decoded"_s.arg(type.record.name));
@@ -431,6 +432,23 @@ bool KeyedUnarchiverState::keepsKind(ValueKind kind, Index record) const {
   }
 }
 
+// Whether a container holds an object around it, which a plain value would own in a circle.
+bool KeyedUnarchiverState::refersBack(Index record) {
+  const auto elements = list.find(record, "NS.objects"_L1);
+  if (!elements || list.kind(*elements) != Kind::Array)
+    return false;
+  for (std::uint32_t i = 0; i < list.count(*elements); ++i) {
+    const Index element = list.element(*elements, i);
+    if (list.kind(element) != Kind::Uid || list.uid(element) >= archive.objectCount())
+      continue;
+    const std::uint32_t known = slot(list.uid(element), true);
+    if (known && entries_[known - 1].progress == Progress::Decoding &&
+        entries_[known - 1].mayEnclose)
+      return true;
+  }
+  return false;
+}
+
 Any KeyedUnarchiverState::decodeValue(Uid uid, Index record, const Class& type) {
   return decodeEntry(uid, false, [&](std::size_t entry) {
     OpenScope scope(*this, record, scope_->isExact);
@@ -449,6 +467,7 @@ Any KeyedUnarchiverState::decodePlaceholder(Uid uid, Index record, const Class& 
     entries_[entry].value = any(object);
     entries_[entry].mayEnclose = true;
     OpenScope scope(*this, record, true);
+    scope_->mayReferBack = true;
     for (std::uint32_t i = 0; i < list.count(record); ++i) {
       const Index key = list.key(record, i);
       if (list.isString(key, "$class"_L1))

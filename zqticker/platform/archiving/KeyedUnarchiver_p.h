@@ -72,6 +72,8 @@ class KeyedUnarchiverState {
     qint64 element = -1;
     // Whether value classes that a plain value would not archive back become placeholders.
     bool isExact = false;
+    // Whether what is being decoded may refer to an object around it: it does not own that one.
+    bool mayReferBack = false;
     Scope* enclosing = nullptr;
   };
   class OpenScope;
@@ -107,6 +109,7 @@ class KeyedUnarchiverState {
   Any decodePlaceholder(Uid uid, Index record, const Class& type, bool isUnknown);
   Any decodeValue(Uid uid, Index record, const Class& type);
   bool keepsKind(ValueKind kind, Index record) const;
+  bool refersBack(Index record);
   template <class Body>
   Any decodeEntry(Uid uid, bool inBothTables, Body body);
 
