@@ -131,6 +131,15 @@ TEST(BrokenSignArchive, AValueOfAWrongClassRaisesWithItsKeyPath) {
   expectArchiveException(u"broken-identifier-of-wrong-class.archive"_s, u"root.ZQSignIdentifier"_s);
 }
 
+TEST(BrokenSignArchive, AValueOfAWrongClassIsNamedAsArchivesDo) {
+  try {
+    KeyedUnarchiver::unarchiveObjectWithData(golden(u"broken-text-of-wrong-class.archive"_s));
+    ADD_FAILURE() << "was read";
+  } catch (const ArchiveException& exception) {
+    EXPECT_STREQ(exception.what(), "root.ZQText: expected NSAttributedString, found NSData");
+  }
+}
+
 TEST(BrokenSignArchive, ANumberBeyond32BitsRaisesWithItsKeyPath) {
   expectArchiveException(u"broken-loop-count-out-of-range.archive"_s, u"root.ZQLoopCount"_s);
 }

@@ -1,5 +1,6 @@
 #include "zqticker/platform/archiving/Coder.h"
 
+#include "zqticker/platform/archiving/ClassRegistry.h"
 #include "zqticker/platform/objects/Exception.h"
 
 #include <exception>
@@ -87,7 +88,7 @@ std::optional<QString> Coder::decodeStringForKey(QAnyStringView key) {
   if (!value.isValid())
     return std::nullopt;
   if (value.metaType() != QMetaType::fromType<QString>())
-    raiseWrongClass(key, value, "NSString");
+    raiseWrongClass(key, value, u"NSString"_s);
   return value.toString();
 }
 
@@ -96,7 +97,7 @@ std::optional<QByteArray> Coder::decodeDataForKey(QAnyStringView key) {
   if (!value.isValid())
     return std::nullopt;
   if (value.metaType() != QMetaType::fromType<QByteArray>())
-    raiseWrongClass(key, value, "NSData");
+    raiseWrongClass(key, value, u"NSData"_s);
   return value.toByteArray();
 }
 
@@ -122,12 +123,44 @@ void Coder::raiseUnsupported(QAnyStringView key, Operation) const {
                                                      key.toString());
 }
 
-void Coder::raiseWrongClass(QAnyStringView key, const Any& found, const char* expected) const {
-  const Ref<Object> object = objectOf(found);
-  const QString name = object            ? object->className()
-                       : found.isValid() ? QString::fromLatin1(found.metaType().name())
-                                         : u"nothing"_s;
-  throw ArchiveException(u"expected %1, found %2"_s.arg(QLatin1StringView(expected), name),
+// The class under which a value archives.
+static QString archiveNameOf(const Any& value) {
+  if (const Ref<Object> object = objectOf(value))
+    return ClassRegistry::archiveNameOf(*object->metaObject());
+  switch (value.typeId()) {
+  case QMetaType::UnknownType:
+    return u"nothing"_s;
+  case QMetaType::QString:
+    return u"NSString"_s;
+  case QMetaType::QByteArray:
+    return u"NSData"_s;
+  case QMetaType::QVariantList:
+    return u"NSArray"_s;
+  case QMetaType::QVariantMap:
+    return u"NSDictionary"_s;
+  case QMetaType::QDateTime:
+    return u"NSDate"_s;
+  case QMetaType::QUrl:
+    return u"NSURL"_s;
+  case QMetaType::Bool:
+  case QMetaType::Int:
+  case QMetaType::LongLong:
+  case QMetaType::ULongLong:
+  case QMetaType::Float:
+  case QMetaType::Double:
+    return u"NSNumber"_s;
+  default:
+    return QString::fromLatin1(value.metaType().name());
+  }
+}
+
+void Coder::raiseWrongClass(QAnyStringView key, const Any& found,
+                            const QMetaObject& expected) const {
+  raiseWrongClass(key, found, ClassRegistry::archiveNameOf(expected));
+}
+
+void Coder::raiseWrongClass(QAnyStringView key, const Any& found, const QString& expected) const {
+  throw ArchiveException(u"expected %1, found %2"_s.arg(expected, archiveNameOf(found)),
                          keyPath(key));
 }
 

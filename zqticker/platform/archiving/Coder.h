@@ -77,7 +77,7 @@ class ZQTICKER_EXPORT Coder {
     const Any value = decodeObjectForKey(key);
     Ref<T> object = objectOf<T>(value);
     if (!object && value.isValid())
-      raiseWrongClass(key, value, T::staticMetaObject.className());
+      raiseWrongClass(key, value, T::staticMetaObject);
     return object;
   }
 
@@ -93,8 +93,11 @@ class ZQTICKER_EXPORT Coder {
   // Raises the exception for an operation that this coder does not have; by default an
   // InvalidArgumentException. Never returns.
   virtual void raiseUnsupported(QAnyStringView key, Operation operation) const;
+  // Names both classes as archives do.
   [[noreturn]] void raiseWrongClass(QAnyStringView key, const Any& found,
-                                    const char* expected) const;
+                                    const QMetaObject& expected) const;
+  [[noreturn]] void raiseWrongClass(QAnyStringView key, const Any& found,
+                                    const QString& expected) const;
 
  private:
   [[noreturn]] void refuse(QAnyStringView key, Operation operation) const;

@@ -63,7 +63,7 @@ class ZQTICKER_EXPORT KeyedUnarchiver : public Coder {
     KeyedUnarchiver unarchiver(data);
     Ref<T> root = unarchiver.decodeObjectOfClass<T>("root");
     if (!root)
-      unarchiver.raiseWrongClass("root", Any(), T::staticMetaObject.className());
+      unarchiver.raiseWrongClass("root", Any(), T::staticMetaObject);
     return root;
   }
 
