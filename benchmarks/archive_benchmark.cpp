@@ -14,8 +14,8 @@
 //   ReadSigns           the same signs back, rendering each text anew
 //   ReadSignsWithoutPictures   archives of another program, which leaves the renderings out
 //
-// Bytes per second count the bytes of the binary archive. The ratios at the end are those of the
-// bytes per second.
+// Bytes per second count the bytes of the binary archive.
+#include "benchmarks/ratio_main.h"
 #include "zqticker/platform/archiving/ClassRegistry.h"
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
@@ -35,9 +35,7 @@
 
 #include <plist/plist.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <map>
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
@@ -363,44 +361,18 @@ void ReadSignsWithoutPictures(benchmark::State& state) {
 }
 BENCHMARK(ReadSignsWithoutPictures)->Unit(benchmark::kMillisecond);
 
-// Keeps the rates of all runs, to compare them at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
- public:
-  void ReportRuns(const std::vector<Run>& runs) override {
-    ConsoleReporter::ReportRuns(runs);
-    for (const Run& run : runs)
-      if (const auto rate = run.counters.find("bytes_per_second"); rate != run.counters.end())
-        rates_[run.run_name.function_name] = rate->second;
-  }
-
-  void Finalize() override {
-    ConsoleReporter::Finalize();
-    const std::pair<const char*, const char*> pairs[] = {
-        {"ReadList", "LibplistRead"},      {"ReadList", "PlistlibRead"},
-        {"WriteList", "LibplistWrite"},    {"WriteList", "PlistlibWrite"},
-        {"ReadArchive", "LibplistRead"},   {"ReadArchive", "PlistlibRead"},
-        {"WriteArchive", "LibplistWrite"}, {"WriteArchive", "PlistlibWrite"}};
-    for (const auto& [ours, peer] : pairs)
-      if (rates_.count(ours) && rates_.count(peer))
-        GetOutputStream() << ours << " / " << peer << ": " << rates_[ours] / rates_[peer] << '\n';
-  }
-
- private:
-  std::map<std::string, double> rates_;
-};
-
 } // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv))
-    return 1;
-  std::printf("archive: %d signs, %.1f MB\n", SignCount, double(archive().size()) / 1e6);
-  RatioReporter reporter;
-  benchmark::RunSpecifiedBenchmarks(&reporter);
-  return 0;
+  return runBenchmarks(argc, argv,
+                       {{"ReadList", "LibplistRead"},
+                        {"ReadList", "PlistlibRead"},
+                        {"WriteList", "LibplistWrite"},
+                        {"WriteList", "PlistlibWrite"},
+                        {"ReadArchive", "LibplistRead"},
+                        {"ReadArchive", "PlistlibRead"},
+                        {"WriteArchive", "LibplistWrite"},
+                        {"WriteArchive", "PlistlibWrite"}});
 }
 
 #include "archive_benchmark.moc"

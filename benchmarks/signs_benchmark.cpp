@@ -6,6 +6,7 @@
 //   SetTextFloor       measuring the same characters with QTextLayout
 //   DrawText           drawing a text sign of 32 characters into a raster image
 //   DrawTextFloor      drawing the same characters with a prepared QTextLayout
+#include "benchmarks/ratio_main.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
@@ -14,9 +15,6 @@
 #include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
-#include <benchmark/benchmark.h>
-
-#include <QtGui/QGuiApplication>
 #include <QtGui/QPainter>
 #include <QtGui/QTextLayout>
 
@@ -75,7 +73,7 @@ void ComboLayout(benchmark::State& state) {
 }
 BENCHMARK(ComboLayout);
 
-void ComboLayoutFloor(benchmark::State& state) {
+void MeasureFloor(benchmark::State& state) {
   const QFont font = qtFont();
   int number = 0;
   for (auto _ : state) {
@@ -84,7 +82,7 @@ void ComboLayoutFloor(benchmark::State& state) {
     benchmark::DoNotOptimize(layout.lineAt(0).naturalTextWidth());
   }
 }
-BENCHMARK(ComboLayoutFloor);
+BENCHMARK(MeasureFloor)->Name("ComboLayoutFloor");
 
 void SetText(benchmark::State& state) {
   const auto sign = ZQTextTickerSign::make(text(0));
@@ -97,7 +95,7 @@ void SetText(benchmark::State& state) {
   }
 }
 BENCHMARK(SetText);
-BENCHMARK(ComboLayoutFloor)->Name("SetTextFloor");
+BENCHMARK(MeasureFloor)->Name("SetTextFloor");
 
 QImage canvas() {
   QImage image(StripSize.toSize(), QImage::Format_ARGB32_Premultiplied);
@@ -131,8 +129,8 @@ BENCHMARK(DrawTextFloor);
 } // namespace
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
+  return runBenchmarks(argc, argv,
+                       {{"ComboLayout", "ComboLayoutFloor"},
+                        {"SetText", "SetTextFloor"},
+                        {"DrawText", "DrawTextFloor"}});
 }
