@@ -481,11 +481,22 @@ TEST(KeyedUnarchiver, ListsAndMapsThatContainThemselvesAreRefused) {
 }
 
 TEST(KeyedUnarchiver, AListMayReferToAnObjectThatHoldsIt) {
-  const auto link =
-      objectOf<Link>(rootOf({u"$null"_s, Record{{u"me"_s, U(1)}, {u"$class"_s, U(3)}},
-                             Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}},
-                             classRecord(u"Link"_s), classRecord(u"NSArray"_s)}));
-  EXPECT_TRUE(link);
+  // The object decides what it keeps of the list.
+  decodeRecord(
+      {{u"list"_s, U(3)}},
+      [](Coder& coder) {
+        const QVariantList list = coder.decodeObjectForKey("list").toList();
+        ASSERT_EQ(list.size(), 1);
+        EXPECT_EQ(objectOf(list.at(0))->className(), u"Decoder"_s);
+      },
+      {Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}}, classRecord(u"NSArray"_s)});
+}
+
+TEST(KeyedUnarchiver, AListMayNotReferToAnObjectThatOwnsIt) {
+  expectRefused({u"$null"_s, Record{{u"me"_s, U(2)}, {u"$class"_s, U(3)}},
+                 Record{{u"NS.objects"_s, Table{U(1)}}, {u"$class"_s, U(4)}},
+                 classRecord(u"OwningLink"_s), classRecord(u"NSArray"_s)},
+                "root.me[0]", "contains itself");
 }
 
 TEST(KeyedUnarchiver, AConditionalObjectThatIsNowhereElseIsNothingAndPresent) {

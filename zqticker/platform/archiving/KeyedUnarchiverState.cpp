@@ -452,6 +452,8 @@ bool KeyedUnarchiverState::refersBack(Index record) {
 Any KeyedUnarchiverState::decodeValue(Uid uid, Index record, const Class& type) {
   return decodeEntry(uid, false, [&](std::size_t entry) {
     OpenScope scope(*this, record, scope_->isExact);
+    // What a container may hold is for the object to say that reads it; a placeholder only keeps.
+    scope_->mayReferBack = !scope_->isExact && scope_->enclosing->mayReferBack;
     Any value = valueOf(type.kind, record);
     entries_[entry].weight = weight_;
     entries_[entry].height = contentHeight_ + 1;
