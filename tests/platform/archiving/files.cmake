@@ -6,12 +6,14 @@ set(archiving_TESTS
     golden_archivesTest.cpp
     interchangeTest.cpp
     KeyedArchiverTest.cpp
+    KeyedUnarchiverRefusalsTest.cpp
     KeyedUnarchiverTest.cpp
     number_textTest.cpp
     PlaceholderObjectTest.cpp
     PortCoderTest.cpp
     PropertyListWriterTest.cpp
     SequentialArchiverTest.cpp
+    unarchiver_testing.h
     value_classesTest.cpp
     XmlPropertyListReaderTest.cpp
     ../../../app/commands/ArchiveCommand.cpp

@@ -11,9 +11,10 @@ ZQ_REGISTER_VALUE_CLASS(MutableAttributedString);
 
 // The text of an editable view, which archives under a name of its own.
 [[maybe_unused]] static const bool textStorageIsRegistered = [] {
-  ClassRegistry::registerClass(u"NSTextStorage"_s, []() -> Ref<Object> {
-    return std::make_shared<MutableAttributedString>();
-  });
+  ClassRegistry::registerClass(
+      u"NSTextStorage"_s,
+      []() -> Ref<Object> { return std::make_shared<MutableAttributedString>(); },
+      ClassRegistry::Cycles::Refused);
   return true;
 }();
 
