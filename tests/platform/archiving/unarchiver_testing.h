@@ -77,7 +77,8 @@ inline Any rootOf(const Table& objects) {
 
 // Decodes `record` of class Decoder by `decode`, from the binary and from the XML form.
 inline void decodeRecord(Record record, const std::function<void(Coder&)>& decode,
-                  const Table& moreObjects = {}, const KeyedUnarchiver::Options& options = {}) {
+                         const Table& moreObjects = {},
+                         const KeyedUnarchiver::Options& options = {}) {
   record.insert(u"$class"_s, U(2));
   const Table objects = Table{u"$null"_s, record, classRecord(u"Decoder"_s)} + moreObjects;
   for (const QByteArray& archive : {binaryArchive(objects), xmlArchive(objects)}) {
