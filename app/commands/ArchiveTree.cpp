@@ -33,7 +33,6 @@ KeyedUnarchiver::Options keepingOptions() {
   KeyedUnarchiver::Options options;
   options.keepUnknownClasses = true;
   options.convertNumbers = true;
-  options.classNames = {{u"NSTextStorage"_s, u"NSMutableAttributedString"_s}};
   return options;
 }
 

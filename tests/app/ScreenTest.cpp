@@ -122,9 +122,11 @@ TEST_F(Screen, IsSharpAtEveryScale) {
       for (first = 0; first < Width / 2; ++first)
         if ((screen.pixel(first, y) & 0xffffff) == 0x0000ff)
           break;
-      // The whole picture, with paper on both sides.
+      // The whole picture, with paper on both sides; the strip of the scale before, whose program
+      // has just ended, may still stand on the screen.
       return first < Width / 2 && first > 0 &&
              (screen.pixel(first - 1, y) & 0xffffff) == 0xffffff &&
+             (screen.pixel(first + side - 1, y) & 0xffffff) != 0xffffff &&
              (screen.pixel(first + side, y) & 0xffffff) == 0xffffff;
     })) << scale;
     for (int x = 0; x < side; ++x)

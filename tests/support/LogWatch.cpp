@@ -14,7 +14,6 @@ struct State {
   QMutex mutex;
   QStringList expected;
   QStringList allowed;
-  QStringList logged;
   QStringList unannounced;
 };
 
@@ -30,7 +29,6 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
   const QString line =
       QString::fromUtf8(context.category ? context.category : "") + u": " + message;
   QMutexLocker lock(&state().mutex);
-  state().logged.append(line);
   const auto contained = [&](const QString& part) { return line.contains(part); };
   auto& expected = state().expected;
   if (auto found = std::find_if(expected.begin(), expected.end(), contained);
@@ -59,7 +57,6 @@ class Listener : public ::testing::EmptyTestEventListener {
     QMutexLocker lock(&state().mutex);
     state().expected.clear();
     state().allowed.clear();
-    state().logged.clear();
     state().unannounced.clear();
   }
 };
@@ -74,11 +71,6 @@ void expectLog(const QString& part) {
 void allowLog(const QString& part) {
   QMutexLocker lock(&state().mutex);
   state().allowed.append(part);
-}
-
-QStringList loggedLines() {
-  QMutexLocker lock(&state().mutex);
-  return state().logged;
 }
 
 void installLogWatch() {

@@ -13,9 +13,6 @@ void expectLog(const QString& part);
 // Lets every log line of the running test pass that contains `part`, any number of times.
 void allowLog(const QString& part);
 
-// The warnings and errors that the running test has logged so far.
-QStringList loggedLines();
-
 // Installs the message handler and the checks at the end of each test.
 void installLogWatch();
 

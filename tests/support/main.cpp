@@ -14,9 +14,8 @@ int main(int argc, char** argv) {
   qputenv("QT_SCALE_FACTOR", "1");
   qunsetenv("QT_SCREEN_SCALE_FACTORS");
   qunsetenv("QT_QPA_PLATFORMTHEME");
-  // A test that needs a window system starts its own and says so here.
-  const QByteArray platform = qgetenv("ZQTICKER_TEST_PLATFORM");
-  qputenv("QT_QPA_PLATFORM", platform.isEmpty() ? "offscreen" : platform);
+  // Programs that a test starts on a window system of its own get another platform from it.
+  qputenv("QT_QPA_PLATFORM", "offscreen");
   QLocale::setDefault(QLocale::c());
   QApplication application(argc, argv);
   zq::testing::installLogWatch();

@@ -151,14 +151,14 @@ constexpr char TextKey[] = "ZQText";
 } // namespace
 
 void ZQComboTickerSign::encodeWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQTickerSign::encodeWithCoder(coder);
   encodePicture(coder, image_, ImageKey);
   coder.encodeObject(text_, TextKey);
 }
 
 Ref<Object> ZQComboTickerSign::initWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQTickerSign::initWithCoder(coder);
   setImage(decodePicture(coder, ImageKey));
   setText(coder.decodeObjectForKey(TextKey));

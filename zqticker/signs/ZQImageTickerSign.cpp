@@ -50,14 +50,14 @@ constexpr char TextRepresentationKey[] = "ZQTextRepresentation";
 } // namespace
 
 void ZQImageTickerSign::encodeWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQTickerSign::encodeWithCoder(coder);
   encodePicture(coder, image_, ImageKey);
   coder.encodeObject(textRepresentation_, TextRepresentationKey);
 }
 
 Ref<Object> ZQImageTickerSign::initWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQTickerSign::initWithCoder(coder);
   setImage(decodePicture(coder, ImageKey));
   setTextRepresentation(coder.decodeStringForKey(TextRepresentationKey));

@@ -60,13 +60,13 @@ constexpr char TextKey[] = "ZQText";
 } // namespace
 
 void ZQTextTickerSign::encodeWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQImageTickerSign::encodeWithCoder(coder);
   coder.encodeObject(text_, TextKey);
 }
 
 Ref<Object> ZQTextTickerSign::initWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   ZQImageTickerSign::initWithCoder(coder);
   setText(coder.decodeObjectOfClass<AttributedString>(TextKey));
   return shared_from_this();

@@ -50,7 +50,7 @@ constexpr char SignIdentifierKey[] = "ZQSignIdentifier";
 } // namespace
 
 void ZQTickerSign::encodeWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   coder.encodeInt(scrollDirection_, ScrollDirectionKey);
   coder.encodeBool(continuousScrolling_, ContinuousScrollingKey);
   // The low 32 bits only, and single precision below: the format of every archive in the field.
@@ -63,7 +63,7 @@ void ZQTickerSign::encodeWithCoder(Coder& coder) {
 }
 
 Ref<Object> ZQTickerSign::initWithCoder(Coder& coder) {
-  requireKeyedCoding(coder);
+  ZQ_REQUIRE_KEYED_CODING(coder);
   scrollDirection_ = coder.decodeIntForKey(ScrollDirectionKey);
   continuousScrolling_ = coder.decodeBoolForKey(ContinuousScrollingKey);
   loopCount_ = coder.decodeIntForKey(LoopCountKey);

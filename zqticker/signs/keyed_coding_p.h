@@ -4,5 +4,5 @@
 #include "zqticker/platform/archiving/Coder.h"
 #include "zqticker/platform/objects/AssertionHandler.h"
 
-#define requireKeyedCoding(coder)                                                                  \
+#define ZQ_REQUIRE_KEYED_CODING(coder)                                                             \
   ZQ_ASSERT((coder).allowsKeyedCoding(), QStringLiteral("keyed coding support is required"))

@@ -22,17 +22,6 @@ ClassRegistry::Registration ClassRegistry::registration(const QString& archiveNa
   return registrations().value(archiveName);
 }
 
-Ref<Object> ClassRegistry::make(const QString& archiveName) {
-  const ObjectFactory factory = registration(archiveName).factory;
-  return factory ? factory() : nullptr;
-}
-
-QStringList ClassRegistry::archiveNames() {
-  QStringList names = registrations().keys();
-  names.sort();
-  return names;
-}
-
 QString ClassRegistry::archiveNameOf(const QMetaObject& metaObject) {
   for (int i = metaObject.classInfoOffset(); i < metaObject.classInfoCount(); ++i)
     if (metaObject.classInfo(i).name() == "ArchiveName"_L1)

@@ -29,9 +29,6 @@ class ZQTICKER_EXPORT ClassRegistry {
                             Cycles cycles = Cycles::Allowed);
   // What is listed under `archiveName`; without a factory where nothing is.
   static Registration registration(const QString& archiveName);
-  // A fresh object of the class listed under `archiveName`, or null.
-  static Ref<Object> make(const QString& archiveName);
-  static QStringList archiveNames();
 
   // The name under which a class archives: its own Q_CLASSINFO("ArchiveName"), else its class
   // name without namespace.

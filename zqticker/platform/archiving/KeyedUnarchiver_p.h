@@ -101,7 +101,6 @@ class KeyedUnarchiverState {
   void resolve(Class& type, const QString& name) const;
 
   std::uint32_t& slot(Uid uid, bool exact) { return slots_[exact ? 1 : 0][uid]; }
-  std::size_t reserveEntry(Uid uid, bool exact);
   Any decode(Uid uid);
   Any decodePlain(Uid uid, Index value);
   Any decodeRecord(Uid uid, Index record);
