@@ -1,4 +1,19 @@
-set(objects_PUBLIC_HEADERS AssertionHandler.h AtomicProperty.h Exception.h Object.h Range.h
+set(objects_PUBLIC_HEADERS
+    AssertionHandler.h
+    AtomicProperty.h
+    Error.h
+    Exception.h
+    Object.h
+    Range.h
+    Selector.h
+    Target.h
     Weak.h)
 set(objects_PRIVATE_HEADERS)
-set(objects_SOURCES AssertionHandler.cpp Exception.cpp Object.cpp Weak.cpp)
+set(objects_SOURCES
+    AssertionHandler.cpp
+    Error.cpp
+    Exception.cpp
+    Object.cpp
+    Selector.cpp
+    Target.cpp
+    Weak.cpp)
