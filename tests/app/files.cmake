@@ -1,5 +1,6 @@
 set(app_SOURCES
     FakeItem.h
+    FeedParserTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
     MotionTest.cpp
