@@ -50,17 +50,31 @@ const OptionSpec& findSpec(const OptionTable& table, const QString& name, const 
 } // namespace
 
 QString ParsedOption::text() const {
+  if (isOperand())
+    return quotedForMessage(values.join(u' '));
   return quotedForMessage(u"--"_s + name + (values.isEmpty() ? u""_s : u" "_s) + values.join(u' '));
 }
 
 std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments) {
   std::vector<ParsedOption> parsed;
   QSet<QString> seen;
+  qsizetype operandCount = 0;
+  bool optionsEnded = false;
   for (qsizetype i = 0; i < arguments.size(); ++i) {
     const QString& argument = arguments[i];
-    if (!argument.startsWith("--"_L1) || argument.size() == 2)
-      throw UsageError(quotedForMessage(argument) +
-                       u": unexpected argument (see zqticker %1 --help)"_s.arg(table.command));
+    if (argument == "--"_L1 && !optionsEnded && !table.operands.isEmpty()) {
+      optionsEnded = true;
+      continue;
+    }
+    const bool isOperand = optionsEnded || argument == "-"_L1 || !argument.startsWith(u'-');
+    if (isOperand || !argument.startsWith("--"_L1) || argument.size() == 2) {
+      if (!isOperand || operandCount == table.operands.size())
+        throw UsageError(quotedForMessage(argument) +
+                         u": unexpected argument (see zqticker %1 --help)"_s.arg(table.command));
+      parsed.push_back({QString(), {argument}});
+      ++operandCount;
+      continue;
+    }
     const qsizetype equals = argument.indexOf(u'=');
     const QString name = argument.sliced(2, (equals < 0 ? argument.size() : equals) - 2);
     const OptionSpec& spec = findSpec(table, name, argument);
@@ -80,17 +94,22 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
     seen.insert(name);
     parsed.push_back(option);
   }
+  if (operandCount < table.operands.size() && !seen.contains(u"help"_s))
+    throw UsageError(
+        u"%1: missing (see zqticker %2 --help)"_s.arg(table.operands[operandCount], table.command));
   return parsed;
 }
 
 QString helpText(const OptionTable& table) {
-  QString text = u"Usage: zqticker %1 [OPTION]...\n%2\n\nOptions:\n"_s.arg(
-      table.command, wrapped(table.summary, 0));
+  QString usage = table.command + u" [OPTION]..."_s;
+  for (const QString& operand : table.operands)
+    usage += u' ' + operand;
+  QString text = u"Usage: zqticker %1\n%2\n\nOptions:\n"_s.arg(usage, wrapped(table.summary, 0));
   for (const OptionSpec& spec : table.options) {
-    const QString usage = u"  "_s + usageOf(spec);
-    text += usage;
-    text += usage.size() + 2 > HelpColumn ? u'\n' + QString(HelpColumn, u' ')
-                                          : QString(HelpColumn - usage.size(), u' ');
+    const QString option = u"  "_s + usageOf(spec);
+    text += option;
+    text += option.size() + 2 > HelpColumn ? u'\n' + QString(HelpColumn, u' ')
+                                           : QString(HelpColumn - option.size(), u' ');
     text += wrapped(spec.help, HelpColumn) + u'\n';
   }
   for (const QString& note : table.notes)

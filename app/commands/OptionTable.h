@@ -20,21 +20,26 @@ struct OptionTable {
   QString command;
   QString summary;
   std::vector<OptionSpec> options;
-  QStringList notes;    // paragraphs after the options
-  QStringList examples; // command lines, each followed by its explanation
+  QStringList notes;      // paragraphs after the options
+  QStringList examples;   // command lines, each followed by its explanation
+  QStringList operands{}; // what stands beside the options, by name; all are needed
 };
 
+// An option with its values, or an operand: no name, one value.
 struct ParsedOption {
   QString name;
   QStringList values;
+
+  bool isOperand() const { return name.isEmpty(); }
 
   // The option as the user wrote it, for messages: "--speed abc".
   QString text() const;
 };
 
 // Reads `arguments` in order. A value is the argument after the option, whatever it looks like, or
-// what follows "=" in it. UsageError for an unknown option, a missing or surplus value, an option
-// given twice that may stand only once, and an argument that belongs to no option.
+// what follows "=" in it; after "--" all arguments are operands. UsageError for an unknown option,
+// a missing or surplus value, an option given twice that may stand only once, a surplus operand,
+// and, unless help is asked for, a missing one.
 std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments);
 
 // Usage line, options, notes and examples.

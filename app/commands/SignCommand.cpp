@@ -1,6 +1,7 @@
 #include "app/commands/SignCommand.h"
 
 #include "app/commands/failures.h"
+#include "app/commands/output_files.h"
 #include "app/commands/sign_loading.h"
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/graphics/Color.h"
@@ -10,8 +11,6 @@
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
-
-#include <QtCore/QSaveFile>
 
 using namespace Qt::StringLiterals;
 
@@ -45,13 +44,6 @@ Ref<ZQTickerSign> makeSign(const SignOptions& options) {
   return style.isEmpty() ? ZQComboTickerSign::make(text, image)
                          : ZQComboTickerSign::make(any(AttributedString::make(text, style)), image);
 }
-
-void writeArchive(const QByteArray& archive, const QString& path) {
-  QSaveFile file(path);
-  if (!file.open(QIODevice::WriteOnly) || file.write(archive) != archive.size() || !file.commit())
-    throw RunTimeError(u"--output "_s + quotedForMessage(path) + u": cannot write: "_s +
-                       file.errorString());
-}
 } // namespace
 
 int signCommand(const QStringList& arguments) {
@@ -66,7 +58,7 @@ int signCommand(const QStringList& arguments) {
     sign->setActionType(OpenLocation);
     sign->setActionString(options.action);
   }
-  writeArchive(KeyedArchiver::archivedDataWithRootObject(sign), options.output);
+  writeOutputFile(u"--output"_s, options.output, KeyedArchiver::archivedDataWithRootObject(sign));
   return Success;
 }
 

@@ -27,16 +27,23 @@ const OptionTable& table() {
   return options;
 }
 
-QString parsed(const QStringList& arguments) {
+const OptionTable& tableWithOperands() {
+  static const OptionTable options{
+      u"test"_s, u"Tests."_s, {{u"flag"_s, {}, u"No value."_s}, {u"help"_s, {}, u"Help."_s}},
+      {},        {},          {u"FROM"_s, u"TO"_s}};
+  return options;
+}
+
+QString parsed(const QStringList& arguments, const OptionTable& options = table()) {
   QString text;
-  for (const ParsedOption& option : parseOptions(table(), arguments))
+  for (const ParsedOption& option : parseOptions(options, arguments))
     text += option.name + u'(' + option.values.join(u',') + u')';
   return text;
 }
 
-QString failureOf(const QStringList& arguments) {
+QString failureOf(const QStringList& arguments, const OptionTable& options = table()) {
   try {
-    parseOptions(table(), arguments);
+    parseOptions(options, arguments);
   } catch (const UsageError& error) {
     EXPECT_EQ(error.status(), UsageFailure);
     return error.message();
@@ -65,6 +72,32 @@ TEST(OptionTable, RefusesWhatItDoesNotKnow) {
   EXPECT_EQ(failureOf({u"file"_s}), u"file: unexpected argument (see zqticker test --help)"_s);
   EXPECT_EQ(failureOf({u"--"_s}), u"--: unexpected argument (see zqticker test --help)"_s);
   EXPECT_EQ(failureOf({u"-x"_s}), u"-x: unexpected argument (see zqticker test --help)"_s);
+}
+
+TEST(OptionTable, TakesOperandsAmongOptions) {
+  EXPECT_EQ(parsed({u"a"_s, u"--flag"_s, u"-"_s}, tableWithOperands()), u"(a)flag()(-)"_s);
+}
+
+TEST(OptionTable, TakesEverythingAfterTwoDashesAsOperands) {
+  EXPECT_EQ(parsed({u"--flag"_s, u"--"_s, u"--flag"_s, u"-x"_s}, tableWithOperands()),
+            u"flag()(--flag)(-x)"_s);
+}
+
+TEST(OptionTable, RefusesAMissingOrASurplusOperand) {
+  EXPECT_EQ(failureOf({u"a"_s}, tableWithOperands()), u"TO: missing (see zqticker test --help)"_s);
+  EXPECT_EQ(failureOf({u"a"_s, u"b"_s, u"c"_s}, tableWithOperands()),
+            u"c: unexpected argument (see zqticker test --help)"_s);
+  EXPECT_EQ(failureOf({u"-x"_s, u"b"_s}, tableWithOperands()),
+            u"-x: unexpected argument (see zqticker test --help)"_s);
+}
+
+TEST(OptionTable, AsksForNoOperandBesideHelp) {
+  EXPECT_EQ(parsed({u"--help"_s}, tableWithOperands()), u"help()"_s);
+}
+
+TEST(OptionTable, ShowsOperandsInTheUsageLine) {
+  EXPECT_TRUE(
+      helpText(tableWithOperands()).startsWith("Usage: zqticker test [OPTION]... FROM TO\n"_L1));
 }
 
 TEST(OptionTable, RefusesAMissingOrASurplusValue) {

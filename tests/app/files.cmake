@@ -16,4 +16,5 @@ set(app_SOURCES
     TickerDisplayTest.cpp
     XServer.cpp
     XServer.h
+    output_filesTest.cpp
     sign_placementTest.cpp)

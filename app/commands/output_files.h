@@ -1,0 +1,17 @@
+// Files that a command writes: complete, or not there.
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+
+namespace zq::app {
+
+// Writes `bytes` to the file `path` named by `option` ("--output"): under a temporary name beside
+// it, then renamed. What is no plain file (a device, a pipe) is written directly. RunTimeError
+// naming option and file where that fails; a file that was there before is unchanged then.
+void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes);
+
+// Writes `bytes` to standard output and flushes it. RunTimeError where that fails.
+void writeStandardOutput(const QByteArray& bytes);
+
+} // namespace zq::app
