@@ -53,11 +53,12 @@ Strip::Event Strip::nextEvent() const {
   const double clear = std::max(now_, motion_.timeAt(lastEnd_));
   const Entry fresh = queue_.fresh();
   const Entry again = queue_.again();
+  const bool againIsFirst = again && (!fresh || again->ticket < fresh->ticket);
   if (const Entry returned = queue_.returned()) {
     event = {Event::Kind::Start, clear, returned};
-  } else if (again && again->round == round_ && (!fresh || endOfRound(*again) <= clear)) {
+  } else if (againIsFirst && again->round == round_ && (!fresh || endOfRound(*again) <= clear)) {
     event = {Event::Kind::EndOfRound, endOfRound(*again), again};
-  } else if (again && again->round != round_ && (!fresh || again->ticket < fresh->ticket)) {
+  } else if (againIsFirst && again->round != round_) {
     event = {Event::Kind::Start, clear, again};
   } else if (fresh) {
     event = {Event::Kind::Start, clear, fresh};

@@ -1,5 +1,7 @@
 #include "app/display/StripQueue.h"
 
+#include <algorithm>
+
 namespace zq::app {
 
 StripQueue::Line& StripQueue::lineOf(Entry::Place place) {
@@ -20,10 +22,52 @@ void StripQueue::add(const EntryRef& entry) {
   entry->listPlace = fresh_.insert(fresh_.end(), entry);
 }
 
-void StripQueue::append(std::shared_ptr<StripItem> item) {
+StripQueue::EntryRef StripQueue::append(std::shared_ptr<StripItem> item) {
   const auto entry = std::make_shared<Entry>();
   entry->item = std::move(item);
   add(entry);
+  return entry;
+}
+
+StripQueue::EntryRef StripQueue::appendArranged(std::shared_ptr<StripItem> item) {
+  // The turn of the last fresh entry, or of the one that would be next.
+  const EntryRef before = fresh_.empty() ? again() : fresh_.back();
+  const EntryRef entry = append(std::move(item));
+  if (before)
+    entry->ticket = before->ticket;
+  entry->rank = nextRank_++;
+  return entry;
+}
+
+void StripQueue::arrange(const std::vector<EntryRef>& order) {
+  nextRank_ = 1;
+  for (const EntryRef& entry : order)
+    entry->rank = nextRank_++;
+  sortArranged(fresh_);
+  sortArranged(again_);
+}
+
+// The arranged entries change places among themselves. Rounds stay apart: what has been shown in
+// this one comes behind what has not.
+void StripQueue::sortArranged(Line& line) {
+  std::vector<Line::iterator> places;
+  std::vector<EntryRef> entries;
+  for (auto place = line.begin(); place != line.end(); ++place)
+    if ((*place)->rank != 0) {
+      places.push_back(place);
+      entries.push_back(*place);
+    }
+  std::vector<std::uint64_t> tickets;
+  for (const EntryRef& entry : entries)
+    tickets.push_back(entry->ticket);
+  std::stable_sort(entries.begin(), entries.end(), [](const EntryRef& a, const EntryRef& b) {
+    return a->round != b->round ? a->round < b->round : a->rank < b->rank;
+  });
+  for (std::size_t i = 0; i < places.size(); ++i) {
+    entries[i]->ticket = tickets[i];
+    entries[i]->listPlace = places[i];
+    *places[i] = entries[i];
+  }
 }
 
 void StripQueue::appendDroppable(std::shared_ptr<StripItem> item, std::size_t cost) {
@@ -70,10 +114,37 @@ void StripQueue::take(const EntryRef& entry) {
   detach(kept);
 }
 
+StripQueue::EntryRef StripQueue::replace(const EntryRef& entry, std::shared_ptr<StripItem> item) {
+  if (!entry->isWaiting())
+    return nullptr;
+  const EntryRef old = entry;
+  const auto successor = std::make_shared<Entry>(*old);
+  successor->item = std::move(item);
+  successor->onStrip = 0;
+  if (old->place == Entry::Place::Resting)
+    old->restPlace->second = successor;
+  else
+    *old->listPlace = successor;
+  if (old->droppable)
+    *old->dropPlace = successor.get();
+  old->place = Entry::Place::None;
+  return successor;
+}
+
 void StripQueue::putAgain(const EntryRef& entry) {
   entry->ticket = nextTicket_++;
   entry->place = Entry::Place::Again;
-  entry->listPlace = again_.insert(again_.end(), entry);
+  auto behind = again_.end();
+  for (auto place = again_.end(); entry->rank != 0 && place != again_.begin();) {
+    const Entry& other = **--place;
+    if (other.round != entry->round || (other.rank != 0 && other.rank < entry->rank))
+      break;
+    if (other.rank != 0)
+      behind = place;
+  }
+  if (behind != again_.end())
+    entry->ticket = (*behind)->ticket;
+  entry->listPlace = again_.insert(behind, entry);
   if (!entry->droppable)
     return;
   entry->dropPlace = shownDroppable_.insert(shownDroppable_.end(), entry.get());

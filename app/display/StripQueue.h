@@ -9,14 +9,18 @@
 #include <list>
 #include <map>
 #include <memory>
+#include <vector>
 
 namespace zq::app {
 
 // Waiting items by kind of wait, in order. Every operation takes constant time, or logarithmic
-// time in the number of resting items, whatever the length of the queue.
+// time in the number of resting items, whatever the length of the queue; but for `arrange`.
 //
 // An item arrives fresh; once shown, it waits again for its next round, or rests until its delay
 // is over and has then returned.
+//
+// Some items are arranged: they have an order among themselves, which every round follows. A new
+// one is shown soon, in the round that is under way, and keeps to the order from the next round on.
 class StripQueue {
  public:
   struct Entry {
@@ -29,6 +33,7 @@ class StripQueue {
     bool continuous = false;
 
     bool isDroppable() const { return droppable; }
+    bool isWaiting() const { return place != Place::None; }
 
    private:
     friend class StripQueue;
@@ -36,6 +41,7 @@ class StripQueue {
     Place place = Place::None;
     bool droppable = false;
     std::size_t cost = 0;
+    std::uint64_t rank = 0; // in the order of the arranged entries, from 1 on; 0 for the others
     std::list<std::shared_ptr<Entry>>::iterator listPlace;
     std::multimap<double, std::shared_ptr<Entry>>::iterator restPlace;
     std::list<Entry*>::iterator dropPlace;
@@ -47,7 +53,14 @@ class StripQueue {
   void setLimits(std::size_t droppableItems, std::size_t droppableCost);
 
   // Adds an item that stays until it has been shown.
-  void append(std::shared_ptr<StripItem> item);
+  EntryRef append(std::shared_ptr<StripItem> item);
+  // The same for one that is last among the arranged ones. It is shown behind what is fresh,
+  // before what waits again.
+  EntryRef appendArranged(std::shared_ptr<StripItem> item);
+  // Gives the arranged entries the order of `order`, which names all of them that wait. What waits
+  // is put into that order; where others stand between, they keep their turns. Takes time in
+  // proportion to the length of the queue.
+  void arrange(const std::vector<EntryRef>& order);
   // Adds an item that makes room when a limit is passed: the longest shown droppable item goes
   // first, then the oldest waiting one. An item never goes while it is on the strip for the first
   // time; one that waits for another round loses only its further rounds. The item added last
@@ -62,9 +75,13 @@ class StripQueue {
   // When the first resting entry is ready; infinity where none rests.
   double restingUntil() const;
 
-  // Takes an entry out to be shown.
+  // Takes an entry out, to be shown or for good.
   void take(const EntryRef& entry);
-  // Puts a shown entry behind all that wait now.
+  // Puts `item` into the place of a waiting entry, which is taken out: with its turn, its order and
+  // the showings it has had. What is on the strip stays there. Null where the entry does not wait.
+  EntryRef replace(const EntryRef& entry, std::shared_ptr<StripItem> item);
+  // Puts a shown entry behind all that wait now, an arranged one into its order among those of its
+  // round.
   void putAgain(const EntryRef& entry);
   // Lets the entry rest until `time`.
   void rest(const EntryRef& entry, double time);
@@ -91,6 +108,7 @@ class StripQueue {
   static EntryRef frontOf(const Line& line) { return line.empty() ? nullptr : line.front(); }
   Line& lineOf(Entry::Place place);
   void add(const EntryRef& entry);
+  static void sortArranged(Line& line);
   void detach(const EntryRef& entry);
   void makeRoom();
 
@@ -104,6 +122,7 @@ class StripQueue {
   std::size_t itemLimit_ = std::numeric_limits<std::size_t>::max();
   std::size_t costLimit_ = std::numeric_limits<std::size_t>::max();
   std::uint64_t nextTicket_ = 1;
+  std::uint64_t nextRank_ = 1;
   std::uint64_t dropped_ = 0;
 };
 

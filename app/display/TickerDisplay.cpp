@@ -138,14 +138,71 @@ void TickerDisplay::prepare(ZQTickerSign& sign) {
   textSign->updateBuffer();
 }
 
+// Lets happen what is due before signs are added or changed. Several changes at one time count as
+// one: nothing enters between them.
+void TickerDisplay::catchUp(double time) {
+  if (time > strip_.time())
+    strip_.advanceTo(time);
+}
+
 void TickerDisplay::addSign(Ref<ZQTickerSign> sign, double time) {
-  strip_.advanceTo(time);
+  catchUp(time);
   prepare(*sign);
-  strip_.queue().append(std::make_shared<SignItem>(*this, std::move(sign)));
+  remember(*sign, strip_.queue().append(std::make_shared<SignItem>(*this, sign)));
+}
+
+void TickerDisplay::addArrangedSign(Ref<ZQTickerSign> sign, double time) {
+  catchUp(time);
+  prepare(*sign);
+  remember(*sign, strip_.queue().appendArranged(std::make_shared<SignItem>(*this, sign)));
+}
+
+void TickerDisplay::arrangeSigns(const QStringList& identifiers, double time) {
+  catchUp(time);
+  std::vector<Strip::Entry> order;
+  for (const QString& identifier : identifiers)
+    if (const Strip::Entry entry = waitingEntry(identifier))
+      order.push_back(entry);
+  strip_.queue().arrange(order);
+}
+
+bool TickerDisplay::replaceSign(Ref<ZQTickerSign> sign, double time) {
+  catchUp(time);
+  const Strip::Entry entry = waitingEntry(sign->identifier().value_or(QString()));
+  if (!entry)
+    return false;
+  prepare(*sign);
+  remember(*sign, strip_.queue().replace(entry, std::make_shared<SignItem>(*this, sign)));
+  return true;
+}
+
+bool TickerDisplay::removeSign(const QString& identifier, double time) {
+  catchUp(time);
+  const Strip::Entry entry = waitingEntry(identifier);
+  if (!entry)
+    return false;
+  named_.remove(identifier);
+  strip_.queue().take(entry);
+  return true;
+}
+
+Strip::Entry TickerDisplay::waitingEntry(const QString& identifier) const {
+  const Strip::Entry entry = named_.value(identifier).lock();
+  return entry && entry->isWaiting() ? entry : nullptr;
+}
+
+void TickerDisplay::remember(const ZQTickerSign& sign, const Strip::Entry& entry) {
+  if (!sign.identifier())
+    return;
+  if (named_.size() >= mostNamed_) {
+    named_.removeIf([](const auto& named) { return named.value().expired(); });
+    mostNamed_ = std::max(mostNamed_, 2 * named_.size());
+  }
+  named_.insert(*sign.identifier(), entry);
 }
 
 void TickerDisplay::addLine(const QString& line, double time, const LoopRule& rule) {
-  strip_.advanceTo(time);
+  catchUp(time);
   strip_.queue().appendDroppable(std::make_shared<SignItem>(*this, line, rule),
                                  static_cast<std::size_t>(line.size()));
 }

@@ -7,7 +7,9 @@
 #include "app/display/sign_placement.h"
 #include "zqticker/signs/ZQTickerDisplayProtocol.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QString>
+#include <QtCore/QStringList>
 
 class ZQTickerSign;
 
@@ -60,6 +62,19 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Adds a sign behind the others at `time`. It takes the strip's scroll direction and this
   // display, and a text sign renders its buffer for it.
   void addSign(platform::Ref<ZQTickerSign> sign, double time);
+  // The same for a sign that is last among the arranged ones: every round shows these in one order,
+  // that of arrangeSigns. It is shown before those that wait for another showing.
+  void addArrangedSign(platform::Ref<ZQTickerSign> sign, double time);
+  // Gives the arranged signs the order of `identifiers`, which names all of them; others are passed
+  // over. Nothing on the strip moves.
+  void arrangeSigns(const QStringList& identifiers, double time);
+  // A sign that waits is known by its identifier; of several with the same, the one added last.
+  // Lets `sign` take over from the one with its identifier, in its place and with the showings it
+  // has had. One that is on the strip goes on to its end. False where none waits.
+  bool replaceSign(platform::Ref<ZQTickerSign> sign, double time);
+  // Takes the sign out, once it has left where it is on the strip. False where none waits.
+  bool removeSign(const QString& identifier, double time);
+
   // Adds a line of text in the default font and color. Lines are limited as stated above: for a
   // new one the line that was shown longest ago goes, then the oldest waiting one.
   void addLine(const QString& line, double time, const LoopRule& rule = {});
@@ -86,7 +101,10 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   class TextSignDisplay;
 
   double extent() const { return horizontal_ ? size_.width() : size_.height(); }
+  void catchUp(double time);
   void prepare(ZQTickerSign& sign);
+  Strip::Entry waitingEntry(const QString& identifier) const;
+  void remember(const ZQTickerSign& sign, const Strip::Entry& entry);
   void markForLayout();
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
@@ -98,6 +116,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   double scale_ = 1;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
   Strip strip_;
+  // Entries that wait or are on the strip, and some that have gone.
+  QHash<QString, std::weak_ptr<StripQueue::Entry>> named_;
+  qsizetype mostNamed_ = 64; // more are looked through for those that have gone
   StripTiles tiles_;
   StripFrame frame_;
   qint64 frameOffset_ = 0;

@@ -442,3 +442,121 @@ TEST(TickerDisplay, ScrollsAVerticalStripUpwards) {
   EXPECT_EQ(image.pixel(50, 162), qRgb(255, 255, 255)) << "the gap";
   EXPECT_EQ(image.pixel(50, 163), qRgb(0, 0, 255));
 }
+
+namespace {
+Ref<ZQImageTickerSign> named(const QString& identifier, QColor color) {
+  const auto sign = picture(20, 24, color);
+  sign->setIdentifier(identifier);
+  sign->setLoopCount(ZQEndlessLoopCount);
+  sign->setContinuousScrolling(true);
+  return sign;
+}
+
+const QRgb Red = qRgb(255, 0, 0);
+const QRgb Green = qRgb(0, 255, 0);
+const QRgb Blue = qRgb(0, 0, 255);
+const QRgb Black = qRgb(0, 0, 0);
+
+// The colors at the places of the first signs, 32 points apart, counted from the strip's far edge.
+std::vector<QRgb> colorsOf(const QImage& image, int count) {
+  std::vector<QRgb> colors;
+  for (int i = 0; i < count; ++i)
+    colors.push_back(image.pixel(32 * i + 10, 12));
+  return colors;
+}
+} // namespace
+
+TEST(TickerDisplay, ShowsSignsThatAreAddedTogetherBeforeAnyOfThemAgain) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 3), (std::vector<QRgb>{Red, Green, Red}));
+}
+
+TEST(TickerDisplay, ReplacesAWaitingSignInItsPlace) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  display.addSign(named(u"c"_s, Qt::blue), 0);
+  display.advanceTo(0.1);
+  EXPECT_TRUE(display.replaceSign(named(u"b"_s, Qt::black), 0.1));
+  EXPECT_FALSE(display.replaceSign(named(u"nobody"_s, Qt::black), 0.1));
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 3), (std::vector<QRgb>{Red, Black, Blue}));
+}
+
+TEST(TickerDisplay, LetsAReplacedSignOnTheStripGoOnToItsEnd) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  const QImage before = shown(display, 60 / Speed);
+  EXPECT_TRUE(display.replaceSign(named(u"a"_s, Qt::black), 60 / Speed));
+  EXPECT_EQ(shown(display, 60 / Speed), before) << "nothing jumps";
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 3), (std::vector<QRgb>{Red, Green, Black}));
+  EXPECT_EQ(colorsOf(shown(display, 160 / Speed), 3), (std::vector<QRgb>{Black, Green, Black}));
+}
+
+TEST(TickerDisplay, RemovesASignOnceItHasLeft) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  const auto removed = named(u"a"_s, Qt::red);
+  display.addSign(removed, 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  const QImage before = shown(display, 60 / Speed);
+  EXPECT_TRUE(display.removeSign(u"a"_s, 60 / Speed));
+  EXPECT_FALSE(display.removeSign(u"a"_s, 60 / Speed));
+  EXPECT_EQ(shown(display, 60 / Speed), before) << "nothing jumps";
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 3), (std::vector<QRgb>{Red, Green, Green}));
+  display.advanceTo(10);
+  EXPECT_EQ(removed.use_count(), 1) << "the display holds it no longer";
+}
+
+TEST(TickerDisplay, RemovesASignThatHasNotBeenShown) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  display.advanceTo(0.1);
+  EXPECT_TRUE(display.removeSign(u"b"_s, 0.1));
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 2), (std::vector<QRgb>{Red, Red}));
+}
+
+TEST(TickerDisplay, ShowsArrangedSignsInTheirOrderInEveryRound) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addArrangedSign(named(u"a"_s, Qt::red), 0);
+  display.addArrangedSign(named(u"b"_s, Qt::green), 0);
+  display.addArrangedSign(named(u"c"_s, Qt::blue), 0);
+  display.arrangeSigns({u"c"_s, u"b"_s, u"nobody"_s, u"a"_s}, 0);
+  EXPECT_EQ(colorsOf(shown(display, 96 / Speed), 3), (std::vector<QRgb>{Blue, Green, Red}));
+  EXPECT_EQ(colorsOf(shown(display, 192 / Speed), 3), (std::vector<QRgb>{Blue, Green, Red}));
+}
+
+TEST(TickerDisplay, ShowsANewArrangedSignNextAndThenInItsOrder) {
+  TickerDisplay display;
+  setUp(display, QSizeF(128, 24));
+  display.addArrangedSign(named(u"a"_s, Qt::red), 0);
+  display.addArrangedSign(named(u"b"_s, Qt::green), 0);
+  display.addArrangedSign(named(u"c"_s, Qt::blue), 0);
+  display.advanceTo(50 / Speed); // a has entered, b enters
+  display.addArrangedSign(named(u"n"_s, Qt::black), 50 / Speed);
+  display.arrangeSigns({u"n"_s, u"a"_s, u"b"_s, u"c"_s}, 50 / Speed);
+  EXPECT_EQ(colorsOf(shown(display, 128 / Speed), 4), (std::vector<QRgb>{Red, Green, Black, Blue}));
+  EXPECT_EQ(colorsOf(shown(display, 256 / Speed), 4), (std::vector<QRgb>{Black, Red, Green, Blue}));
+}
+
+TEST(TickerDisplay, ForgetsTheNamesOfSignsThatHaveGone) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  const auto sign = named(u"once"_s, Qt::red);
+  sign->setLoopCount(1);
+  display.addSign(sign, 0);
+  display.advanceTo(1);
+  EXPECT_FALSE(display.removeSign(u"once"_s, 1)) << "it does not wait";
+  display.advanceTo(10);
+  EXPECT_TRUE(display.isFinished());
+  EXPECT_FALSE(display.replaceSign(named(u"once"_s, Qt::blue), 10));
+  EXPECT_TRUE(display.isFinished());
+}
