@@ -1,2 +1,11 @@
-# Feeds: what is read from them.
-set(feed_SOURCES services/Feed.h services/FeedParser.cpp services/FeedParser.h)
+# Feeds: what is read from them, when, and what is shown of them.
+set(feed_SOURCES
+    services/Feed.h
+    services/FeedParser.cpp
+    services/FeedParser.h
+    services/FeedSchedule.cpp
+    services/FeedSchedule.h
+    services/feed_items.cpp
+    services/feed_items.h
+    services/response_hints.cpp
+    services/response_hints.h)

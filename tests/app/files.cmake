@@ -1,6 +1,7 @@
 set(app_SOURCES
     FakeItem.h
     FeedParserTest.cpp
+    FeedScheduleTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
     MotionTest.cpp
@@ -16,5 +17,7 @@ set(app_SOURCES
     TickerDisplayTest.cpp
     XServer.cpp
     XServer.h
+    feed_itemsTest.cpp
     output_filesTest.cpp
+    response_hintsTest.cpp
     sign_placementTest.cpp)
