@@ -1,0 +1,1 @@
+set(net_SOURCES HttpServerTest.cpp)
