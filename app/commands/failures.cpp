@@ -1,5 +1,7 @@
 #include "app/commands/failures.h"
 
+#include "app/intake/SilencedStandardError.h"
+
 #include <algorithm>
 #include <cstdio>
 
@@ -29,6 +31,7 @@ QString quotedForMessage(const QString& argument) {
 
 void printError(const QString& message) {
   const QByteArray line = QString(u"zqticker: "_s + onOneLine(message) + u'\n').toUtf8();
+  const std::lock_guard spoken(SilencedStandardError::mutex());
   std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
 }
 

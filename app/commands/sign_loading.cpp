@@ -1,7 +1,7 @@
 #include "app/commands/sign_loading.h"
 
-#include "app/commands/SilencedStandardError.h"
 #include "app/commands/failures.h"
+#include "app/intake/SilencedStandardError.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"

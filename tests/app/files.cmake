@@ -2,6 +2,7 @@ set(app_SOURCES
     FakeItem.h
     FeedParserTest.cpp
     FeedScheduleTest.cpp
+    FeedSignsTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
     MotionTest.cpp
@@ -19,5 +20,6 @@ set(app_SOURCES
     XServer.h
     feed_itemsTest.cpp
     output_filesTest.cpp
+    picture_decodingTest.cpp
     response_hintsTest.cpp
     sign_placementTest.cpp)

@@ -1,4 +1,4 @@
-#include "app/commands/SilencedStandardError.h"
+#include "app/intake/SilencedStandardError.h"
 
 #include <cstdio>
 
@@ -7,7 +7,12 @@
 
 namespace zq::app {
 
-SilencedStandardError::SilencedStandardError() {
+std::recursive_mutex& SilencedStandardError::mutex() {
+  static std::recursive_mutex instance;
+  return instance;
+}
+
+SilencedStandardError::SilencedStandardError() : lock_(mutex()) {
   std::fflush(stderr);
   const int nothing = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   if (nothing < 0)
