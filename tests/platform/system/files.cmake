@@ -1,0 +1,1 @@
+set(system_TESTS URLRequestTest.cpp URLResponseTest.cpp)

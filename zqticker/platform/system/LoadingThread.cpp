@@ -1,0 +1,107 @@
+#include "zqticker/platform/system/LoadingThread_p.h"
+
+#include "zqticker/platform/system/URLLoading_p.h"
+
+#include <QtCore/QCoreApplication>
+#include <QtCore/QEvent>
+#include <QtCore/QEventLoop>
+#include <QtCore/QThread>
+
+#include <utility>
+
+namespace zq::platform {
+
+namespace {
+// Larger buffers are not kept between uses.
+constexpr qsizetype MostSpareBytes = qsizetype(1) << 20;
+
+// A plain pointer, so that it can be read after the thread's other objects have gone.
+thread_local LoadingThread* ofThisThread = nullptr;
+
+void endThisThread() {
+  delete std::exchange(ofThisThread, nullptr);
+}
+
+// For threads that end without Qt's knowledge.
+struct EndWithThread {
+  ~EndWithThread() { endThisThread(); }
+};
+} // namespace
+
+LoadingThread& LoadingThread::current() {
+  if (!ofThisThread) {
+    thread_local const EndWithThread endWithThread;
+    static_cast<void>(endWithThread);
+    ofThisThread = new LoadingThread;
+  }
+  return *ofThisThread;
+}
+
+LoadingThread::LoadingThread() {
+  // Makes the thread's event dispatcher, without which there are no notifiers and timers.
+  const QEventLoop loop;
+  // Both come while the dispatcher is still there.
+  connect(QThread::currentThread(), &QThread::finished, this, endThisThread, Qt::DirectConnection);
+  if (QCoreApplication::instance() && thread() == QCoreApplication::instance()->thread())
+    qAddPostRoutine(endThisThread);
+}
+
+LoadingThread::~LoadingThread() {
+  ready_.clear();
+  const auto loadings = std::exchange(loadings_, {});
+  for (const std::shared_ptr<URLLoading>& loading : loadings)
+    loading->cancel();
+}
+
+void LoadingThread::add(const std::shared_ptr<URLLoading>& loading) {
+  loadings_.insert(loading);
+}
+
+void LoadingThread::remove(const std::shared_ptr<URLLoading>& loading) {
+  loadings_.erase(loading);
+}
+
+void LoadingThread::deliverLater(const std::shared_ptr<URLLoading>& loading) {
+  ready_.push_back(loading);
+  if (openRounds_ > 0 || isEventPosted_)
+    return;
+  isEventPosted_ = true;
+  QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+bool LoadingThread::event(QEvent* event) {
+  if (event->type() != QEvent::User)
+    return QObject::event(event);
+  isEventPosted_ = false;
+  deliver();
+  return true;
+}
+
+void LoadingThread::deliver() {
+  // One at a time out of the common queue: an event loop that a delegate runs goes on with the
+  // rest, and then nothing is left to do here. Such a loop may also end this thread's loading.
+  const LoadingThread* self = this;
+  while (ofThisThread == self && !ready_.empty()) {
+    const std::shared_ptr<URLLoading> loading = std::move(ready_.front());
+    ready_.pop_front();
+    loading->deliver();
+  }
+}
+
+LoadingThread::Round::~Round() {
+  if (--thread_.openRounds_ == 0)
+    thread_.deliver();
+}
+
+QByteArray LoadingThread::takeBuffer() {
+  return std::exchange(spareBuffer_, QByteArray());
+}
+
+void LoadingThread::giveBackBuffer(QByteArray&& buffer) {
+  if (buffer.capacity() > MostSpareBytes || buffer.capacity() <= spareBuffer_.capacity())
+    return;
+  spareBuffer_ = std::move(buffer);
+  spareBuffer_.resize(0);
+}
+
+} // namespace zq::platform

@@ -1,0 +1,33 @@
+#include "zqticker/platform/system/URLResponse.h"
+
+#include "zqticker/platform/system/http_fields_p.h"
+
+namespace zq::platform {
+
+URLResponse::URLResponse(const QUrl& url, int statusCode, const HTTPHeaderFields& headerFields,
+                         const QString& contentType, qint64 expectedContentLength)
+    : url_(url), statusCode_(statusCode), headerFields_(headerFields),
+      expectedContentLength_(expectedContentLength) {
+  ContentType type = contentTypeFromText(contentType);
+  mimeType_ = std::move(type.mimeType);
+  textEncodingName_ = std::move(type.charset);
+}
+
+Ref<URLResponse> URLResponse::make(const QUrl& url, int statusCode,
+                                   const HTTPHeaderFields& headerFields) {
+  return Ref<URLResponse>(
+      new URLResponse(url, statusCode, headerFields,
+                      valueOfField(headerFields, u"Content-Type").value_or(QString()),
+                      isContentEncoded(headerFields) ? -1 : announcedLength(headerFields)));
+}
+
+Ref<URLResponse> URLResponse::make(const QUrl& url, const QString& contentType,
+                                   qint64 expectedContentLength) {
+  return Ref<URLResponse>(new URLResponse(url, 0, {}, contentType, expectedContentLength));
+}
+
+std::optional<QString> URLResponse::valueForHTTPHeaderField(QStringView name) const {
+  return valueOfField(headerFields_, name);
+}
+
+} // namespace zq::platform

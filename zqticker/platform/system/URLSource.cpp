@@ -1,0 +1,27 @@
+#include "zqticker/platform/system/URLSource_p.h"
+
+#include "zqticker/platform/system/data_source_p.h"
+#include "zqticker/platform/system/url_errors.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zq::platform {
+
+URLSource::~URLSource() = default;
+
+std::unique_ptr<URLSource> startSource(const SourceRequest& request, URLSourceClient& client) {
+  const QUrl& url = request.request->URL();
+  const QString scheme = url.scheme();
+  if (scheme == "data"_L1) {
+    tellDataAddress(url, client);
+    return nullptr;
+  }
+  failSource(client, UnsupportedURL, "unsupported URL scheme: "_L1 + scheme, url);
+  return nullptr;
+}
+
+void failSource(URLSourceClient& client, int code, const QString& text, const QUrl& url) {
+  client.sourceFailed(Error::make(URLErrorDomain, code, text, url));
+}
+
+} // namespace zq::platform
