@@ -1,8 +1,26 @@
-set(system_PUBLIC_HEADERS URLConnection.h URLRequest.h URLResponse.h url_errors.h)
-set(system_PRIVATE_HEADERS LoadingThread_p.h URLLoading_p.h URLSource_p.h data_source_p.h
-                           http_fields_p.h redirects_p.h)
+set(system_PUBLIC_HEADERS URLCache.h URLConnection.h URLRequest.h URLResponse.h url_errors.h)
+set(system_PRIVATE_HEADERS
+    HTTPCacheEntry_p.h
+    HTTPCacheStore_p.h
+    http_cache_control_p.h
+    http_dates_p.h
+    http_freshness_p.h
+    http_header_fields_p.h
+    LoadingThread_p.h
+    URLLoading_p.h
+    URLSource_p.h
+    data_source_p.h
+    http_fields_p.h
+    redirects_p.h)
 set(system_SOURCES
+    HTTPCacheEntry.cpp
+    HTTPCacheStore.cpp
+    http_cache_control.cpp
+    http_dates.cpp
+    http_freshness.cpp
+    http_header_fields.cpp
     LoadingThread.cpp
+    URLCache.cpp
     URLConnection.cpp
     URLLoading.cpp
     URLRequest.cpp
