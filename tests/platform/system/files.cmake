@@ -1,4 +1,5 @@
 set(system_TESTS
+    CachedSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
     http_cache_controlTest.cpp

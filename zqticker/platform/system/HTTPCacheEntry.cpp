@@ -120,7 +120,7 @@ HTTPCacheReader::Check HTTPCacheReader::checkNextPart() {
 }
 
 std::optional<QByteArray> HTTPCacheReader::readNextPart() {
-  if (readParts_ == entry_.partCount())
+  if (isAtEnd())
     return QByteArray();
   const qint64 index = readParts_++;
   return entry_.bodyName.isEmpty() ? entry_.body : part(index);

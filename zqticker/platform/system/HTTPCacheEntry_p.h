@@ -48,9 +48,12 @@ class HTTPCacheReader {
   enum class Check { More, Complete, Damaged };
   Check checkNextPart();
 
-  // The next part of the body, from its beginning; empty after the last. Nothing when it has gone
-  // or has been damaged since it was checked.
+  // The next part of the body, from its beginning; empty at the end. Nothing when it has gone or
+  // has been damaged since it was checked.
   std::optional<QByteArray> readNextPart();
+
+  // Whether readNextPart has read, or missed, the last part.
+  bool isAtEnd() const { return readParts_ == entry_.partCount(); }
 
   // Puts `response` in the place of the stored one, with the same body.
   void refresh(const HTTPStoredResponse& response);

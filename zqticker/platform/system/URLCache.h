@@ -16,7 +16,8 @@ class HTTPCacheStore;
 // A response is kept by HTTP's rules for a cache of one user: 10 % of the time since Last-Modified,
 // at most a day, counts as fresh where the server states nothing. Responses are kept with their
 // bodies decoded, under the address without its fragment; a body of more than an eighth of the
-// store is not kept, nor is one that arrived incomplete. Set-Cookie is left out. An address that
+// store is not kept, nor is one that arrived incomplete. Redirects
+// are kept without their bodies, Set-Cookie is left out. An address that
 // holds a user name or a password is neither looked up nor kept, so that no credentials get onto
 // the disk.
 //

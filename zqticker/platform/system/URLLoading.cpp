@@ -78,6 +78,7 @@ void URLLoading::sourceReceivedResponse(const Ref<URLResponse>& response) {
   const qint64 limit = URLConnection::maximumBodyLength();
   const qint64 announced =
       std::max(response->expectedContentLength(), announcedLength(response->allHeaderFields()));
+  receivedLength_ = 0;
   const bool isRedirect = addressAfterRedirect(*response, request_->URL()).has_value();
   take(response);
   if (announced > limit && !isRedirect)

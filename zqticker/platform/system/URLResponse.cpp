@@ -15,10 +15,16 @@ URLResponse::URLResponse(const QUrl& url, int statusCode, const HTTPHeaderFields
 
 Ref<URLResponse> URLResponse::make(const QUrl& url, int statusCode,
                                    const HTTPHeaderFields& headerFields) {
-  return Ref<URLResponse>(
-      new URLResponse(url, statusCode, headerFields,
-                      valueOfField(headerFields, u"Content-Type").value_or(QString()),
-                      isContentEncoded(headerFields) ? -1 : announcedLength(headerFields)));
+  return make(url, statusCode, headerFields,
+              isContentEncoded(headerFields) ? -1 : announcedLength(headerFields));
+}
+
+Ref<URLResponse> URLResponse::make(const QUrl& url, int statusCode,
+                                   const HTTPHeaderFields& headerFields,
+                                   qint64 expectedContentLength) {
+  return Ref<URLResponse>(new URLResponse(
+      url, statusCode, headerFields,
+      valueOfField(headerFields, u"Content-Type").value_or(QString()), expectedContentLength));
 }
 
 Ref<URLResponse> URLResponse::make(const QUrl& url, const QString& contentType,

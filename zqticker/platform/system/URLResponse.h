@@ -24,9 +24,12 @@ class ZQTICKER_EXPORT URLResponse : public Object {
   Q_CLASSINFO("ArchiveName", "NSURLResponse")
 
  public:
-  // A response of HTTP: MIME type, text encoding and expected length are read from `headerFields`.
+  // A response of HTTP: MIME type, text encoding and, where it is not given, the expected length
+  // are read from `headerFields`.
   static Ref<URLResponse> make(const QUrl& url, int statusCode,
                                const HTTPHeaderFields& headerFields);
+  static Ref<URLResponse> make(const QUrl& url, int statusCode,
+                               const HTTPHeaderFields& headerFields, qint64 expectedContentLength);
   // A response without status or header. `contentType` may carry parameters.
   static Ref<URLResponse> make(const QUrl& url, const QString& contentType,
                                qint64 expectedContentLength);

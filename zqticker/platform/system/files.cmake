@@ -1,11 +1,13 @@
 set(system_PUBLIC_HEADERS URLCache.h URLConnection.h URLRequest.h URLResponse.h url_errors.h)
 set(system_PRIVATE_HEADERS
+    CachedSource_p.h
     HTTPCacheEntry_p.h
+    HTTPCacheLoad_p.h
     HTTPCacheStore_p.h
     http_cache_control_p.h
     http_dates_p.h
     http_freshness_p.h
-    http_header_fields_p.h
+    http_field_lists_p.h
     LoadingThread_p.h
     URLLoading_p.h
     URLSource_p.h
@@ -13,12 +15,14 @@ set(system_PRIVATE_HEADERS
     http_fields_p.h
     redirects_p.h)
 set(system_SOURCES
+    CachedSource.cpp
     HTTPCacheEntry.cpp
+    HTTPCacheLoad.cpp
     HTTPCacheStore.cpp
     http_cache_control.cpp
     http_dates.cpp
     http_freshness.cpp
-    http_header_fields.cpp
+    http_field_lists.cpp
     LoadingThread.cpp
     URLCache.cpp
     URLConnection.cpp

@@ -1,5 +1,7 @@
 #include "zqticker/platform/system/http_cache_control_p.h"
 
+#include "zqticker/platform/system/http_fields_p.h"
+
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -36,9 +38,9 @@ std::optional<qint64> httpDeltaSeconds(QStringView text) {
 
 HTTPCacheControl httpCacheControl(const HTTPHeaderFields& fields) {
   HTTPCacheControl control;
-  const auto value = httpFieldValue(fields, "cache-control"_L1);
+  const auto value = valueOfField(fields, u"cache-control");
   if (!value) {
-    const QString pragma = httpFieldValue(fields, "pragma"_L1).value_or(QString());
+    const QString pragma = valueOfField(fields, u"pragma").value_or(QString());
     for (const QStringView element : httpListElements(pragma))
       control.noCache |= isHTTPFieldName(element, "no-cache"_L1);
     return control;

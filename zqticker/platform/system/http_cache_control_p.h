@@ -1,7 +1,7 @@
 // What a response says about being kept: its Cache-Control field.
 #pragma once
 
-#include "zqticker/platform/system/http_header_fields_p.h"
+#include "zqticker/platform/system/http_field_lists_p.h"
 
 namespace zq::platform {
 

@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/system/http_cache_control_p.h"
 #include "zqticker/platform/system/http_dates_p.h"
+#include "zqticker/platform/system/http_fields_p.h"
 
 #include <algorithm>
 
@@ -11,37 +12,37 @@ namespace zq::platform {
 
 namespace {
 
-std::optional<qint64> dateField(const HTTPStoredResponse& response, QLatin1StringView name) {
-  const auto text = httpFieldValue(response.headerFields, name);
+std::optional<qint64> dateField(const HTTPStoredResponse& response, QStringView name) {
+  const auto text = valueOfField(response.headerFields, name);
   return text ? secondsOfHTTPDate(*text, response.responseTime) : std::nullopt;
 }
 
 // When the server made the response.
 qint64 originTime(const HTTPStoredResponse& response) {
-  return dateField(response, "date"_L1).value_or(response.responseTime);
+  return dateField(response, u"date").value_or(response.responseTime);
 }
 
 std::optional<qint64> statedLifetime(const HTTPStoredResponse& response,
                                      const HTTPCacheControl& control) {
   if (control.maxAge)
     return control.maxAge;
-  if (!httpFieldValue(response.headerFields, "expires"_L1))
+  if (!valueOfField(response.headerFields, u"expires"))
     return std::nullopt;
-  const auto expires = dateField(response, "expires"_L1);
+  const auto expires = dateField(response, u"expires");
   return expires ? std::max<qint64>(*expires - originTime(response), 0) : 0;
 }
 
 qint64 lifetime(const HTTPStoredResponse& response, const HTTPCacheControl& control) {
   if (const auto stated = statedLifetime(response, control))
     return *stated;
-  const auto modified = dateField(response, "last-modified"_L1);
+  const auto modified = dateField(response, u"last-modified");
   if (!modified)
     return 0;
   return std::clamp<qint64>((originTime(response) - *modified) / 10, 0, longestHeuristicLifetime);
 }
 
 bool variesAlways(const HTTPHeaderFields& fields) {
-  const QString value = httpFieldValue(fields, "vary"_L1).value_or(QString());
+  const QString value = valueOfField(fields, u"vary").value_or(QString());
   return httpListElements(value).contains(u"*");
 }
 
@@ -57,7 +58,7 @@ HTTPHeaderFields withoutConnectionFields(const HTTPHeaderFields& fields) {
       withoutHTTPFields(fields, {"connection"_L1, "keep-alive"_L1, "proxy-authenticate"_L1,
                                  "proxy-authentication-info"_L1, "proxy-connection"_L1, "te"_L1,
                                  "trailer"_L1, "transfer-encoding"_L1, "upgrade"_L1});
-  const QString named = httpFieldValue(fields, "connection"_L1).value_or(QString());
+  const QString named = valueOfField(fields, u"connection").value_or(QString());
   for (const QStringView name : httpListElements(named)) {
     kept.removeIf([&](const auto& field) {
       return QStringView(field.first).compare(name, Qt::CaseInsensitive) == 0;
@@ -104,7 +105,7 @@ std::optional<qint64> currentAge(const HTTPStoredResponse& response, qint64 now)
     return std::nullopt;
   const qint64 apparentAge = std::max<qint64>(response.responseTime - originTime(response), 0);
   // Only the first Age counts where several came; one that cannot be read counts as none.
-  const QString field = httpFieldValue(response.headerFields, "age"_L1).value_or(QString());
+  const QString field = valueOfField(response.headerFields, u"age").value_or(QString());
   const QList<QStringView> ages = httpListElements(field);
   const qint64 statedAge = ages.isEmpty() ? 0 : httpDeltaSeconds(ages.first()).value_or(0);
   const qint64 delay = std::max<qint64>(response.responseTime - response.requestTime, 0);
@@ -126,29 +127,29 @@ bool mayServeOnError(const HTTPStoredResponse& response, qint64 now) {
 
 HTTPHeaderFields conditionalFields(const HTTPStoredResponse& response) {
   HTTPHeaderFields fields;
-  const auto add = [&](const QString& name, QLatin1StringView validator) {
-    const QString value = httpFieldValue(response.headerFields, validator).value_or(QString());
+  const auto add = [&](const QString& name, QStringView validator) {
+    const QString value = valueOfField(response.headerFields, validator).value_or(QString());
     if (!value.trimmed().isEmpty())
       fields.append({name, value.trimmed()});
   };
-  add(u"If-None-Match"_s, "etag"_L1);
-  add(u"If-Modified-Since"_s, "last-modified"_L1);
+  add(u"If-None-Match"_s, u"etag");
+  add(u"If-Modified-Since"_s, u"last-modified");
   return fields;
 }
 
 HTTPHeaderFields fieldsToStore(const HTTPHeaderFields& received) {
   const HTTPHeaderFields kept =
       withoutHTTPFields(withoutConnectionFields(received), {"set-cookie"_L1, "set-cookie2"_L1});
-  return httpFieldValue(kept, "content-encoding"_L1)
+  return isContentEncoded(kept)
              ? withoutHTTPFields(kept, {"content-encoding"_L1, "content-length"_L1})
              : kept;
 }
 
 bool confirms(const HTTPStoredResponse& response, const HTTPHeaderFields& received) {
-  const auto tag = httpFieldValue(received, "etag"_L1);
+  const auto tag = valueOfField(received, u"etag");
   if (!tag)
     return true;
-  const QString stored = httpFieldValue(response.headerFields, "etag"_L1).value_or(QString());
+  const QString stored = valueOfField(response.headerFields, u"etag").value_or(QString());
   return weakTag(*tag) == weakTag(stored);
 }
 

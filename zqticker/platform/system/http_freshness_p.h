@@ -2,7 +2,7 @@
 // Times are seconds since 1970 on this machine's clock.
 #pragma once
 
-#include "zqticker/platform/system/http_header_fields_p.h"
+#include "zqticker/platform/system/http_field_lists_p.h"
 
 namespace zq::platform {
 

@@ -1,4 +1,4 @@
-#include "zqticker/platform/system/http_header_fields_p.h"
+#include "zqticker/platform/system/http_field_lists_p.h"
 
 #include <algorithm>
 
@@ -8,19 +8,6 @@ namespace zq::platform {
 
 bool isHTTPFieldName(QStringView name, QLatin1StringView other) {
   return name.compare(other, Qt::CaseInsensitive) == 0;
-}
-
-std::optional<QString> httpFieldValue(const HTTPHeaderFields& fields, QLatin1StringView name) {
-  std::optional<QString> joined;
-  for (const auto& [fieldName, value] : fields) {
-    if (!isHTTPFieldName(fieldName, name))
-      continue;
-    if (joined)
-      *joined += ", "_L1 + value;
-    else
-      joined = value;
-  }
-  return joined;
 }
 
 QList<QStringView> httpListElements(QStringView value) {

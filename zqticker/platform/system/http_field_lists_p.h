@@ -1,22 +1,14 @@
-// Header fields of an HTTP message and the syntax that many of them share.
+// Lists in the values of HTTP fields, and lists of fields.
 #pragma once
 
-#include <QtCore/QList>
-#include <QtCore/QString>
+#include "zqticker/platform/system/URLResponse.h"
 
 #include <initializer_list>
-#include <optional>
-#include <utility>
 
 namespace zq::platform {
 
-// Names and values in the order in which they came. Names are compared without regard to case.
-using HTTPHeaderFields = QList<std::pair<QString, QString>>;
-
+// Field names and many words in values have no case.
 bool isHTTPFieldName(QStringView name, QLatin1StringView other);
-
-// The values of every field called `name`, joined by ", " in their order; nothing without one.
-std::optional<QString> httpFieldValue(const HTTPHeaderFields& fields, QLatin1StringView name);
 
 // The elements of a comma-separated list, trimmed, without empty ones. A comma between double
 // quotes does not part elements; quotes stay in place.
