@@ -1,8 +1,5 @@
 # Feeds: what is read from them, when, and what is shown of them.
 set(feed_SOURCES
-    services/Feed.h
-    services/FeedParser.cpp
-    services/FeedParser.h
     services/FeedSchedule.cpp
     services/FeedSchedule.h
     services/FeedSigns.cpp

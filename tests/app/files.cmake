@@ -1,6 +1,8 @@
 set(app_SOURCES
     FakeItem.h
+    FeedDescription.h
     FeedParserTest.cpp
+    FeedSamplesTest.cpp
     FeedScheduleTest.cpp
     FeedSignsTest.cpp
     LineReaderTest.cpp

@@ -1,0 +1,25 @@
+# The parser of feeds and its parts.
+set(feed_parser_SOURCES
+    services/Feed.h
+    services/FeedBuilder.cpp
+    services/FeedBuilder.h
+    services/FeedDecoder.cpp
+    services/FeedDecoder.h
+    services/FeedParser.cpp
+    services/FeedParser.h
+    services/JsonFeedReader.cpp
+    services/JsonFeedReader.h
+    services/JsonTokenizer.cpp
+    services/JsonTokenizer.h
+    services/XmlFeedReader.cpp
+    services/XmlFeedReader.h
+    services/XmlMender.cpp
+    services/XmlMender.h
+    services/feed_dates.cpp
+    services/feed_dates.h
+    services/feed_elements.cpp
+    services/feed_elements.h
+    services/feed_text.cpp
+    services/feed_text.h
+    services/html_entities.cpp
+    services/html_entities.h)
