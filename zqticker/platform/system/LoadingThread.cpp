@@ -1,5 +1,6 @@
 #include "zqticker/platform/system/LoadingThread_p.h"
 
+#include "zqticker/platform/system/CurlDriver_p.h"
 #include "zqticker/platform/system/URLLoading_p.h"
 
 #include <QtCore/QCoreApplication>
@@ -37,6 +38,10 @@ LoadingThread& LoadingThread::current() {
   return *ofThisThread;
 }
 
+bool LoadingThread::isOfThisThread(const LoadingThread* thread) {
+  return thread && ofThisThread == thread;
+}
+
 LoadingThread::LoadingThread() {
   // Makes the thread's event dispatcher, without which there are no notifiers and timers.
   const QEventLoop loop;
@@ -51,6 +56,12 @@ LoadingThread::~LoadingThread() {
   const auto loadings = std::exchange(loadings_, {});
   for (const std::shared_ptr<URLLoading>& loading : loadings)
     loading->cancel();
+}
+
+CurlDriver& LoadingThread::curl() {
+  if (!curl_)
+    curl_ = std::make_unique<CurlDriver>(*this);
+  return *curl_;
 }
 
 void LoadingThread::add(const std::shared_ptr<URLLoading>& loading) {
@@ -80,8 +91,8 @@ bool LoadingThread::event(QEvent* event) {
 void LoadingThread::deliver() {
   // One at a time out of the common queue: an event loop that a delegate runs goes on with the
   // rest, and then nothing is left to do here. Such a loop may also end this thread's loading.
-  const LoadingThread* self = this;
-  while (ofThisThread == self && !ready_.empty()) {
+  const LoadingThread* const self = this;
+  while (isOfThisThread(self) && !ready_.empty()) {
     const std::shared_ptr<URLLoading> loading = std::move(ready_.front());
     ready_.pop_front();
     loading->deliver();

@@ -10,6 +10,7 @@
 
 namespace zq::platform {
 
+class CurlDriver;
 class URLLoading;
 
 // Delivers what the loads of this thread have noted, from the thread's event loop, and ends them
@@ -18,6 +19,8 @@ class LoadingThread : public QObject {
  public:
   // That of the calling thread; made, with an event dispatcher, when it is first asked for.
   static LoadingThread& current();
+  // Whether `thread`, which may have gone, is that of the calling thread.
+  static bool isOfThisThread(const LoadingThread* thread);
   ~LoadingThread() override;
 
   // Keeps `loading` until it is removed, or the thread ends.
@@ -41,6 +44,9 @@ class LoadingThread : public QObject {
     LoadingThread& thread_;
   };
 
+  // Made when it is first asked for.
+  CurlDriver& curl();
+
   // An empty buffer, with room left from an earlier use where there is one.
   QByteArray takeBuffer();
   void giveBackBuffer(QByteArray&& buffer);
@@ -52,6 +58,7 @@ class LoadingThread : public QObject {
   LoadingThread();
   void deliver();
 
+  std::unique_ptr<CurlDriver> curl_;
   std::unordered_set<std::shared_ptr<URLLoading>> loadings_;
   std::deque<std::shared_ptr<URLLoading>> ready_;
   QByteArray spareBuffer_;

@@ -1,5 +1,8 @@
 #include "zqticker/platform/system/URLSource_p.h"
 
+#include "zqticker/platform/system/CurlTransfer_p.h"
+#include "zqticker/platform/system/FileSource_p.h"
+#include "zqticker/platform/system/LoadingThread_p.h"
 #include "zqticker/platform/system/data_source_p.h"
 #include "zqticker/platform/system/url_errors.h"
 
@@ -14,6 +17,14 @@ std::unique_ptr<URLSource> startSource(const SourceRequest& request, URLSourceCl
   const QString scheme = url.scheme();
   if (scheme == "data"_L1) {
     tellDataAddress(url, client);
+    return nullptr;
+  }
+  if (scheme == "file"_L1)
+    return std::make_unique<FileSource>(url, client);
+  if (scheme == "http"_L1 || scheme == "https"_L1) {
+    if (!url.host().isEmpty())
+      return std::make_unique<CurlTransfer>(LoadingThread::current().curl(), request, client);
+    failSource(client, BadURL, u"an address without a host"_s, url);
     return nullptr;
   }
   failSource(client, UnsupportedURL, "unsupported URL scheme: "_L1 + scheme, url);

@@ -1,28 +1,32 @@
 set(system_PUBLIC_HEADERS URLCache.h URLConnection.h URLRequest.h URLResponse.h url_errors.h)
 set(system_PRIVATE_HEADERS
     CachedSource_p.h
+    CurlDriver_p.h
+    CurlTransfer_p.h
+    FileSource_p.h
     HTTPCacheEntry_p.h
     HTTPCacheLoad_p.h
     HTTPCacheStore_p.h
-    http_cache_control_p.h
-    http_dates_p.h
-    http_freshness_p.h
-    http_field_lists_p.h
     LoadingThread_p.h
     URLLoading_p.h
     URLSource_p.h
+    curl_errors_p.h
     data_source_p.h
+    http_cache_control_p.h
+    http_dates_p.h
+    http_field_lists_p.h
     http_fields_p.h
-    redirects_p.h)
+    http_freshness_p.h
+    redirects_p.h
+    user_agent_p.h)
 set(system_SOURCES
     CachedSource.cpp
+    CurlDriver.cpp
+    CurlTransfer.cpp
+    FileSource.cpp
     HTTPCacheEntry.cpp
     HTTPCacheLoad.cpp
     HTTPCacheStore.cpp
-    http_cache_control.cpp
-    http_dates.cpp
-    http_freshness.cpp
-    http_field_lists.cpp
     LoadingThread.cpp
     URLCache.cpp
     URLConnection.cpp
@@ -30,7 +34,13 @@ set(system_SOURCES
     URLRequest.cpp
     URLResponse.cpp
     URLSource.cpp
+    curl_errors.cpp
     data_source.cpp
+    http_cache_control.cpp
+    http_dates.cpp
+    http_field_lists.cpp
     http_fields.cpp
+    http_freshness.cpp
     redirects.cpp
-    url_errors.cpp)
+    url_errors.cpp
+    user_agent.cpp)

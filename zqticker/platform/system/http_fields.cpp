@@ -1,5 +1,7 @@
 #include "zqticker/platform/system/http_fields_p.h"
 
+#include <QtCore/QStringDecoder>
+
 #include <algorithm>
 #include <limits>
 
@@ -72,6 +74,15 @@ std::optional<QString> valueOfField(const HTTPHeaderFields& fields, QStringView 
     joined = joined ? *joined + ", "_L1 + value : value;
   }
   return joined;
+}
+
+QString textOfField(QByteArrayView bytes) {
+  const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+  if (std::all_of(bytes.begin(), bytes.end(), isAscii))
+    return QString::fromLatin1(bytes);
+  QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+  const QString text = decoder(bytes);
+  return decoder.hasError() ? QString::fromLatin1(bytes) : text;
 }
 
 qint64 announcedLength(const HTTPHeaderFields& fields) {

@@ -3,6 +3,8 @@
 
 #include "zqticker/platform/system/URLResponse.h"
 
+#include <QtCore/QByteArrayView>
+
 namespace zq::platform {
 
 struct ContentType {
@@ -16,6 +18,9 @@ ContentType contentTypeFromText(QStringView text);
 
 // The value of `name`, whatever its case, repeated ones joined by ", "; nothing without one.
 std::optional<QString> valueOfField(const HTTPHeaderFields& fields, QStringView name);
+
+// The text of a name or a value: UTF-8, or Latin-1 where it is not that.
+QString textOfField(QByteArrayView bytes);
 
 // The length that Content-Length states; -1 where it states none or differing ones, or where the
 // body comes in chunks. A length beyond the numbers is the largest one.

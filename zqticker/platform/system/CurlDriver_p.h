@@ -1,0 +1,74 @@
+// libcurl on the event loop of one thread.
+#pragma once
+
+#include <QtCore/QSocketNotifier>
+#include <QtCore/QTimer>
+
+#include <curl/curl.h>
+
+#include <chrono>
+#include <optional>
+#include <vector>
+
+namespace zq::platform {
+
+class CurlTransfer;
+class LoadingThread;
+
+// Runs all transfers of a thread in one multi handle. An epoll descriptor holds curl's sockets, so
+// that the event loop watches one descriptor however many there are; two timers serve curl's own
+// time and the idleness of all transfers.
+class CurlDriver {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  // Connections to one host at a time, and idle ones kept in all.
+  static constexpr long MostConnectionsPerHost = 32;
+  static constexpr long MostConnectionsKept = 64;
+
+  explicit CurlDriver(LoadingThread& thread);
+  ~CurlDriver();
+  CurlDriver(const CurlDriver&) = delete;
+  CurlDriver& operator=(const CurlDriver&) = delete;
+
+  // A handle without options, which goes back with its connection kept alive.
+  CURL* takeHandle();
+  void giveBackHandle(CURL* handle);
+
+  // Starts `transfer`, to be removed by itself or once it is told of its end.
+  CURLMcode add(CurlTransfer& transfer);
+  void remove(CurlTransfer& transfer);
+
+  // The time of the round that is going on; a little old outside of one.
+  Clock::time_point now() const { return now_; }
+
+ private:
+  static int socketChanged(CURL* handle, curl_socket_t socket, int what, void* self, void*);
+  static int timerChanged(CURLM* multi, long milliseconds, void* self);
+
+  void socketsAreReady();
+  void timerIsDue();
+  void deadlineIsDue();
+  // Lets curl work on what is ready; false when nothing is.
+  bool workOnSockets();
+  void workOnTimer();
+  void takeFinished();
+  void armTimer();
+  void armDeadline(Clock::time_point due);
+
+  LoadingThread& thread_;
+  CURLM* multi_;
+  int epoll_;
+  std::optional<QSocketNotifier> notifier_;
+  QTimer timer_;
+  QTimer deadlineTimer_;
+  // When curl wants to work without a socket; when the timers go off.
+  std::optional<Clock::time_point> timerDue_;
+  std::optional<Clock::time_point> timerArmed_;
+  std::optional<Clock::time_point> deadlineArmed_;
+  Clock::time_point now_ = Clock::now();
+  std::vector<CurlTransfer*> transfers_;
+  std::vector<CURL*> handles_;
+};
+
+} // namespace zq::platform

@@ -1,0 +1,195 @@
+#include "zqticker/platform/system/CurlTransfer_p.h"
+
+#include "zqticker/platform/system/URLConnection.h"
+#include "zqticker/platform/system/curl_errors_p.h"
+#include "zqticker/platform/system/http_fields_p.h"
+#include "zqticker/platform/system/url_errors.h"
+#include "zqticker/platform/system/user_agent_p.h"
+
+#include <QtCore/QFile>
+
+#include <cmath>
+#include <limits>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::platform {
+
+namespace {
+// Bytes that are read from a socket at once.
+constexpr long ReadBytes = 128 << 10;
+
+QString secondsText(double seconds) {
+  return QString::number(seconds) + (seconds == 1 ? " second"_L1 : " seconds"_L1);
+}
+} // namespace
+
+CurlTransfer::CurlTransfer(CurlDriver& driver, const SourceRequest& request,
+                           URLSourceClient& client)
+    : driver_(driver), client_(client), request_(request.request), handle_(driver.takeHandle()) {
+  setOptions(request);
+  const CURLMcode result = driver_.add(*this);
+  isAdded_ = result == CURLM_OK;
+  if (!isAdded_)
+    fail(Unknown, QString::fromLatin1(curl_multi_strerror(result)));
+}
+
+CurlTransfer::~CurlTransfer() {
+  release();
+}
+
+void CurlTransfer::release() {
+  if (!handle_)
+    return;
+  if (isAdded_)
+    driver_.remove(*this);
+  driver_.giveBackHandle(std::exchange(handle_, nullptr));
+  curl_slist_free_all(std::exchange(addedFields_, nullptr));
+}
+
+void CurlTransfer::setOptions(const SourceRequest& request) {
+  const QUrl& url = request_->URL();
+  set(CURLOPT_PRIVATE, this);
+  set(CURLOPT_ERRORBUFFER, errorText_.data());
+  set(CURLOPT_URL, url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
+  set(CURLOPT_PROTOCOLS_STR, "http,https");
+  set(CURLOPT_HEADERFUNCTION, &CurlTransfer::headerArrived);
+  set(CURLOPT_HEADERDATA, this);
+  set(CURLOPT_WRITEFUNCTION, &CurlTransfer::bodyArrived);
+  set(CURLOPT_WRITEDATA, this);
+  set(CURLOPT_PREREQFUNCTION, &CurlTransfer::isConnected);
+  set(CURLOPT_PREREQDATA, this);
+  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  set(CURLOPT_NOSIGNAL, 1L);
+  // Giving up does not wait for a host that is still being looked up.
+  set(CURLOPT_QUICK_EXIT, 1L);
+  set(CURLOPT_BUFFERSIZE, ReadBytes);
+  // Idleness is counted here; curl's own limit on connecting would come first.
+  set(CURLOPT_CONNECTTIMEOUT_MS, long(std::numeric_limits<int>::max()));
+  set(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_2TLS));
+  set(CURLOPT_PIPEWAIT, 1L);
+  set(CURLOPT_ACCEPT_ENCODING, "");
+  set(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_PROXY_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
+  set(CURLOPT_USERAGENT, userAgent().constData());
+  for (const auto& [name, value] : request.additionalHeaderFields) {
+    const QByteArray line = name.toLatin1() + ": " + value.toUtf8();
+    addedFields_ = curl_slist_append(addedFields_, line.constData());
+  }
+  if (addedFields_)
+    set(CURLOPT_HTTPHEADER, addedFields_);
+  setCredentials(url);
+  setCertificateAuthorities();
+}
+
+void CurlTransfer::setCredentials(const QUrl& url) {
+  if (url.userInfo().isEmpty())
+    return;
+  set(CURLOPT_USERNAME, url.userName(QUrl::FullyDecoded).toUtf8().constData());
+  set(CURLOPT_PASSWORD, url.password(QUrl::FullyDecoded).toUtf8().constData());
+}
+
+void CurlTransfer::setCertificateAuthorities() {
+  const QString path = URLConnection::certificateAuthorityFile();
+  if (path.isEmpty())
+    return;
+  const QByteArray encodedPath = QFile::encodeName(path);
+  set(CURLOPT_CAINFO, encodedPath.constData());
+  set(CURLOPT_PROXY_CAINFO, encodedPath.constData());
+  // The system's folder would be trusted besides.
+  set(CURLOPT_CAPATH, static_cast<const char*>(nullptr));
+  set(CURLOPT_PROXY_CAPATH, static_cast<const char*>(nullptr));
+}
+
+std::optional<CurlDriver::Clock::time_point> CurlTransfer::deadline() const {
+  using Duration = CurlDriver::Clock::duration;
+  const double ticks =
+      request_->timeoutInterval() * double(Duration::period::den) / double(Duration::period::num);
+  // Half the range: the sum with a time must stay within it.
+  if (!(ticks < double(Duration::max().count()) / 2))
+    return std::nullopt;
+  return lastProgress_ + Duration(Duration::rep(std::ceil(ticks)));
+}
+
+int CurlTransfer::isConnected(void* self, char*, char*, int, int) {
+  static_cast<CurlTransfer*>(self)->noteProgress();
+  return CURL_PREREQFUNC_OK;
+}
+
+std::size_t CurlTransfer::headerArrived(char* bytes, std::size_t, std::size_t count, void* self) {
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  transfer.noteProgress();
+  return transfer.takeHeaderLine(QByteArrayView(bytes, qsizetype(count))) ? count : 0;
+}
+
+std::size_t CurlTransfer::bodyArrived(char* bytes, std::size_t, std::size_t count, void* self) {
+  auto& transfer = *static_cast<CurlTransfer*>(self);
+  transfer.noteProgress();
+  if (count == 0 || transfer.client_.sourceReceivedData(QByteArrayView(bytes, qsizetype(count))))
+    return count;
+  transfer.isFailed_ = true;
+  return CURL_WRITEFUNC_ERROR;
+}
+
+bool CurlTransfer::takeHeaderLine(QByteArrayView line) {
+  headerBytes_ += line.size();
+  if (headerBytes_ > MostHeaderBytes) {
+    fail(BadServerResponse,
+         u"the header of the answer is larger than the limit of %1 bytes"_s.arg(MostHeaderBytes));
+    return false;
+  }
+  if (line.startsWith("HTTP/")) {
+    isInHeader_ = true;
+    fields_.clear();
+    long status = 0;
+    curl_easy_getinfo(handle_, CURLINFO_RESPONSE_CODE, &status);
+    status_ = int(status);
+  } else if (!isInHeader_) {
+    return true;
+  } else if (const QByteArrayView text = line.trimmed(); text.isEmpty()) {
+    isInHeader_ = false;
+    tellResponse();
+  } else if (line.front() == ' ' || line.front() == '\t') {
+    // A folded line goes on with the value before it.
+    if (!fields_.isEmpty())
+      fields_.last().second += u' ' + textOfField(text);
+  } else if (const qsizetype colon = text.indexOf(':'); colon > 0) {
+    fields_.append(
+        {textOfField(text.first(colon).trimmed()), textOfField(text.sliced(colon + 1).trimmed())});
+  }
+  return true;
+}
+
+void CurlTransfer::tellResponse() {
+  // Another header follows one that only informs.
+  if (status_ < 200)
+    return;
+  hasResponse_ = true;
+  client_.sourceReceivedResponse(URLResponse::make(request_->URL(), status_, fields_));
+}
+
+void CurlTransfer::fail(int code, const QString& text) {
+  if (std::exchange(isFailed_, true))
+    return;
+  failSource(client_, code, text, request_->URL());
+}
+
+void CurlTransfer::timeOut() {
+  fail(TimedOut, u"timed out: nothing was heard from %1 for %2"_s.arg(
+                     request_->URL().host(), secondsText(request_->timeoutInterval())));
+  release();
+}
+
+void CurlTransfer::finish(CURLcode result) {
+  if (result == CURLE_OK && hasResponse_) {
+    client_.sourceFinished();
+  } else if (!isFailed_) {
+    const CurlFailure failure = {handle_, result, QString::fromUtf8(errorText_.data()),
+                                 request_->URL(), hasResponse_};
+    const auto [code, text] = describeFailure(failure);
+    fail(code, text);
+  }
+  release();
+}
+
+} // namespace zq::platform
