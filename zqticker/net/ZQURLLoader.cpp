@@ -79,9 +79,9 @@ void ZQURLLoader::setConnection(const Ref<URLConnection>& connection) {
   connection_ = connection;
 }
 
-void ZQURLLoader::setContext(const QVariantMap& context) {
+void ZQURLLoader::setContext(QVariantMap context) {
   // The old one goes last: it may be all that holds the loader.
-  const QVariantMap old = std::exchange(context_, context);
+  context_.swap(context);
 }
 
 void ZQURLLoader::setURL(const QUrl& URL) {

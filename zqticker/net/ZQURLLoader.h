@@ -101,7 +101,7 @@ class ZQTICKER_EXPORT ZQURLLoader : public zq::platform::Object,
 
   // What the target will get.
   const QVariantMap& context() const { return context_; }
-  void setContext(const QVariantMap& context);
+  void setContext(QVariantMap context);
 
   // The address; a change counts for later loads.
   const QUrl& URL() const { return url_; }
