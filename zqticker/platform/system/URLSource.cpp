@@ -1,5 +1,6 @@
 #include "zqticker/platform/system/URLSource_p.h"
 
+#include "zqticker/platform/system/CachedSource_p.h"
 #include "zqticker/platform/system/CurlTransfer_p.h"
 #include "zqticker/platform/system/FileSource_p.h"
 #include "zqticker/platform/system/LoadingThread_p.h"
@@ -9,6 +10,12 @@
 using namespace Qt::StringLiterals;
 
 namespace zq::platform {
+
+namespace {
+std::unique_ptr<URLSource> startTransfer(const SourceRequest& request, URLSourceClient& client) {
+  return std::make_unique<CurlTransfer>(LoadingThread::current().curl(), request, client);
+}
+} // namespace
 
 URLSource::~URLSource() = default;
 
@@ -23,7 +30,7 @@ std::unique_ptr<URLSource> startSource(const SourceRequest& request, URLSourceCl
     return std::make_unique<FileSource>(url, client);
   if (scheme == "http"_L1 || scheme == "https"_L1) {
     if (!url.host().isEmpty())
-      return std::make_unique<CurlTransfer>(LoadingThread::current().curl(), request, client);
+      return startCachedSource(request, startTransfer, client);
     failSource(client, BadURL, u"an address without a host"_s, url);
     return nullptr;
   }
