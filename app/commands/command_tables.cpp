@@ -166,6 +166,45 @@ OptionTable makeSignTable() {
                     u"Shows it."_s};
   return table;
 }
+
+OptionTable makeFetchTable() {
+  OptionTable table;
+  table.command = u"fetch"_s;
+  table.summary =
+      u"Loads the contents of an address and writes them to standard output or a file."_s;
+  table.operands = {u"URL"_s};
+  table.options = {
+      {u"json"_s,
+       {},
+       u"Print what came of it as JSON instead of the contents: outcome, number of bytes, response "
+       u"and error."_s},
+      {u"policy"_s,
+       {u"POLICY"_s},
+       u"protocol (the default; the cache as HTTP has it), ignore-cache, cache-else-load (whatever "
+       u"its age) or cache-only."_s},
+      {u"timeout"_s,
+       {u"SECONDS"_s},
+       u"Give up when nothing has come for so long; 60 by default."_s},
+      {u"output"_s, {u"FILE"_s}, u"The file to write."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"Addresses begin with http://, https://, file:// or data:. Redirects are followed, up to "
+      u"20; "
+      u"compressed contents are written decoded. The page that comes with an HTTP error status is "
+      u"contents like any other; --json tells the status. At most 2 GiB are loaded."_s,
+      u"Proxies are those of the environment (http_proxy, https_proxy, all_proxy, no_proxy). Where "
+      u"SSL_CERT_FILE names a file, its certificates are trusted instead of the system's. A "
+      u"progress bar runs on standard error where that is a terminal. The file is complete or not "
+      u"there."_s,
+      u"Exit status: 0, 1 where the contents could not be loaded or written, 2 for a wrong command "
+      u"line."_s};
+  table.examples = {u"zqticker fetch https://www.debian.org/News/news --output news.rdf"_s,
+                    u"A feed into a file."_s,
+                    u"zqticker fetch --json --timeout 5 https://www.debian.org/"_s,
+                    u"Whether a server answers, and with what."_s};
+  return table;
+}
 } // namespace
 
 const OptionTable& runTable() {
@@ -183,6 +222,11 @@ const OptionTable& signTable() {
   return table;
 }
 
+const OptionTable& fetchTable() {
+  static const OptionTable table = makeFetchTable();
+  return table;
+}
+
 QString programHelp() {
   return u"Usage: zqticker [COMMAND] [OPTION]...\n"
          u"A desktop ticker: texts and pictures that scroll over a strip.\n\n"
@@ -191,6 +235,7 @@ QString programHelp() {
          u"  render    render the same into pictures, without a display\n"
          u"  sign      write a sign's archive\n"
          u"  archive   print a keyed archive\n"
+         u"  fetch     load the contents of an address\n"
          u"  help      print this text, or that of a command\n\n"
          u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
          u"version.\n\n"_s +

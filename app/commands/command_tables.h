@@ -8,6 +8,7 @@ namespace zq::app {
 const OptionTable& runTable();
 const OptionTable& renderTable();
 const OptionTable& signTable();
+const OptionTable& fetchTable();
 
 // What "zqticker --help" prints: the commands, and the options of `run`, which is meant where no
 // command is named.

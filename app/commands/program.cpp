@@ -1,6 +1,7 @@
 #include "app/commands/program.h"
 
 #include "app/commands/ArchiveCommand.h"
+#include "app/commands/FetchCommand.h"
 #include "app/commands/RenderCommand.h"
 #include "app/commands/RunCommand.h"
 #include "app/commands/SignCommand.h"
@@ -101,7 +102,7 @@ int runHelp(const QStringList& arguments) {
     print(programHelp());
     return Success;
   }
-  for (const OptionTable* table : {&runTable(), &renderTable(), &signTable()})
+  for (const OptionTable* table : {&runTable(), &renderTable(), &signTable(), &fetchTable()})
     if (arguments == QStringList{table->command}) {
       print(helpText(*table));
       return Success;
@@ -124,6 +125,13 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
   if (command == "archive"_L1) {
     const OffscreenApplication application(argv);
     return archiveCommand(arguments);
+  }
+  if (command == "fetch"_L1) {
+    if (asksForHelp(fetchTable(), arguments))
+      return runHelp({command});
+    int argc = 1;
+    const QCoreApplication application(argc, argv);
+    return fetchCommand(arguments);
   }
   if (command == "help"_L1)
     return runHelp(arguments);

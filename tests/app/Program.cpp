@@ -19,7 +19,8 @@ constexpr int PatienceMilliseconds = 100'000;
 QProcessEnvironment plainEnvironment() {
   QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
   for (const QString& name : environment.keys())
-    if (name.startsWith("QT_"_L1) || name == "DISPLAY"_L1 || name == "WAYLAND_DISPLAY"_L1)
+    if (name.startsWith("QT_"_L1) || name == "DISPLAY"_L1 || name == "WAYLAND_DISPLAY"_L1 ||
+        name.endsWith("_proxy"_L1, Qt::CaseInsensitive))
       environment.remove(name);
   return environment;
 }

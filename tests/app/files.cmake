@@ -5,6 +5,7 @@ set(app_SOURCES
     FeedSamplesTest.cpp
     FeedScheduleTest.cpp
     FeedSignsTest.cpp
+    FetchTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
     MotionTest.cpp

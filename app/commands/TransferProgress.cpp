@@ -1,0 +1,60 @@
+#include "app/commands/TransferProgress.h"
+
+#include <QtCore/QLocale>
+
+#include <algorithm>
+#include <cstdio>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+constexpr qint64 MillisecondsBetween = 100;
+constexpr qsizetype BarWidth = 30;
+// Back to the start of the line, and clear it.
+constexpr char ClearLine[] = "\r\033[K";
+
+QString sizeText(double bytes) {
+  return QLocale::c().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
+}
+} // namespace
+
+QString progressText(qint64 received, qint64 total, double seconds) {
+  QString text;
+  if (total > 0) {
+    const double done = std::min(1.0, double(received) / double(total));
+    const auto filled = qsizetype(done * double(BarWidth));
+    text = u"%1 % ["_s.arg(int(done * 100), 3) + QString(filled, u'#') +
+           QString(BarWidth - filled, u' ') + u"] "_s;
+  }
+  text += sizeText(double(received));
+  if (total > 0)
+    text += u" of "_s + sizeText(double(total));
+  if (seconds > 0)
+    text += u", "_s + sizeText(double(received) / seconds) + u"/s"_s;
+  return text;
+}
+
+TransferProgress::TransferProgress(bool isWanted) : isShown_(isWanted && ::isatty(STDERR_FILENO)) {
+  clock_.start();
+}
+
+TransferProgress::~TransferProgress() {
+  if (hasWritten_)
+    std::fputs(ClearLine, stderr);
+}
+
+void TransferProgress::show(qint64 received, qint64 total) {
+  const qint64 now = clock_.elapsed();
+  if (!isShown_ || now - lastShown_ < MillisecondsBetween)
+    return;
+  lastShown_ = now;
+  hasWritten_ = true;
+  std::fprintf(stderr, "%s%s", ClearLine,
+               progressText(received, total, double(now) / 1000).toUtf8().constData());
+}
+
+} // namespace zq::app
