@@ -1,1 +1,1 @@
-set(net_SOURCES HttpServerTest.cpp ZQURLLoaderTest.cpp)
+set(net_SOURCES HttpServerTest.cpp URLCacheTest.cpp ZQURLLoaderTest.cpp)

@@ -13,13 +13,12 @@ class HTTPCacheStore;
 
 // One cache for the process. It keeps nothing until the host gives it a folder.
 //
-// A response is kept by HTTP's rules for a cache of one user: 10 % of the time since Last-Modified,
-// at most a day, counts as fresh where the server states nothing. Responses are kept with their
-// bodies decoded, under the address without its fragment; a body of more than an eighth of the
-// store is not kept, nor is one that arrived incomplete. Redirects
-// are kept without their bodies, Set-Cookie is left out. An address that
-// holds a user name or a password is neither looked up nor kept, so that no credentials get onto
-// the disk.
+// A response is kept by HTTP's rules for a cache of one user. Where the server states no lifetime,
+// a tenth of the time since Last-Modified counts, at most a minute. Responses are kept with their
+// bodies decoded, under the address without its fragment. A body of more than an eighth of the
+// store is not kept, nor is one that arrived incomplete. Redirects are kept without their bodies;
+// Set-Cookie is left out. An address that holds a user name or a password is neither looked up nor
+// kept, so that no credentials get onto the disk.
 //
 // A damaged file in the folder is a missing one. A folder that cannot be written is logged once
 // (zqticker.net), and loading goes on.

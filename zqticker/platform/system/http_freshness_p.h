@@ -17,7 +17,8 @@ struct HTTPStoredResponse {
 };
 
 // The longest time, in seconds, for which a response without a stated lifetime counts as fresh.
-inline constexpr qint64 longestHeuristicLifetime = 86'400;
+// Short, since a ticker shows news, and asking whether something has changed costs little.
+inline constexpr qint64 longestHeuristicLifetime = 60;
 
 // Whether `response` may be kept at all:
 // - 200, 203, 204, 300, 301 and 308 always;
