@@ -18,6 +18,16 @@ const QString ErrorKey = u"error"_s;
 // The most bytes that are set aside on the word of a response alone.
 constexpr qint64 MostReservedBytes = qint64(64) << 20;
 
+// Appends with room to spare where the buffer is full. A buffer that is reserved anew can grow
+// where it stands or be moved page by page; one that appends by itself is copied, and for that
+// moment is there twice.
+void appendTo(QByteArray& buffer, QByteArrayView data) {
+  const qsizetype needed = buffer.size() + data.size();
+  if (needed > buffer.capacity())
+    buffer.reserve(std::max(needed, 2 * buffer.capacity()));
+  buffer.append(data);
+}
+
 // An empty buffer that is a value: nothing is said by the invalid QVariant only.
 QByteArray emptyData() {
   return QByteArray("");
@@ -107,7 +117,7 @@ Ref<URLRequest> ZQURLLoader::connectionWillSendRequest(URLConnection&,
 
 void ZQURLLoader::connectionDidReceiveData(URLConnection&, QByteArrayView data) {
   const Ref<Object> self = weak_from_this().lock();
-  receivedData_.append(data);
+  appendTo(receivedData_, data);
   if (ZQURLLoaderDelegate* receiver = delegate_.get())
     receiver->loaderDidReceiveDataOfLength(*this, receivedData_.size());
 }
