@@ -86,6 +86,7 @@ void FeedBuilder::addItem(const ItemDraft& draft) {
   item.published = feedDate(draft.date);
   itemsWithoutIdentity_ += hasIdentity ? 0 : 1;
   itemsWithoutTitle_ += hasTitle ? 0 : 1;
+  damagedTitles_ += item.title.contains(QChar::ReplacementCharacter) ? 1 : 0;
   unreadableDates_ += draft.date.isEmpty() || item.published ? 0 : 1;
   feed_.items.push_back(std::move(item));
 }
@@ -105,6 +106,10 @@ QStringList FeedBuilder::warnings() const {
   if (itemsWithoutTitle_ > 0)
     lines.append(
         counted(itemsWithoutTitle_, u"1 item has no title"_s, u"%1 items have no title"_s));
+  if (damagedTitles_ > 0)
+    lines.append(counted(damagedTitles_,
+                         u"1 title has characters that are damaged or in another encoding"_s,
+                         u"%1 titles have characters that are damaged or in another encoding"_s));
   if (unreadableDates_ > 0)
     lines.append(counted(unreadableDates_, u"1 item has a date that cannot be read"_s,
                          u"%1 items have dates that cannot be read"_s));

@@ -80,6 +80,7 @@ class FeedBuilder {
   int emptyItems_ = 0;
   int itemsWithoutIdentity_ = 0;
   int itemsWithoutTitle_ = 0;
+  int damagedTitles_ = 0;
   int unreadableDates_ = 0;
 };
 

@@ -22,7 +22,7 @@ struct Mark {
 };
 
 // Longer ones first: that of UTF-16 begins that of UTF-32.
-constexpr std::array<Mark, 5> Marks = {{{"\xFF\xFE\0\0", "UTF-32LE"},
+constexpr std::array<Mark, 5> Marks = {{{{"\xFF\xFE\0\0", 4}, "UTF-32LE"},
                                         {{"\0\0\xFE\xFF", 4}, "UTF-32BE"},
                                         {"\xEF\xBB\xBF", "UTF-8"},
                                         {"\xFE\xFF", "UTF-16BE"},
@@ -47,7 +47,7 @@ bool awaitsDeclaration(QByteArrayView bytes) {
 
 // The encoding that an XML declaration names, or nothing.
 QString declaredEncoding(QByteArrayView bytes) {
-  const QByteArrayView text = bytes.trimmed();
+  const QByteArrayView text = bytes.first(std::min(bytes.size(), LongestDeclaration)).trimmed();
   if (!text.startsWith("<?xml"))
     return {};
   const QByteArrayView declaration = text.first(std::max<qsizetype>(text.indexOf("?>"), 0));
@@ -176,7 +176,6 @@ QByteArray FeedDecoder::decodeUtf8(QByteArrayView bytes, bool atEnd) {
   }
   if (QUtf8StringView(text.constData(), text.size()).isValidUtf8())
     return text;
-  hasReplaced_ = true;
   return QString::fromUtf8(text).toUtf8();
 }
 
@@ -196,7 +195,6 @@ QByteArray FeedDecoder::decodeByConverter(QByteArrayView bytes, bool atEnd) {
     pendingText_ = text.right(1);
     text.chop(1);
   }
-  hasReplaced_ = hasReplaced_ || text.contains(QChar::ReplacementCharacter);
   return text.toUtf8();
 }
 

@@ -30,8 +30,6 @@ class FeedDecoder {
 
   // The name of the encoding; empty before it is decided.
   const QString& encoding() const { return encoding_; }
-  // Whether U+FFFD stands for bytes that are not in the encoding.
-  bool hasReplaced() const { return hasReplaced_; }
   // Names of encodings that were stated, but that nobody knows.
   const QStringList& unknownEncodings() const { return unknown_; }
 
@@ -49,7 +47,6 @@ class FeedDecoder {
   QString charset_;
   QString encoding_;
   QStringList unknown_;
-  bool hasReplaced_ = false;
   // Bytes that wait: for the decision, or for the rest of their character.
   QByteArray pending_;
   // For all but UTF-8.

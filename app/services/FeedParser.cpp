@@ -180,8 +180,6 @@ QStringList FeedParser::Document::warnings() const {
   for (const QString& name : decoder_.unknownEncodings())
     lines.append(u"the encoding \"%1\" is unknown; %2 is taken"_s.arg(
         titleText(name, FeedTextKind::Plain), decoder_.encoding()));
-  if (decoder_.hasReplaced())
-    lines.append(u"there are bytes that are not %1"_s.arg(decoder_.encoding()));
   return lines + builder_.warnings();
 }
 

@@ -113,6 +113,8 @@ void XmlFeedReader::start() {
     level.scope = startBesideItems(parent, element);
   }
   levels_.push_back(level);
+  // The reader copies what is shared with it before it reads the next ones.
+  attributes_ = {};
 }
 
 // In RSS's and RDF's roots, and in images.

@@ -37,6 +37,13 @@ constexpr std::array<quint8, 256> makeStops() {
 }
 constexpr std::array<quint8, 256> Stops = makeStops();
 
+// The next byte that matters.
+const char* nextStop(quint8 stops, const char* from, const char* end) {
+  while (from != end && !(Stops[static_cast<unsigned char>(*from)] & stops))
+    ++from;
+  return from;
+}
+
 bool isLetter(char c) {
   return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
@@ -56,6 +63,18 @@ bool isSpace(char c) {
 
 bool isPredefined(QByteArrayView name) {
   return name == "amp" || name == "lt" || name == "gt" || name == "quot" || name == "apos";
+}
+
+// The number of bytes of a predefined reference, as most are; 0 for what asks for a closer look.
+qsizetype plainReference(const char* from, const char* end) {
+  const qsizetype size = end - from;
+  if (size >= 4 && (from[1] == 'l' || from[1] == 'g') && from[2] == 't' && from[3] == ';')
+    return 4;
+  const QByteArrayView text(from, size);
+  for (const QByteArrayView reference : {"&amp;", "&quot;"})
+    if (text.startsWith(reference))
+      return reference.size();
+  return 0;
 }
 
 void appendEscaped(QByteArray& output, char32_t character) {
@@ -110,6 +129,7 @@ QByteArray XmlMender::add(QByteArrayView text) {
   output_.reserve(text.size() + text.size() / 16);
   const char* from = text.begin();
   const char* const end = text.end();
+  run_ = from;
   while (from != end && error_.isEmpty()) {
     switch (state_) {
     case State::Text:
@@ -140,51 +160,75 @@ QByteArray XmlMender::add(QByteArrayView text) {
       break;
     }
   }
+  replace(from, from, {});
   return std::exchange(output_, {});
 }
 
-// Copies up to the next byte that matters, which it returns.
-const char* XmlMender::copyUntil(quint8 stops, const char* from, const char* end) {
-  const char* to = from;
-  while (to != end && !(Stops[static_cast<unsigned char>(*to)] & stops))
-    ++to;
-  output_.append(from, to - from);
-  return to;
+// Puts `text` in the place of what stands from `from` to `to`.
+void XmlMender::replace(const char* from, const char* to, QByteArrayView text) {
+  output_.append(run_, from - run_);
+  output_.append(text);
+  run_ = to;
 }
 
 // A byte that begins what XML does not allow, or may begin it.
-const char* XmlMender::copySpecial(const char* from) {
-  if (static_cast<unsigned char>(*from) != 0xEF)
+const char* XmlMender::readSpecial(const char* from) {
+  if (static_cast<unsigned char>(*from) != 0xEF) {
+    replace(from, from + 1, {});
     return from + 1;
+  }
   constexpr qsizetype Length = 3;
   const QByteArrayView character(from, Length);
-  const bool isAllowed = character != "\xEF\xBF\xBE" && character != "\xEF\xBF\xBF";
-  output_.append(isAllowed ? character : QByteArrayView("\xEF\xBF\xBD"));
+  if (character == "\xEF\xBF\xBE" || character == "\xEF\xBF\xBF")
+    replace(from, from + Length, "\xEF\xBF\xBD");
   return from + Length;
 }
 
 const char* XmlMender::readText(const char* from, const char* end) {
-  from = copyUntil(InText, from, end);
-  if (from == end)
-    return from;
-  switch (*from) {
-  case '<':
-    pending_ = "<";
-    state_ = State::Opening;
-    return from + 1;
-  case '&':
-    pending_ = "&";
-    stateAfterReference_ = State::Text;
-    state_ = State::Reference;
-    return from + 1;
-  case '>':
-    output_ += "&gt;";
-    return from + 1;
-  default:
-    return copySpecial(from);
+  for (from = nextStop(InText, from, end); from != end; from = nextStop(InText, from, end)) {
+    if (*from == '<') {
+      // Nearly always a tag that needs no thought.
+      if (end - from > 1 && (isLetter(from[1]) || from[1] == '/')) {
+        beginTag();
+        return from + (from[1] == '/' ? 2 : 1);
+      }
+      replace(from, from + 1, {});
+      pending_ = "<";
+      state_ = State::Opening;
+      return from + 1;
+    }
+    if (*from == '&') {
+      from = readAmpersand(from, end);
+      if (state_ != State::Text)
+        return from;
+    } else if (*from == '>') {
+      replace(from, from + 1, "&gt;");
+      ++from;
+    } else {
+      from = readSpecial(from);
+    }
   }
+  return from;
 }
 
+const char* XmlMender::readAmpersand(const char* from, const char* end) {
+  if (const qsizetype size = plainReference(from, end); size > 0)
+    return from + size;
+  replace(from, from + 1, {});
+  pending_ = "&";
+  stateAfterReference_ = state_;
+  state_ = State::Reference;
+  return from + 1;
+}
+
+void XmlMender::beginTag() {
+  hasRoot_ = true;
+  tagLength_ = 0;
+  attributes_ = 0;
+  state_ = State::Tag;
+}
+
+// All that is read of markup until it is known for what it is, is pending and out of the run.
 const char* XmlMender::readOpening(const char* from) {
   const char c = *from;
   if (pending_.size() == 1 && c != '!') {
@@ -192,22 +236,18 @@ const char* XmlMender::readOpening(const char* from) {
     if (c == '?') {
       endProgress_ = 0;
       state_ = State::Instruction;
+      replace(from, from + 1, {});
       return from + 1;
     }
     if (c != '/' && !beginsName(c)) {
-      output_ += "&lt;";
+      replace(from, from, "&lt;");
       state_ = State::Text;
       return from;
     }
-    output_ += '<';
-    hasRoot_ = true;
-    tagLength_ = 0;
-    attributes_ = 0;
-    state_ = State::Tag;
+    replace(from, from, "<");
+    beginTag();
     // A closing tag's "/" is taken here, what begins a name by the tag.
-    if (c == '/')
-      output_ += *from++;
-    return from;
+    return c == '/' ? from + 1 : from;
   }
   const QByteArray read = pending_ + c;
   const auto begins = [&read](QByteArrayView mark) {
@@ -216,11 +256,11 @@ const char* XmlMender::readOpening(const char* from) {
   constexpr QByteArrayView Comment("<!--");
   constexpr QByteArrayView Section("<![CDATA[");
   constexpr QByteArrayView DocumentType("<!DOCTYPE");
+  pending_ = read;
   if (read == Comment) {
     endProgress_ = 0;
     state_ = State::Comment;
   } else if (read == Section) {
-    output_ += Section;
     endProgress_ = 0;
     state_ = State::Section;
   } else if (!hasRoot_ && begins(DocumentType)) {
@@ -229,28 +269,21 @@ const char* XmlMender::readOpening(const char* from) {
       inSubset_ = inComment_ = false;
       state_ = State::DocumentType;
     }
-    pending_ = read;
-    return from + 1;
-  } else if (begins(Comment) || begins(Section)) {
-    pending_ = read;
-    return from + 1;
-  } else {
-    pending_.clear();
+  } else if (!begins(Comment) && !begins(Section)) {
     state_ = State::Declaration;
     return from;
   }
-  pending_.clear();
+  replace(from, from + 1, state_ == State::Section ? Section : QByteArrayView());
   return from + 1;
 }
 
 const char* XmlMender::readTag(const char* from, const char* end) {
   const char* const start = from;
-  from = copyUntil(InTag, from, end);
+  from = nextStop(InTag, from, end);
   tagLength_ += from - start;
   if (tagLength_ > LongestTag) {
-    output_.chop(tagLength_ - LongestTag);
     fail(u"a tag of more than %1 bytes"_s.arg(LongestTag));
-    return from;
+    return from - (tagLength_ - LongestTag);
   }
   if (from == end)
     return from;
@@ -258,25 +291,23 @@ const char* XmlMender::readTag(const char* from, const char* end) {
   switch (*from) {
   case '>':
     state_ = State::Text;
-    break;
+    return from + 1;
   case '"':
   case '\'':
     quote_ = *from;
     state_ = State::Value;
-    break;
+    return from + 1;
   case '=':
     if (++attributes_ > MostAttributes)
       fail(u"a tag of more than %1 attributes"_s.arg(MostAttributes));
-    break;
+    return from + 1;
   default:
-    return copySpecial(from);
+    return readSpecial(from);
   }
-  output_ += *from;
-  return from + 1;
 }
 
 const char* XmlMender::readValue(const char* from, const char* end) {
-  from = copyUntil(InValue, from, end);
+  from = nextStop(InValue, from, end);
   if (from == end)
     return from;
   switch (*from) {
@@ -284,67 +315,65 @@ const char* XmlMender::readValue(const char* from, const char* end) {
   case '\'':
     if (*from == quote_)
       state_ = State::Tag;
-    output_ += *from;
     return from + 1;
   case '&':
-    pending_ = "&";
-    stateAfterReference_ = State::Value;
-    state_ = State::Reference;
-    return from + 1;
+    return readAmpersand(from, end);
   case '<':
-    output_ += "&lt;";
+    replace(from, from + 1, "&lt;");
     return from + 1;
   default:
-    return copySpecial(from);
+    return readSpecial(from);
   }
 }
 
 const char* XmlMender::readSection(const char* from, const char* end) {
   constexpr int Brackets = 2;
   const char* const start = from;
-  from = copyUntil(InSection, from, end);
+  from = nextStop(InSection, from, end);
   if (from != start)
     endProgress_ = 0;
   if (from == end)
     return from;
-  if (*from != ']' && *from != '>') {
-    // What is left out does not part what stands around it.
-    if (static_cast<unsigned char>(*from) == 0xEF)
-      endProgress_ = 0;
-    return copySpecial(from);
-  }
-  output_ += *from;
   if (*from == ']') {
     endProgress_ = std::min(endProgress_ + 1, Brackets);
-  } else {
+    return from + 1;
+  }
+  if (*from == '>') {
     if (endProgress_ == Brackets)
       state_ = State::Text;
     endProgress_ = 0;
+    return from + 1;
   }
-  return from + 1;
+  // What is left out does not part what stands around it.
+  if (static_cast<unsigned char>(*from) == 0xEF)
+    endProgress_ = 0;
+  return readSpecial(from);
 }
 
+// Markup of which nothing but the line ends stays.
 const char* XmlMender::readDropped(const char* from, const char* end) {
   const char mark = state_ == State::Comment ? '-' : '?';
   const int marks = state_ == State::Comment ? 2 : state_ == State::Instruction ? 1 : 0;
-  for (; from != end; ++from) {
+  QByteArray lineEnds;
+  for (; from != end && state_ != State::Text; ++from) {
     if (*from == '>' && endProgress_ == marks) {
       state_ = State::Text;
       endProgress_ = 0;
-      return from + 1;
+      continue;
     }
     endProgress_ = *from == mark ? std::min(endProgress_ + 1, marks) : 0;
     if (*from == '\n')
-      output_ += '\n';
+      lineEnds += '\n';
   }
+  output_ += lineEnds;
+  run_ = from;
   return from;
 }
 
 const char* XmlMender::readDocumentType(const char* from) {
   const char c = *from;
   pending_ += c;
-  if (c == '\n')
-    output_ += '\n';
+  replace(from, from + 1, c == '\n' ? QByteArrayView("\n") : QByteArrayView());
   if (pending_.size() > LongestDocumentType) {
     fail(u"a document type of more than %1 bytes"_s.arg(LongestDocumentType));
   } else if (inComment_) {
@@ -401,42 +430,41 @@ void XmlMender::declareEntities(QByteArrayView text) {
   }
 }
 
+// What is read of a reference is pending and out of the run.
 const char* XmlMender::readReference(const char* from) {
   if (*from == ';' && pending_.size() > 1) {
     state_ = stateAfterReference_;
-    resolveReference();
+    replace(from, from + 1, resolvedReference());
     return from + 1;
   }
   if (isInReference(*from) && pending_.size() <= LongestReference) {
     pending_ += *from;
+    replace(from, from + 1, {});
     return from + 1;
   }
-  output_ += "&amp;" + pending_.sliced(1);
+  replace(from, from, QByteArray("&amp;" + pending_.sliced(1)));
   state_ = stateAfterReference_;
   return from;
 }
 
-void XmlMender::resolveReference() {
+QByteArray XmlMender::resolvedReference() {
   const QByteArray name = pending_.sliced(1);
-  if (isPredefined(name)) {
-    output_ += pending_ + ';';
-    return;
-  }
+  if (isPredefined(name))
+    return pending_ + ';';
   if (const std::optional<char32_t> character = characterOfReference(name)) {
-    appendEscaped(output_, *character);
-    return;
+    QByteArray text;
+    appendEscaped(text, *character);
+    return text;
   }
   const auto entity = entities_.constFind(name);
-  if (entity == entities_.constEnd()) {
-    output_ += "&amp;" + name + ';';
-    return;
-  }
-  if (entity->refersToOthers)
-    return fail(u"the entity \"%1\" is made of other entities"_s.arg(QString::fromUtf8(name)));
+  if (entity == entities_.constEnd())
+    return "&amp;" + name + ';';
   expandedBytes_ += entity->text.size();
-  if (expandedBytes_ > MostExpandedBytes)
-    return fail(u"entities that stand for more than %1 bytes"_s.arg(MostExpandedBytes));
-  output_ += entity->text;
+  if (entity->refersToOthers)
+    fail(u"the entity \"%1\" is made of other entities"_s.arg(QString::fromUtf8(name)));
+  else if (expandedBytes_ > MostExpandedBytes)
+    fail(u"entities that stand for more than %1 bytes"_s.arg(MostExpandedBytes));
+  return error_.isEmpty() ? entity->text : QByteArray();
 }
 
 void XmlMender::fail(const QString& error) {

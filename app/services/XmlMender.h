@@ -44,6 +44,8 @@ class XmlMender {
 
   const char* readText(const char* from, const char* end);
   const char* readOpening(const char* from);
+  const char* readAmpersand(const char* from, const char* end);
+  void beginTag();
   const char* readTag(const char* from, const char* end);
   const char* readValue(const char* from, const char* end);
   const char* readSection(const char* from, const char* end);
@@ -51,14 +53,16 @@ class XmlMender {
   const char* readDocumentType(const char* from);
   const char* readReference(const char* from);
 
-  const char* copyUntil(quint8 stops, const char* from, const char* end);
-  const char* copySpecial(const char* from);
+  const char* readSpecial(const char* from);
+  void replace(const char* from, const char* to, QByteArrayView text);
   void endDocumentType();
   void declareEntities(QByteArrayView documentType);
-  void resolveReference();
+  QByteArray resolvedReference();
   void fail(const QString& error);
 
   QByteArray output_;
+  // Where what is copied as it is begins; most of a document is copied in one.
+  const char* run_ = nullptr;
   State state_ = State::Text;
   // Where a reference stands: in text or in an attribute's value.
   State stateAfterReference_ = State::Text;

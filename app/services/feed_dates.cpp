@@ -50,38 +50,40 @@ int numberOf(QStringView text) {
 
 // "10:20", "10:20:30", "10:20:30.5". Leap seconds count as the second before.
 QTime timeOf(QStringView text) {
-  const QList<QStringView> fields = text.split(u':');
-  if (fields.size() < 2 || fields.size() > 3)
+  const qsizetype first = text.indexOf(u':');
+  const qsizetype second = text.indexOf(u':', first + 1);
+  if (first < 0)
     return {};
-  const int hour = numberOf(fields[0]);
-  const int minute = numberOf(fields[1]);
-  int second = 0;
-  int millisecond = 0;
-  if (fields.size() == 3) {
-    const qsizetype point = fields[2].indexOf(u'.');
-    second = numberOf(point < 0 ? fields[2] : fields[2].left(point));
-    if (point >= 0) {
-      const QStringView fraction = fields[2].mid(point + 1);
-      if (fraction.isEmpty() || !std::all_of(fraction.begin(), fraction.end(), isDigit))
-        return {};
-      millisecond = fraction.left(3).toString().leftJustified(3, u'0').toInt();
-    }
+  const int hour = numberOf(text.left(first));
+  const int minute = numberOf(text.mid(first + 1, second < 0 ? -1 : second - first - 1));
+  if (second < 0)
+    return QTime(hour, minute);
+  const qsizetype point = text.indexOf(u'.', second);
+  const int seconds = numberOf(text.mid(second + 1, point < 0 ? -1 : point - second - 1));
+  int milliseconds = 0;
+  if (point >= 0) {
+    const QStringView fraction = text.mid(point + 1);
+    if (fraction.isEmpty() || !std::all_of(fraction.begin(), fraction.end(), isDigit))
+      return {};
+    milliseconds = fraction.left(3).toString().leftJustified(3, u'0').toInt();
   }
-  return QTime(hour, minute, second == 60 ? 59 : second, millisecond);
+  return QTime(hour, minute, seconds == 60 ? 59 : seconds, milliseconds);
 }
 
 // "+0130", "-01:30", "+01". Seconds; nothing where it is no offset.
 std::optional<int> offsetOf(QStringView text) {
   if (text.size() < 2 || (text[0] != u'+' && text[0] != u'-'))
     return std::nullopt;
-  QString digits = text.mid(1).toString().remove(u':');
-  if (digits.size() == 1 || digits.size() == 3)
-    digits.prepend(u'0');
-  const int number = numberOf(digits);
-  if (number < 0 || (digits.size() != 2 && digits.size() != 4))
+  const QStringView digits = text.mid(1);
+  const qsizetype colon = digits.indexOf(u':');
+  const qsizetype hourDigits = colon >= 0          ? colon
+                               : digits.size() > 2 ? digits.size() - 2
+                                                   : digits.size();
+  const QStringView minuteText = digits.mid(colon >= 0 ? colon + 1 : hourDigits);
+  const int hours = numberOf(digits.left(hourDigits));
+  const int minutes = colon < 0 && minuteText.isEmpty() ? 0 : numberOf(minuteText);
+  if (hours < 0 || hourDigits > 2 || minutes < 0 || minuteText.size() > 2)
     return std::nullopt;
-  const int hours = digits.size() == 2 ? number : number / 100;
-  const int minutes = digits.size() == 2 ? 0 : number % 100;
   const int seconds = hours * SecondsPerHour + minutes * 60;
   return text[0] == u'-' ? -seconds : seconds;
 }
@@ -112,11 +114,12 @@ std::optional<QDateTime> rfc3339(QStringView text) {
 }
 
 int monthOf(QStringView word) {
-  static const QString months = u"janfebmaraprmayjunjulaugsepoctnovdec"_s;
-  if (word.size() < 3)
-    return -1;
-  const qsizetype place = months.indexOf(word.left(3), 0, Qt::CaseInsensitive);
-  return place >= 0 && place % 3 == 0 ? int(place / 3) + 1 : -1;
+  constexpr QStringView Months(u"janfebmaraprmayjunjulaugsepoctnovdec");
+  constexpr qsizetype Letters = 3;
+  for (qsizetype place = 0; word.size() >= Letters && place < Months.size(); place += Letters)
+    if (word.left(Letters).compare(Months.sliced(place, Letters), Qt::CaseInsensitive) == 0)
+      return int(place / Letters) + 1;
+  return -1;
 }
 
 int fullYear(QStringView word) {
@@ -135,27 +138,47 @@ int zoneOffset(QStringView word) {
   return found == Zones.end() ? 0 : int(found->second * SecondsPerHour);
 }
 
+void readWord(QStringView word, Parts& parts) {
+  for (const QStringView prefix : {QStringView(u"GMT"), QStringView(u"UTC")})
+    if (word.size() > prefix.size() && word.startsWith(prefix))
+      word = word.mid(prefix.size());
+  if (isDigit(word[0]) && word.contains(u':')) {
+    parts.time = timeOf(word);
+  } else if (isDigit(word[0])) {
+    if (parts.day < 0 && word.size() <= 2)
+      parts.day = numberOf(word);
+    else
+      parts.year = fullYear(word);
+  } else if (const std::optional<int> offset = offsetOf(word)) {
+    parts.offset = *offset;
+  } else if (parts.month < 0 && monthOf(word) > 0) {
+    parts.month = monthOf(word);
+  } else {
+    parts.offset = zoneOffset(word);
+  }
+}
+
+// Whether the place lies between words. The "-" of "05-Sep-2024" does, one before digits is a sign.
+bool partsWords(QStringView text, qsizetype i) {
+  if (text[i].isSpace() || text[i] == u',')
+    return true;
+  if (text[i] != u'-' || i == 0 || i + 1 == text.size())
+    return false;
+  const QStringView before = text.left(i);
+  const bool isZone = before.endsWith("GMT"_L1) || before.endsWith("UTC"_L1);
+  return !isZone && (before.back().isLetter() || text[i + 1].isLetter());
+}
+
 // By the shape of its words, so that their order and what is missing do not matter.
-std::optional<QDateTime> rfc822(const QString& text) {
+std::optional<QDateTime> rfc822(QStringView text) {
   Parts parts;
-  for (QStringView word : QStringView(text).split(u' ', Qt::SkipEmptyParts)) {
-    for (const QStringView prefix : {QStringView(u"GMT"), QStringView(u"UTC")})
-      if (word.size() > 3 && word.startsWith(prefix))
-        word = word.mid(3);
-    if (word.contains(u':') && isDigit(word[0])) {
-      parts.time = timeOf(word);
-    } else if (const std::optional<int> offset = offsetOf(word)) {
-      parts.offset = *offset;
-    } else if (isDigit(word[0])) {
-      if (parts.day < 0 && word.size() <= 2)
-        parts.day = numberOf(word);
-      else
-        parts.year = fullYear(word);
-    } else if (parts.month < 0 && monthOf(word) > 0) {
-      parts.month = monthOf(word);
-    } else {
-      parts.offset = zoneOffset(word);
-    }
+  qsizetype start = 0;
+  for (qsizetype i = 0; i <= text.size(); ++i) {
+    if (i < text.size() && !partsWords(text, i))
+      continue;
+    if (i > start)
+      readWord(text.sliced(start, i - start), parts);
+    start = i + 1;
   }
   return moment(parts);
 }
@@ -167,13 +190,7 @@ std::optional<QDateTime> feedDate(QStringView text) {
     return std::nullopt;
   if (numberOf(text.left(4)) >= 0 && (text.size() == 4 || text[4] == u'-'))
     return rfc3339(text);
-  QString words = text.toString().simplified();
-  words.replace(u',', u' ');
-  // "05-Sep-2024" stands for three words; a sign before a digit is an offset's.
-  for (qsizetype i = 1; i + 1 < words.size(); ++i)
-    if (words[i] == u'-' && (words[i - 1].isLetter() || words[i + 1].isLetter()))
-      words[i] = u' ';
-  return rfc822(words);
+  return rfc822(text);
 }
 
 } // namespace zq::app

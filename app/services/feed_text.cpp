@@ -126,23 +126,22 @@ class MarkupStripper {
 QString decoded(QStringView text) {
   QString result;
   result.reserve(text.size());
-  for (qsizetype i = 0; i < text.size(); ++i) {
-    if (text[i] == u'&') {
-      qsizetype end = i + 1;
-      while (end < text.size() && end - i <= LongestReference &&
-             (text[end].isLetterOrNumber() || text[end] == u'#'))
-        ++end;
-      if (end < text.size() && text[end] == u';') {
-        const QByteArray name = text.mid(i + 1, end - i - 1).toUtf8();
-        if (const std::optional<char32_t> character = characterOfReference(name)) {
-          result += QStringView(QChar::fromUcs4(*character));
-          i = end;
-          continue;
-        }
-      }
+  qsizetype copied = 0;
+  for (qsizetype i = text.indexOf(u'&'); i >= 0; i = text.indexOf(u'&', i + 1)) {
+    qsizetype end = i + 1;
+    while (end < text.size() && end - i <= LongestReference &&
+           (text[end].isLetterOrNumber() || text[end] == u'#'))
+      ++end;
+    if (end == text.size() || text[end] != u';')
+      continue;
+    const QByteArray name = text.sliced(i + 1, end - i - 1).toUtf8();
+    if (const std::optional<char32_t> character = characterOfReference(name)) {
+      result += text.sliced(copied, i - copied);
+      result += QStringView(QChar::fromUcs4(*character));
+      copied = end + 1;
     }
-    result += text[i];
   }
+  result += text.sliced(copied);
   return result;
 }
 
@@ -170,28 +169,43 @@ bool isDropped(char32_t c) {
          (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE;
 }
 
+// Characters that stay as they are, as far as that is quickly told.
+bool isPlain(QChar c) {
+  return (c > u' ' && c < u'\x7F') || (c > u'\x00AD' && c < u'\x1680');
+}
+
 QString onOneLine(QStringView text) {
   QString result;
   result.reserve(text.size());
   bool spaceIsDue = false;
-  for (qsizetype i = 0; i < text.size(); ++i) {
-    char32_t c = text[i].unicode();
-    if (text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
-      c = QChar::surrogateToUcs4(text[i], text[i + 1]);
-      ++i;
-    } else if (text[i].isSurrogate()) {
-      c = QChar::ReplacementCharacter;
-    }
-    if (QChar::isSpace(c)) {
-      spaceIsDue = true;
-      continue;
-    }
-    if (isDropped(c))
-      continue;
+  const auto append = [&](QStringView character) {
     if (spaceIsDue && !result.isEmpty())
       result += u' ';
     spaceIsDue = false;
-    result += QStringView(QChar::fromUcs4(c));
+    result += character;
+  };
+  for (qsizetype i = 0; i < text.size(); ++i) {
+    qsizetype end = i;
+    while (end < text.size() && isPlain(text[end]))
+      ++end;
+    if (end > i) {
+      append(text.sliced(i, end - i));
+      i = end - 1;
+      continue;
+    }
+    const QChar unit = text[i];
+    const bool isPair =
+        unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+    char32_t c = unit.unicode();
+    if (isPair)
+      c = QChar::surrogateToUcs4(text[i], text[i + 1]);
+    else if (unit.isSurrogate())
+      c = QChar::ReplacementCharacter;
+    if (QChar::isSpace(c))
+      spaceIsDue = true;
+    else if (!isDropped(c))
+      append(QChar::fromUcs4(c));
+    i += isPair ? 1 : 0;
   }
   return result;
 }
@@ -215,8 +229,8 @@ QString withEllipsis(QStringView text) {
 } // namespace
 
 QString titleText(QStringView text, FeedTextKind kind, qsizetype longest) {
-  const QString line =
-      onOneLine(kind == FeedTextKind::Html ? withoutMarkup(text) : text.toString());
+  const bool hasMarkup = kind == FeedTextKind::Html && (text.contains(u'<') || text.contains(u'&'));
+  const QString line = hasMarkup ? onOneLine(withoutMarkup(text)) : onOneLine(text);
   if (line.size() <= longest)
     return line;
   return withEllipsis(QStringView(line).left(boundary(line, longest - 1)));

@@ -1,11 +1,13 @@
 set(app_SOURCES
     FakeItem.h
+    FeedDecoderTest.cpp
     FeedDescription.h
     FeedParserTest.cpp
     FeedSamplesTest.cpp
     FeedScheduleTest.cpp
     FeedSignsTest.cpp
     FetchTest.cpp
+    JsonTokenizerTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
     MotionTest.cpp
@@ -21,7 +23,9 @@ set(app_SOURCES
     TickerDisplayTest.cpp
     XServer.cpp
     XServer.h
+    feed_datesTest.cpp
     feed_itemsTest.cpp
+    feed_textTest.cpp
     output_filesTest.cpp
     picture_decodingTest.cpp
     response_hintsTest.cpp
