@@ -11,6 +11,7 @@
 #include <cerrno>
 #include <mutex>
 #include <system_error>
+#include <utility>
 
 namespace zq::platform {
 
@@ -82,25 +83,59 @@ void CurlDriver::giveBackHandle(CURL* handle) {
   handles_.push_back(handle);
 }
 
-CURLMcode CurlDriver::add(CurlTransfer& transfer) {
+void CurlDriver::add(CurlTransfer& transfer) {
+  // Not left to curl's own queue, which prepares a transfer from the beginning each time it looks
+  // for a connection.
+  const QString name = transfer.server();
+  servers_[name].waiting.push_back(&transfer);
+  startWaiting(name);
+}
+
+void CurlDriver::startWaiting(const QString& name) {
+  const auto found = servers_.find(name);
+  Server& server = found->second;
+  while (!server.waiting.empty() && server.running < MostConnectionsPerHost) {
+    CurlTransfer* const next = server.waiting.front();
+    server.waiting.pop_front();
+    if (start(*next))
+      ++server.running;
+  }
+  if (server.running == 0 && server.waiting.empty())
+    servers_.erase(found);
+}
+
+bool CurlDriver::start(CurlTransfer& transfer) {
   now_ = Clock::now();
   const CURLMcode result = curl_multi_add_handle(multi_, transfer.handle());
-  if (result != CURLM_OK)
-    return result;
+  if (result != CURLM_OK) {
+    transfer.failToStart(result);
+    return false;
+  }
   transfer.index = transfers_.size();
   transfers_.push_back(&transfer);
   transfer.noteProgress();
   if (const auto deadline = transfer.deadline())
     armDeadline(*deadline);
   armTimer();
-  return result;
+  return true;
 }
 
 void CurlDriver::remove(CurlTransfer& transfer) {
+  const QString name = transfer.server();
+  const auto server = servers_.find(name);
+  if (!transfer.index) {
+    if (server != servers_.end())
+      std::erase(server->second.waiting, &transfer);
+    return;
+  }
+  std::erase(paused_, &transfer);
   curl_multi_remove_handle(multi_, transfer.handle());
-  transfers_[transfer.index] = transfers_.back();
-  transfers_[transfer.index]->index = transfer.index;
+  transfers_[*transfer.index] = transfers_.back();
+  transfers_.back()->index = transfer.index;
   transfers_.pop_back();
+  transfer.index.reset();
+  --server->second.running;
+  startWaiting(name);
 }
 
 int CurlDriver::socketChanged(CURL*, curl_socket_t socket, int what, void* self, void*) {
@@ -138,6 +173,7 @@ void CurlDriver::socketsAreReady() {
     isBusy = workOnSockets() && now_ < end;
     workOnTimer();
     takeFinished();
+    resumePaused();
     armTimer();
   }
 }
@@ -175,6 +211,7 @@ void CurlDriver::timerIsDue() {
   now_ = Clock::now();
   workOnTimer();
   takeFinished();
+  resumePaused();
   armTimer();
 }
 
@@ -188,6 +225,12 @@ void CurlDriver::takeFinished() {
     curl_easy_getinfo(message->easy_handle, CURLINFO_PRIVATE, &transfer);
     static_cast<CurlTransfer*>(transfer)->finish(result);
   }
+}
+
+void CurlDriver::resumePaused() {
+  // What curl has kept back may be enough for another pause.
+  for (CurlTransfer* transfer : std::exchange(paused_, {}))
+    transfer->resume();
 }
 
 void CurlDriver::armTimer() {
@@ -211,9 +254,10 @@ void CurlDriver::deadlineIsDue() {
   now_ = Clock::now();
   // What arrived while the event loop was busy elsewhere counts as progress.
   const auto end = now_ + LongestBurst;
-  while (workOnSockets() && now_ < end) {
-  }
+  while (workOnSockets() && now_ < end)
+    resumePaused();
   takeFinished();
+  resumePaused();
   std::vector<CurlTransfer*> expired;
   std::optional<Clock::time_point> next;
   for (CurlTransfer* transfer : transfers_) {

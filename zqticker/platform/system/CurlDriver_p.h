@@ -2,12 +2,15 @@
 #pragma once
 
 #include <QtCore/QSocketNotifier>
+#include <QtCore/QString>
 #include <QtCore/QTimer>
 
 #include <curl/curl.h>
 
 #include <chrono>
+#include <deque>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
 namespace zq::platform {
@@ -35,14 +38,27 @@ class CurlDriver {
   CURL* takeHandle();
   void giveBackHandle(CURL* handle);
 
-  // Starts `transfer`, to be removed by itself or once it is told of its end.
-  CURLMcode add(CurlTransfer& transfer);
+  // Starts `transfer`, now or when its server has a connection left for it.
+  void add(CurlTransfer& transfer);
+  // Ends it, running or waiting.
   void remove(CurlTransfer& transfer);
+
+  // Lets `transfer`, which has paused itself, go on once what it has noted is about to be
+  // delivered.
+  void resumeAfterRound(CurlTransfer& transfer) { paused_.push_back(&transfer); }
 
   // The time of the round that is going on; a little old outside of one.
   Clock::time_point now() const { return now_; }
 
  private:
+  // Transfers of one scheme, host and port.
+  struct Server {
+    long running = 0;
+    std::deque<CurlTransfer*> waiting;
+  };
+
+  bool start(CurlTransfer& transfer);
+  void startWaiting(const QString& name);
   static int socketChanged(CURL* handle, curl_socket_t socket, int what, void* self, void*);
   static int timerChanged(CURLM* multi, long milliseconds, void* self);
 
@@ -53,6 +69,7 @@ class CurlDriver {
   bool workOnSockets();
   void workOnTimer();
   void takeFinished();
+  void resumePaused();
   void armTimer();
   void armDeadline(Clock::time_point due);
 
@@ -67,7 +84,9 @@ class CurlDriver {
   std::optional<Clock::time_point> timerArmed_;
   std::optional<Clock::time_point> deadlineArmed_;
   Clock::time_point now_ = Clock::now();
-  std::vector<CurlTransfer*> transfers_;
+  std::vector<CurlTransfer*> transfers_; // running
+  std::unordered_map<QString, Server> servers_;
+  std::vector<CurlTransfer*> paused_;
   std::vector<CURL*> handles_;
 };
 

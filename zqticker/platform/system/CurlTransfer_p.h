@@ -26,12 +26,20 @@ class CurlTransfer final : public URLSource {
   // When idleness becomes a failure; nothing where it never does.
   std::optional<CurlDriver::Clock::time_point> deadline() const;
 
+  // Goes on after a pause: what arrived in this round was enough, and waits to be delivered.
+  void resume();
+
+  // The scheme, host and port that are asked.
+  QString server() const;
+
+  // Tells the client; the transfer is not running.
+  void failToStart(CURLMcode result);
   // Both end the transfer and tell the client.
   void finish(CURLcode result);
   void timeOut();
 
-  // The place in the driver's list.
-  std::size_t index = 0;
+  // The place in the driver's list of running transfers; nothing while it is not running.
+  std::optional<std::size_t> index;
 
  private:
   static std::size_t headerArrived(char* bytes, std::size_t, std::size_t count, void* self);
@@ -47,6 +55,7 @@ class CurlTransfer final : public URLSource {
   void setCertificateAuthorities();
   bool takeHeaderLine(QByteArrayView line);
   void tellResponse();
+  void pauseIfEnough();
   void fail(int code, const QString& text);
   void release();
 
@@ -55,7 +64,6 @@ class CurlTransfer final : public URLSource {
   Ref<URLRequest> request_;
   CURL* handle_ = nullptr;
   curl_slist* addedFields_ = nullptr;
-  bool isAdded_ = false;
   CurlDriver::Clock::time_point lastProgress_;
   qsizetype headerBytes_ = 0;
   // Between a status line and the empty line that ends its header; what comes later are trailers.
@@ -63,6 +71,10 @@ class CurlTransfer final : public URLSource {
   bool hasResponse_ = false;
   // The client knows of a failure; what curl says of it is of no interest.
   bool isFailed_ = false;
+  // What arrived in this round, and whether the transfer waits for the next one.
+  qsizetype heldBytes_ = 0;
+  bool isPaused_ = false;
+  bool isEncoded_ = false;
   int status_ = 0;
   HTTPHeaderFields fields_;
   std::array<char, CURL_ERROR_SIZE> errorText_{};
