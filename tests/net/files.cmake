@@ -1,1 +1,13 @@
-set(net_SOURCES HttpServerTest.cpp URLCacheTest.cpp ZQURLLoaderTest.cpp)
+set(net_SOURCES
+    HttpServerTest.cpp
+    LoadProbe.cpp
+    LoadProbe.h
+    URLCacheTest.cpp
+    ZQURLLoaderTest.cpp
+    bodiesTest.cpp
+    failuresTest.cpp
+    limitsTest.cpp
+    loader_callsTest.cpp
+    proxiesTest.cpp
+    redirectsTest.cpp
+    secure_loadsTest.cpp)

@@ -14,6 +14,9 @@ int main(int argc, char** argv) {
   qputenv("QT_SCALE_FACTOR", "1");
   qunsetenv("QT_SCREEN_SCALE_FACTORS");
   qunsetenv("QT_QPA_PLATFORMTHEME");
+  for (const char* variable : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY",
+                               "no_proxy", "NO_PROXY", "SSL_CERT_FILE"})
+    qunsetenv(variable);
   // Programs that a test starts on a window system of its own get another platform from it.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   QLocale::setDefault(QLocale::c());
