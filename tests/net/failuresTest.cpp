@@ -203,6 +203,40 @@ TEST(IdleTimeOut, StartsAnewWithEveryPiece) {
   EXPECT_EQ(probe.data, QByteArray("piece").repeated(7));
 }
 
+TEST(IdleTimeOut, DoesNotCountTheWaitForAConnection) {
+  constexpr qint64 Milliseconds = 200;
+  constexpr int MostConnections = 32;
+  HttpServer server;
+  HttpLatch go;
+  server.route("/held", [go](const HttpRequest&, HttpReply& reply) {
+    reply.wait(go);
+    reply.send(200, "held");
+  });
+  server.route("/waiting", 200, "waited");
+  std::vector<std::unique_ptr<LoadProbe>> held;
+  for (int count = 0; count < MostConnections; ++count) {
+    held.push_back(std::make_unique<LoadProbe>());
+    held.back()->start(server.url("/held"));
+  }
+  ASSERT_TRUE(waitFor([&] { return server.requestCount() == MostConnections; }))
+      << "one that is not answered holds up the others";
+  LoadProbe waiting;
+  waiting.prepare(server.url("/waiting"))
+      ->loadWithCachePolicy(URLRequestCachePolicy::UseProtocolCachePolicy, Milliseconds / 1000.0);
+  QElapsedTimer pause;
+  pause.start();
+  ASSERT_TRUE(waitFor([&] { return pause.hasExpired(3 * Milliseconds); }));
+  EXPECT_EQ(waiting.completions, 0);
+  go.open();
+  ASSERT_TRUE(waitFor([&] { return waiting.completions > 0; }));
+  EXPECT_EQ(waiting.data, "waited");
+  EXPECT_EQ(server.connectionCount(), MostConnections);
+  ASSERT_TRUE(waitFor([&] {
+    return std::all_of(held.begin(), held.end(),
+                       [](const auto& probe) { return probe->loader.expired(); });
+  }));
+}
+
 TEST(FileAddresses, GiveTheFile) {
   QTemporaryDir folder;
   QFile file(folder.filePath(u"a b#%.txt"_s));

@@ -69,7 +69,9 @@ void CurlTransfer::setOptions(const SourceRequest& request) {
   // Idleness is counted here; curl's own limit on connecting would come first.
   set(CURLOPT_CONNECTTIMEOUT_MS, long(std::numeric_limits<int>::max()));
   set(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_2TLS));
-  set(CURLOPT_PIPEWAIT, 1L);
+  // Only over TLS, which settles the version with the handshake: else all would wait for the first
+  // answer.
+  set(CURLOPT_PIPEWAIT, long(url.scheme() == "https"_L1));
   set(CURLOPT_ACCEPT_ENCODING, "");
   set(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
   set(CURLOPT_PROXY_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));

@@ -57,8 +57,8 @@ class ZQTICKER_EXPORT URLConnectionDelegate : public WeakReferenced {
 // - Bodies arrive decoded. Cookies are neither sent nor kept, no password file is read. Proxies are
 //   those that the environment names (http_proxy, https_proxy, all_proxy, no_proxy). Certificates
 //   are always verified, TLS is 1.2 or later.
-// - The header of a response may have 256 KiB in all. At most 32 connections go to one host at a
-//   time; requests beyond them wait, which counts as idleness.
+// - The header of a response may have 256 KiB in all. At most 32 connections go to one server at a
+//   time; requests beyond them wait, which is no idleness.
 // - Files are regular files.
 //
 // Thread: a connection lives on the thread that started it, which needs a running event loop. When
