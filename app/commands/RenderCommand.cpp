@@ -30,7 +30,7 @@ void takeLines(TickerDisplay& display, const LoopRule& rule, double patienceSeco
 }
 } // namespace
 
-void render(const RenderOptions& options, double patienceSeconds) {
+void render(const RenderOptions& options, const RenderPatience& patience, Interrupts& interrupts) {
   TickerDisplay display;
   const QString argument = u"--output "_s + quotedForMessage(options.output);
   const StripLook look = lookOf(options.strip, UsualSize);
@@ -43,7 +43,9 @@ void render(const RenderOptions& options, double patienceSeconds) {
   display.setScale(options.scale);
   fillDisplay(display, options.strip, look, 0);
   if (options.strip.readsStandardInput)
-    takeLines(display, lineRuleOf(options.strip), patienceSeconds);
+    takeLines(display, lineRuleOf(options.strip), patience.forLines);
+  loadFeeds(display, options.strip, look, options.scale, patience.forFeeds, patience.feedFailure,
+            interrupts);
 
   FrameSeries series{options.frames, options.framesPerSecond, 0, options.strip.background};
   const double extent = options.strip.isHorizontal ? look.size.width() : look.size.height();
@@ -58,8 +60,8 @@ void render(const RenderOptions& options, double patienceSeconds) {
 }
 
 int renderCommand(const QStringList& arguments) {
-  const Interrupts interrupts;
-  render(readRenderOptions(arguments), -1);
+  Interrupts interrupts;
+  render(readRenderOptions(arguments), RenderPatience(), interrupts);
   return Success;
 }
 

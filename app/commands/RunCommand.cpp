@@ -6,6 +6,10 @@
 #include "app/commands/strip_setup.h"
 #include "app/display/StripWidget.h"
 #include "app/intake/LineReader.h"
+#include "app/services/FeedService.h"
+#include "app/services/FeedSigns.h"
+#include "app/services/FeedSubscription.h"
+#include "app/services/loading_setup.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
@@ -81,8 +85,21 @@ int runCommand(const QStringList& arguments) {
   widget.setGeometry(windowGeometry(options, look, room));
 
   std::unique_ptr<LineReader> reader;
+  FeedSigns feedSigns(display, feedRuleOf(options.strip));
+  std::unique_ptr<FeedService> feeds;
+  if (!options.strip.feeds.feeds.empty()) {
+    prepareLoading();
+    feeds = std::make_unique<FeedService>(
+        options.strip.feeds, pictureRoomOf(options.strip, look, screen->devicePixelRatio()),
+        [&](const std::vector<ShownItem>& items) {
+          feedSigns.show(items, widget.time());
+          widget.displayChanged();
+        });
+    feeds->start();
+  }
+  // A feed may always bring something new.
   const auto quitWhenDone = [&] {
-    if (widget.isFinished() && (!reader || reader->hasEnded()))
+    if (widget.isFinished() && !feeds && (!reader || reader->hasEnded()))
       QCoreApplication::quit();
   };
   if (options.strip.readsStandardInput && isOpen(STDIN_FILENO)) {
@@ -109,7 +126,7 @@ int runCommand(const QStringList& arguments) {
 
 int runWithoutDisplay(const QStringList& arguments, const QString& reason) {
   const RunOptions options = readRunOptions(arguments);
-  const Interrupts interrupts;
+  Interrupts interrupts;
   QTemporaryDir folder;
   if (!folder.isValid())
     throw RunTimeError(reason + u", and no temporary folder for pictures: "_s +
@@ -122,7 +139,7 @@ int runWithoutDisplay(const QStringList& arguments, const QString& reason) {
   rendered.frames = static_cast<int>(std::lround(RenderedSeconds * RenderedRate));
   rendered.framesPerSecond = RenderedRate;
   rendered.output = folder.path();
-  render(rendered, PatienceSeconds);
+  render(rendered, {PatienceSeconds, PatienceSeconds, FeedFailure::IsTold}, interrupts);
   folder.setAutoRemove(false);
   printError(reason + u": rendered %1 frames into %2"_s.arg(rendered.frames).arg(folder.path()));
   return Success;

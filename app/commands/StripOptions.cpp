@@ -5,6 +5,7 @@
 #include "app/intake/LineSplitter.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -19,6 +20,10 @@ constexpr double FastestSpeed = 100'000;
 constexpr double ShortestSide = 1;
 constexpr double LongestSide = 16'384;
 constexpr double LongestDelay = 1e9;
+constexpr qint64 MostFeedItems = 1000;
+// Minutes.
+constexpr double ShortestInterval = 0.001;
+constexpr double LongestInterval = 10'080;
 constexpr int MostFrames = 1'000'000;
 constexpr double LargestScale = 16;
 constexpr double SmallestScale = 0.1;
@@ -70,6 +75,20 @@ SignSource fileSource(SignSource::Kind kind, const ParsedOption& option) {
   return {kind, fileOf(option, option.values[0]), {}, option.text()};
 }
 
+// An address that can be loaded. What is no address at all is told apart from one of another kind
+// only by its scheme.
+QUrl feedOf(const ParsedOption& option, const std::vector<QUrl>& before) {
+  const QUrl url(option.values.first().trimmed());
+  const bool isWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+  const bool isLocal = url.scheme() == "file"_L1 || url.scheme() == "data"_L1;
+  if (!url.isValid() || !(isLocal || (isWeb && !url.host().isEmpty())))
+    throw UsageError(option.text() + u": not an address (write https://..., http://... or "
+                                     u"file:///...)"_s);
+  if (std::find(before.begin(), before.end(), url) != before.end())
+    throw UsageError(option.text() + u": given twice"_s);
+  return url;
+}
+
 // Whether `option` is one that all strips have; reads it then.
 bool readStripOption(StripOptions& options, const ParsedOption& option) {
   const QString& name = option.name;
@@ -83,6 +102,12 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
     options.sources.push_back(source);
   } else if (name == "sign"_L1) {
     options.sources.push_back(fileSource(SignSource::Kind::Sign, option));
+  } else if (name == "feed"_L1) {
+    options.feeds.feeds.push_back(feedOf(option, options.feeds.feeds));
+  } else if (name == "feed-items"_L1) {
+    options.feeds.itemsPerFeed = static_cast<std::size_t>(integerOf(option, 1, MostFeedItems));
+  } else if (name == "feed-interval"_L1) {
+    options.feeds.intervalMinutes = numberOf(option, ShortestInterval, LongestInterval);
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
@@ -114,9 +139,9 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
 }
 
 void requireSomethingToShow(const StripOptions& options, const QString& command) {
-  if (options.sources.empty() && !options.readsStandardInput)
-    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign or --stdin (see "
-                     u"zqticker %1 --help)"_s.arg(command));
+  if (options.sources.empty() && options.feeds.feeds.empty() && !options.readsStandardInput)
+    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign, --feed or --stdin "
+                     u"(see zqticker %1 --help)"_s.arg(command));
 }
 
 void readSize(StripOptions& options, const ParsedOption& option) {

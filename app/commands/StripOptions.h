@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/commands/OptionTable.h"
+#include "app/services/FeedOptions.h"
 
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
@@ -30,6 +31,7 @@ struct FontRequest {
 // The options that `run` and `render` share.
 struct StripOptions {
   std::vector<SignSource> sources; // in the order in which they are shown
+  FeedOptions feeds;
   bool readsStandardInput = false;
   bool isHorizontal = true;
   double speed = 60; // points per second

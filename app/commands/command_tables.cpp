@@ -19,6 +19,17 @@ const std::vector<OptionSpec>& stripOptions() {
        u"Show a sign from its archive, with the loop count, the delay and the scrolling that it "
        u"was archived with."_s,
        true},
+      {u"feed"_s,
+       {u"URL"_s},
+       u"Show the items of a feed (RSS, Atom or JSON Feed), each with its picture where it has "
+       u"one, "
+       u"behind what the other options show. Several feeds take turns."_s,
+       true},
+      {u"feed-items"_s, {u"COUNT"_s}, u"The most items of each feed; 10 by default."_s},
+      {u"feed-interval"_s,
+       {u"MINUTES"_s},
+       u"How long to wait before a feed is asked again; 30 by default, at least 5 but for servers "
+       u"on this machine."_s},
       {u"stdin"_s, {}, u"Show each line of standard input as it arrives."_s},
       {u"direction"_s,
        {u"DIRECTION"_s},
@@ -36,8 +47,9 @@ const std::vector<OptionSpec>& stripOptions() {
       {u"autoscale"_s, {}, u"Scale texts to the height of the strip (horizontal strips)."_s},
       {u"loop"_s,
        {u"COUNT"_s},
-       u"How often each sign is shown: 1 or more, or forever. By default what --text, --image and "
-       u"--combo show is shown forever, signs from archives as often as they say, lines of "
+       u"How often each sign is shown: 1 or more, or forever. By default what --text, --image, "
+       u"--combo and --feed show is shown forever, signs from archives as often as they say, lines "
+       u"of "
        u"standard input once."_s},
       {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
       {u"continuous"_s,
@@ -53,6 +65,17 @@ const QString StandardInputNote =
     u"characters is cut there and ends in an ellipsis. At most 1,000 lines wait, with at most "
     u"16,000,000 characters together: for a new one the line that was shown longest ago goes (with "
     u"--loop), then the oldest waiting one; a line that is on the strip stays."_s;
+
+const QString FeedNote =
+    u"Feeds: the first items that a feed lists are shown, for as long as it lists them; a changed "
+    u"title changes, a new item comes next. With --loop an item is shown that often and not again, "
+    u"whatever the feed does. Feeds are asked again as late as --feed-interval, the feed itself "
+    u"and "
+    u"its server ask for, within a day. What cannot be read is told in one line and tried again, "
+    u"after half a minute at first, after six hours at last; the items that there are stay. A "
+    u"feed that its server calls gone is not asked again. A picture may have 8 MiB and 16 million "
+    u"pixels; an item waits three seconds for it. Answers are kept in the cache folder of the "
+    u"user, up to 64 MiB."_s;
 
 OptionTable makeRunTable() {
   OptionTable table;
@@ -75,14 +98,15 @@ OptionTable makeRunTable() {
        u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
-      StandardInputNote,
+      StandardInputNote, FeedNote,
       u"The program ends when all signs have been shown as often as they ask for and standard "
       u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu under the right "
-      u"mouse button. Everything is read and checked before the window opens. Without a display "
+      u"mouse button. With --feed it does not end by itself. Everything but feeds is read and "
+      u"checked before the window opens. Without a display "
       u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "
       u"rendered as pictures into a new temporary folder, whose name is printed; of standard input "
       u"what comes until it ends, until 1,000 lines wait or until nothing has come for five "
-      u"seconds is shown."_s,
+      u"seconds is shown, and of feeds what has come after five seconds."_s,
       u"Exit status: 0 when all went well, 1 for what cannot be read or done, 2 for a wrong "
       u"command line."_s};
   table.examples = {
@@ -90,6 +114,8 @@ OptionTable makeRunTable() {
       u"A text and a picture, in turn, at the bottom of the screen."_s,
       u"tail -f /var/log/syslog | zqticker --stdin --speed 120"_s,
       u"Every new line of a log, as it is written."_s,
+      u"zqticker --feed https://example.org/news.xml --feed https://example.net/atom --continuous"_s,
+      u"The newest items of two feeds by turns, kept up to date."_s,
       u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
       u"--background lightyellow"_s,
       u"A picture and a text in a font and colors of your own."_s,
@@ -102,7 +128,7 @@ OptionTable makeRenderTable() {
   OptionTable table;
   table.command = u"render"_s;
   table.summary = u"Renders the strip that `run` would show into pictures, without a display. The "
-                  u"same arguments give the same bytes."_s;
+                  u"same arguments give the same bytes, as long as feeds do not change."_s;
   table.options = stripOptions();
   table.options.push_back(
       {u"size"_s, {u"WIDTHxHEIGHT"_s}, u"Size of the strip in points; 800x24 by default."_s});
@@ -124,7 +150,9 @@ OptionTable makeRenderTable() {
        u"name ends in .png, in which the frames stand one below the other."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
-      StandardInputNote,
+      StandardInputNote, FeedNote,
+      u"Feeds are read once, before the first frame; one that cannot be read, or has not answered "
+      u"after a minute, is an error."_s,
       u"With --stdin all lines are taken before the first frame: up to the end of standard input, "
       u"or until 1,000 lines wait. Each file is complete or not there: it is written under another "
       u"name first. The first frame shows the strip at --start, the others follow at --fps."_s};

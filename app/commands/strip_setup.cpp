@@ -4,6 +4,7 @@
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/FontManager.h"
+#include "zqticker/signs/ZQTickerSign.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +20,10 @@ constexpr double UsualVerticalWidth = 240;
 constexpr double VerticalFontSize = 16;
 // The part of a horizontal strip's height that a line of text takes.
 constexpr double TextFraction = 0.8;
+
+// The largest side of a picture beside an item, in pixels, and its length in breadths.
+constexpr double LargestPicture = 2048;
+constexpr double LongestPicture = 8;
 
 Ref<Font> fontToFit(const Ref<Font>& font, double height) {
   return FontManager::sharedFontManager().convertFontToFitHeight(font, height);
@@ -63,6 +68,18 @@ void fillDisplay(TickerDisplay& display, const StripOptions& options, const Stri
 
 LoopRule lineRuleOf(const StripOptions& options) {
   return {options.loopCount.value_or(1), options.loopDelay.value_or(0), options.continuous};
+}
+
+LoopRule feedRuleOf(const StripOptions& options) {
+  return {options.loopCount.value_or(ZQEndlessLoopCount), options.loopDelay.value_or(0),
+          options.continuous};
+}
+
+QSize pictureRoomOf(const StripOptions& options, const StripLook& look, double scale) {
+  const double across = options.isHorizontal ? look.size.height() : look.size.width();
+  const int breadth = static_cast<int>(std::ceil(std::min(across * scale * 2, LargestPicture)));
+  const int length = static_cast<int>(std::min(breadth * LongestPicture, LargestPicture));
+  return options.isHorizontal ? QSize(length, breadth) : QSize(breadth, length);
 }
 
 } // namespace zq::app

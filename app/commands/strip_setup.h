@@ -25,4 +25,10 @@ void fillDisplay(TickerDisplay& display, const StripOptions& options, const Stri
 // The loop rule of lines of standard input.
 LoopRule lineRuleOf(const StripOptions& options);
 
+// The loop rule of the items of feeds: shown without end unless the options say otherwise.
+LoopRule feedRuleOf(const StripOptions& options);
+// The room that a picture beside an item has, in pixels, at `scale` device pixels a point; enough
+// for a strip that is made twice as large.
+QSize pictureRoomOf(const StripOptions& options, const StripLook& look, double scale);
+
 } // namespace zq::app

@@ -1,12 +1,25 @@
 # Feeds: what is read from them, when, and what is shown of them.
 set(feed_SOURCES
+    services/BoundedLoad.cpp
+    services/BoundedLoad.h
+    services/FeedLoad.cpp
+    services/FeedLoad.h
+    services/FeedOptions.h
+    services/FeedPictures.cpp
+    services/FeedPictures.h
     services/FeedSchedule.cpp
     services/FeedSchedule.h
+    services/FeedService.cpp
+    services/FeedService.h
     services/FeedSigns.cpp
     services/FeedSigns.h
+    services/FeedSubscription.cpp
+    services/FeedSubscription.h
     services/ShownItem.h
     services/feed_items.cpp
     services/feed_items.h
+    services/loading_setup.cpp
+    services/loading_setup.h
     services/picture_decoding.cpp
     services/picture_decoding.h
     services/response_hints.cpp

@@ -120,8 +120,9 @@ TEST(StripOptions, RefuseEmptyNamesAndTexts) {
 }
 
 TEST(StripOptions, RefuseToShowNothing) {
-  EXPECT_EQ(runFailure(""), "nothing to show: give --text, --image, --combo, --sign or --stdin "
-                            "(see zqticker run --help)");
+  EXPECT_EQ(runFailure(""),
+            "nothing to show: give --text, --image, --combo, --sign, --feed or --stdin "
+            "(see zqticker run --help)");
   EXPECT_EQ(runFailure("--speed 50"), runFailure(""));
 }
 
@@ -164,9 +165,10 @@ TEST(RenderOptions, RefuseWrongValues) {
   EXPECT_EQ(wrong("--position top"), "--position: unknown option (see zqticker render --help)");
   EXPECT_EQ(failure(readRenderOptions, words("--text a")),
             "--output: missing; say where the pictures go, a folder or a file.png");
-  EXPECT_EQ(failure(readRenderOptions, words("--output out")),
-            "nothing to show: give --text, --image, --combo, --sign or --stdin (see zqticker "
-            "render --help)");
+  EXPECT_EQ(
+      failure(readRenderOptions, words("--output out")),
+      "nothing to show: give --text, --image, --combo, --sign, --feed or --stdin (see zqticker "
+      "render --help)");
 }
 
 TEST(SignOptions, ReadEveryOption) {
@@ -193,4 +195,33 @@ TEST(SignOptions, RefuseWhatIsMissing) {
   EXPECT_EQ(failure(readSignOptions, words("--image a --font Sans --output b")),
             "--font: there is no --text that it could style");
   EXPECT_EQ(failure(readSignOptions, words("--text a --text b --output c")), "--text: given twice");
+}
+
+TEST(StripOptions, ReadFeeds) {
+  const StripOptions options =
+      strip("--feed https://example.org/a --feed file:///tmp/b.xml --feed-items 3 "
+            "--feed-interval 0.5");
+  ASSERT_EQ(options.feeds.feeds.size(), 2u);
+  EXPECT_EQ(options.feeds.feeds[0], QUrl(u"https://example.org/a"_s));
+  EXPECT_EQ(options.feeds.feeds[1], QUrl(u"file:///tmp/b.xml"_s));
+  EXPECT_EQ(options.feeds.itemsPerFeed, 3u);
+  EXPECT_EQ(options.feeds.intervalMinutes, 0.5);
+  EXPECT_EQ(strip("--feed https://example.org/a").feeds.itemsPerFeed, 10u);
+  EXPECT_EQ(strip("--feed https://example.org/a").feeds.intervalMinutes, std::nullopt);
+}
+
+TEST(StripOptions, RefuseWhatIsNoFeed) {
+  for (const char* address : {"example.org/feed", "feed.xml", "/tmp/feed.xml", "ftp://example.org/",
+                              "javascript:1", "https://", "http:///feed", "https://[x/", "-"}) {
+    const std::string argument = std::string("--feed ") + address;
+    EXPECT_EQ(runFailure(argument.c_str()),
+              argument + ": not an address (write https://..., http://... or file:///...)");
+  }
+  EXPECT_EQ(failure(readRunOptions, {u"--feed"_s, u""_s}),
+            "--feed : not an address (write https://..., http://... or file:///...)");
+  EXPECT_EQ(runFailure("--feed http://a/ --feed http://a/"), "--feed http://a/: given twice");
+  EXPECT_EQ(runFailure("--feed http://a/ --feed-items 0"),
+            "--feed-items 0: must be between 1 and 1000");
+  EXPECT_EQ(runFailure("--feed http://a/ --feed-interval 0"),
+            "--feed-interval 0: must be between 0.001 and 10080");
 }

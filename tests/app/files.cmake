@@ -2,9 +2,11 @@ set(app_SOURCES
     FakeItem.h
     FeedDecoderTest.cpp
     FeedDescription.h
+    FeedDocument.h
     FeedParserTest.cpp
     FeedSamplesTest.cpp
     FeedScheduleTest.cpp
+    FeedServiceTest.cpp
     FeedSignsTest.cpp
     FetchTest.cpp
     JsonTokenizerTest.cpp
