@@ -6,6 +6,7 @@ set(app_SOURCES
     FeedParserTest.cpp
     FeedSamplesTest.cpp
     FeedScheduleTest.cpp
+    FeedProgramTest.cpp
     FeedServiceTest.cpp
     FeedSignsTest.cpp
     FetchTest.cpp
