@@ -13,10 +13,6 @@ using namespace platform;
 namespace {
 constexpr int FirstErrorStatus = 400;
 constexpr qint64 BytesPerMebibyte = 1 << 20;
-
-QString tooLargeText(qint64 mostBytes) {
-  return u"larger than %1 MiB"_s.arg(mostBytes / BytesPerMebibyte);
-}
 } // namespace
 
 BoundedLoad::BoundedLoad(const QUrl& url, qint64 mostBytes, QObject* parent)
@@ -64,8 +60,8 @@ const QByteArray& BoundedLoad::data() const {
 }
 
 bool BoundedLoad::loaderWillReceiveDataOfLength(ZQURLLoader&, qint64 length) {
-  if (length > mostBytes_)
-    end(tooLargeText(mostBytes_));
+  if (length > mostBytes_ && !beginsInAnyCase_)
+    endTooLarge();
   else
     Q_EMIT responded();
   return true;
@@ -73,9 +69,15 @@ bool BoundedLoad::loaderWillReceiveDataOfLength(ZQURLLoader&, qint64 length) {
 
 void BoundedLoad::loaderDidReceiveDataOfLength(ZQURLLoader&, qint64 total) {
   if (total > mostBytes_)
-    end(tooLargeText(mostBytes_));
+    endTooLarge();
   else
     Q_EMIT grown();
+}
+
+void BoundedLoad::endTooLarge() {
+  isTooLarge_ = true;
+  body_ = loader_->receivedData();
+  end(u"larger than %1 MiB"_s.arg(mostBytes_ / BytesPerMebibyte));
 }
 
 void BoundedLoad::loaded(const std::optional<QByteArray>& data, const QVariantMap& context) {

@@ -18,6 +18,9 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
   BoundedLoad(const QUrl& url, qint64 mostBytes, QObject* parent = nullptr);
   ~BoundedLoad() override;
 
+  // Lets a load begin that announces more bytes than it may bring: what comes first may be enough.
+  void setBeginsInAnyCase(bool begins) { beginsInAnyCase_ = begins; }
+
   // Begins, once; the signals come from the event loop. Uses the shared cache as its protocol says.
   void start();
   // Ends the load; no signal comes any more.
@@ -25,8 +28,10 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
 
   // Of the last response; null before there is one.
   platform::Ref<platform::URLResponse> response() const;
-  // The body so far, and all of it at the end.
+  // The body so far, and all of it at the end; after a failure nothing, except of a body that was
+  // too large the part that came.
   const QByteArray& data() const;
+  bool isTooLarge() const { return isTooLarge_; }
 
   // A response has arrived, the body begins anew; then more of the body.
   Q_SIGNAL void responded();
@@ -39,6 +44,7 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
   void loaderDidReceiveDataOfLength(ZQURLLoader& loader, qint64 total) override;
   void loaded(const std::optional<QByteArray>& data, const QVariantMap& context);
   void end(const QString& errorText);
+  void endTooLarge();
   void cancel();
 
   QUrl url_;
@@ -46,6 +52,8 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
   platform::Ref<ZQURLLoader> loader_; // while it loads
   platform::Ref<platform::URLResponse> response_;
   QByteArray body_;
+  bool beginsInAnyCase_ = false;
+  bool isTooLarge_ = false;
   bool hasEnded_ = false;
 };
 

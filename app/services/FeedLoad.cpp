@@ -24,6 +24,7 @@ QString contentTypeOf(const URLResponse& response) {
 
 FeedLoad::FeedLoad(const QUrl& url, QObject* parent)
     : QObject(parent), load_(url, FeedLimits().bytes) {
+  load_.setBeginsInAnyCase(true);
   connect(&load_, &BoundedLoad::responded, this, &FeedLoad::beginDocument);
   connect(&load_, &BoundedLoad::grown, this, [this] {
     if (parser_ && !slice_.isActive())
@@ -57,18 +58,26 @@ void FeedLoad::parseSlice() {
   if (parsed_ < load_.data().size())
     return;
   slice_.stop();
-  if (isLoaded_)
+  if (!isLoaded_)
+    return;
+  if (parser_->isComplete())
+    answer(QString());
+  else if (!loadError_.isEmpty())
+    answer(loadError_);
+  else
     answer(parser_->finish() ? QString() : parser_->errorText());
 }
 
 // A document that was read as far as it is wanted is one, whatever becomes of the rest of it. It is
 // loaded to its end all the same: what is broken off is not kept in the cache.
 void FeedLoad::loadEnded(const QString& errorText) {
-  if (!parser_ || !(errorText.isEmpty() || parser_->isComplete()))
+  const bool isReadable = errorText.isEmpty() || load_.isTooLarge();
+  if (!parser_)
     return answer(errorText.isEmpty() ? u"no answer"_s : errorText);
-  if (!errorText.isEmpty())
-    return answer(QString());
+  if (!isReadable)
+    return answer(parser_->isComplete() ? QString() : errorText);
   isLoaded_ = true;
+  loadError_ = errorText;
   slice_.start();
 }
 

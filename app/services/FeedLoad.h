@@ -47,6 +47,7 @@ class FeedLoad : public QObject {
   std::unique_ptr<FeedParser> parser_;
   qsizetype parsed_ = 0;
   bool isLoaded_ = false;
+  QString loadError_;
   QTimer slice_;
 };
 

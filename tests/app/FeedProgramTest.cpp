@@ -130,7 +130,8 @@ TEST_F(FeedScreen, GoesOnWhenTheServerStops) {
     errors += program.process().readAllStandardError();
     return errors.endsWith('\n');
   }));
-  EXPECT_TRUE(errors.startsWith("zqticker: feed " + url().toUtf8() + ": ")) << errors.constData();
+  EXPECT_TRUE(errors.startsWith(QByteArray("zqticker: feed " + url().toUtf8() + ": ")))
+      << errors.constData();
   EXPECT_EQ(errors.count('\n'), 1);
   for (int round = 0; round < 2; ++round) {
     EXPECT_TRUE(waitUntil([&] { return !isInSight(Red); }));
