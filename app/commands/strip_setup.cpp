@@ -23,7 +23,7 @@ constexpr double TextFraction = 0.8;
 
 // The largest side of a picture beside an item, in pixels, and its length in breadths.
 constexpr double LargestPicture = 2048;
-constexpr double LongestPicture = 8;
+constexpr double LongestPicture = 4;
 
 Ref<Font> fontToFit(const Ref<Font>& font, double height) {
   return FontManager::sharedFontManager().convertFontToFitHeight(font, height);
