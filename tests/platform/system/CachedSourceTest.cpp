@@ -25,6 +25,7 @@ constexpr qint64 part = HTTPCacheEntry::partLength;
 const QUrl address(u"http://example.org/a#top"_s);
 const auto protocol = URLRequestCachePolicy::UseProtocolCachePolicy;
 const auto reloading = URLRequestCachePolicy::ReloadIgnoringCacheData;
+const auto revalidating = URLRequestCachePolicy::ReloadRevalidatingCacheData;
 const auto elseLoad = URLRequestCachePolicy::ReturnCacheDataElseLoad;
 const auto dontLoad = URLRequestCachePolicy::ReturnCacheDataDontLoad;
 
@@ -307,6 +308,15 @@ TEST_F(CachedSourceTest, ReloadingReadsNothingAndStoresTheResult) {
   EXPECT_EQ(network_.requests[1], HTTPHeaderFields());
   EXPECT_EQ(load().body, "new");
   EXPECT_EQ(requestCount(), 2U);
+}
+
+TEST_F(CachedSourceTest, RevalidatingConfirmsWhatIsFreshToo) {
+  answerWith({200, {maxAge, tag}, "body"});
+  EXPECT_EQ(answerWith({304, {}, {}}, revalidating).body, "body");
+  EXPECT_EQ(network_.requests[1], (HTTPHeaderFields{{u"If-None-Match"_s, u"\"one\""_s}}));
+  EXPECT_EQ(answerWith({200, {maxAge, tag}, "new"}, revalidating).body, "new");
+  EXPECT_EQ(load().body, "new");
+  EXPECT_EQ(requestCount(), 3U);
 }
 
 TEST_F(CachedSourceTest, CacheElseLoadTakesWhatIsStoredWhateverItsAge) {

@@ -50,6 +50,7 @@ HTTPCacheLoad::HTTPCacheLoad(std::shared_ptr<HTTPCacheStore> store, const QUrl& 
 HTTPCacheLoad::Plan HTTPCacheLoad::plan() const {
   switch (policy_) {
   case URLRequestCachePolicy::ReloadIgnoringCacheData:
+  case URLRequestCachePolicy::ReloadRevalidatingCacheData:
     return Plan::Load;
   case URLRequestCachePolicy::ReturnCacheDataElseLoad:
     return reader_ ? Plan::UseStored : Plan::Load;

@@ -16,6 +16,8 @@ enum class URLRequestCachePolicy {
   ReturnCacheDataElseLoad = 2,
   // A stored answer whatever its age; an error where there is none.
   ReturnCacheDataDontLoad = 3,
+  // A stored answer once its server has confirmed it, however fresh it is.
+  ReloadRevalidatingCacheData = 5,
 };
 
 // One request for a URL. Never changes once made.
