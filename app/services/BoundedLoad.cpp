@@ -22,7 +22,7 @@ BoundedLoad::~BoundedLoad() {
   stop();
 }
 
-void BoundedLoad::start() {
+void BoundedLoad::start(URLRequestCachePolicy policy) {
   if (!url_.isValid() || url_.isEmpty()) {
     QMetaObject::invokeMethod(
         this, [this] { end(u"not an address"_s); }, Qt::QueuedConnection);
@@ -30,7 +30,7 @@ void BoundedLoad::start() {
   }
   loader_ = ZQURLLoader::loaderWithURL(url_, Target(this), Selector(&BoundedLoad::loaded));
   loader_->setDelegate(this);
-  loader_->load();
+  loader_->loadWithCachePolicy(policy, URLRequest::DefaultTimeoutInterval);
 }
 
 void BoundedLoad::stop() {
@@ -83,13 +83,14 @@ void BoundedLoad::endTooLarge() {
 void BoundedLoad::loaded(const std::optional<QByteArray>& data, const QVariantMap& context) {
   if (hasEnded_)
     return;
+  response_ = response();
   body_ = data.value_or(QByteArray());
+  loader_.reset();
   const Ref<Error> error = objectOf<Error>(context.value(u"error"_s));
-  const Ref<URLResponse> answer = objectOf<URLResponse>(context.value(u"response"_s));
   if (!data)
     end(error ? error->localizedDescription() : u"cannot be loaded"_s);
-  else if (answer && answer->statusCode() >= FirstErrorStatus)
-    end(u"the server answers with status %1"_s.arg(answer->statusCode()));
+  else if (response_ && response_->statusCode() >= FirstErrorStatus)
+    end(u"the server answers with status %1"_s.arg(response_->statusCode()));
   else
     end(QString());
 }

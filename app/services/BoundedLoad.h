@@ -21,8 +21,9 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
   // Lets a load begin that announces more bytes than it may bring: what comes first may be enough.
   void setBeginsInAnyCase(bool begins) { beginsInAnyCase_ = begins; }
 
-  // Begins, once; the signals come from the event loop. Uses the shared cache as its protocol says.
-  void start();
+  // Begins, once; the signals come from the event loop.
+  void start(platform::URLRequestCachePolicy policy =
+                 platform::URLRequestCachePolicy::UseProtocolCachePolicy);
   // Ends the load; no signal comes any more.
   void stop();
 

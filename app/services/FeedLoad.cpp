@@ -37,8 +37,10 @@ FeedLoad::FeedLoad(const QUrl& url, QObject* parent)
 
 FeedLoad::~FeedLoad() = default;
 
+// When to ask is the schedule's business. A cache that guesses how long an answer is fresh, where
+// its server does not say, would hide news for up to a day.
 void FeedLoad::start() {
-  load_.start();
+  load_.start(URLRequestCachePolicy::ReloadRevalidatingCacheData);
 }
 
 void FeedLoad::beginDocument() {

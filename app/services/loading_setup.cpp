@@ -1,5 +1,6 @@
 #include "app/services/loading_setup.h"
 
+#include "zqticker/platform/system/URLCache.h"
 #include "zqticker/platform/system/URLConnection.h"
 
 #include <QtCore/QStandardPaths>
@@ -13,8 +14,15 @@ constexpr qint64 LargestBody = 64 << 20;
 constexpr qint64 LargestCache = 64 << 20;
 } // namespace
 
+void useCacheFolder() {
+  const QString folder = QStandardPaths::writableLocation(QStandardPaths::CacheLocation);
+  if (!folder.isEmpty())
+    platform::URLCache::sharedURLCache().setStore(folder + u"/urls"_s, LargestCache);
+}
+
 void prepareLoading() {
   platform::URLConnection::setMaximumBodyLength(LargestBody);
+  useCacheFolder();
 }
 
 } // namespace zq::app

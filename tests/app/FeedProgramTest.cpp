@@ -169,6 +169,24 @@ TEST_F(FeedProgram, RendersFeeds) {
   EXPECT_EQ(image.pixel(30, 12) & 0xffffff, 0xffffffu);
 }
 
+TEST_F(FeedProgram, AsksOnlyForWhatHasChangedSinceItsLastRun) {
+  server.route("/feed", [](const HttpRequest& request, HttpReply& reply) {
+    if (request.header("If-None-Match") == "\"1\"")
+      return reply.send(304, {}, {{"ETag", "\"1\""}});
+    reply.send(200, rss({{"1", "First item", "red.png"}}), {{"ETag", "\"1\""}});
+  });
+  server.route("/red.png", 200, png(Qt::red), {{"Cache-Control", "max-age=3600"}});
+  for (int run = 0; run < 2; ++run) {
+    QFile::remove(output());
+    EXPECT_EQ(render({u"--feed"_s, url()}).status, 0);
+    EXPECT_EQ(firstColumn(QImage(output()), 12, Red), 0);
+  }
+  EXPECT_EQ(server.requests().back().header("If-None-Match"), "\"1\"");
+  EXPECT_EQ(server.requestCount("/feed"), 2);
+  EXPECT_EQ(server.requestCount("/red.png"), 1);
+  EXPECT_TRUE(QDir(folder.filePath(u"cache/zqticker/urls"_s)).exists());
+}
+
 TEST_F(FeedProgram, RendersNoMoreItemsThanAskedFor) {
   publish({{"2", "Second item"}, {"1", "First item", "red.png"}});
   EXPECT_EQ(render({u"--feed"_s, url(), u"--feed-items"_s, u"1"_s}).status, 0);

@@ -7,8 +7,10 @@
 #include "tests/support/LogWatch.h"
 #include "tests/support/waiting.h"
 #include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/system/URLCache.h"
 
 #include <QtCore/QBuffer>
+#include <QtCore/QTemporaryDir>
 #include <QtGui/QImage>
 
 #include <gtest/gtest.h>
@@ -21,6 +23,7 @@ using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 using namespace zq::app;
 using namespace zq::app::testing;
+using zq::platform::URLCache;
 using zq::testing::HttpLatch;
 using zq::testing::HttpReply;
 using zq::testing::HttpRequest;
@@ -477,6 +480,42 @@ TEST_F(Feeds, MayBeLargeButNotTooLarge) {
   poll();
   EXPECT_EQ(titles(), "title 0 title 1 ");
   EXPECT_TRUE(waitFor([&] { return isBrokenOff.load(); }));
+}
+
+TEST_F(Feeds, AreSentAgainOnlyWhenTheyHaveChanged) {
+  const QTemporaryDir folder;
+  URLCache::sharedURLCache().setStore(folder.filePath(u"urls"_s), 1 << 20);
+  std::atomic<int> sent = 0;
+  std::atomic<int> version = 1;
+  // Fresh for long, as far as a cache may guess.
+  server.route("/feed", [&](const HttpRequest& request, HttpReply& reply) {
+    const QByteArray tag = "\"" + QByteArray::number(version) + "\"";
+    const zq::testing::HttpHeaders headers{{"ETag", tag},
+                                           {"Date", "Thu, 29 Feb 2024 12:00:00 GMT"},
+                                           {"Last-Modified", "Thu, 29 Feb 2018 12:00:00 GMT"}};
+    if (request.header("If-None-Match") == tag)
+      return reply.send(304, {}, headers);
+    ++sent;
+    reply.send(200, rss({{"1", "version" + QByteArray::number(version)}}), headers);
+  });
+  start();
+  ASSERT_TRUE(awaitSettled());
+  poll();
+  poll();
+  EXPECT_EQ(server.requestCount("/feed"), 3);
+  EXPECT_EQ(sent, 1);
+  EXPECT_EQ(received.size(), 1u);
+  version = 2;
+  poll();
+  EXPECT_EQ(titles(), "version2 ");
+  EXPECT_EQ(sent, 2);
+  service.reset();
+  received.clear();
+  start();
+  ASSERT_TRUE(awaitSettled());
+  EXPECT_EQ(titles(), "version2 ") << "kept for the next start";
+  EXPECT_EQ(sent, 2);
+  URLCache::sharedURLCache().setStore({}, 0);
 }
 
 TEST_F(Feeds, EndTheirLoadsWithTheService) {
