@@ -8,8 +8,6 @@
 
 #include <QtCore/QFile>
 
-#include <sys/socket.h>
-
 #include <cmath>
 #include <limits>
 
@@ -212,29 +210,8 @@ void CurlTransfer::timeOut() {
   release();
 }
 
-void CurlTransfer::endConnectionWithLeftovers() {
-  // A secure connection may hold words of its own.
-  curl_socket_t socket = CURL_SOCKET_BAD;
-  if (request_->URL().scheme() != "http"_L1 ||
-      curl_easy_getinfo(handle_, CURLINFO_ACTIVESOCKET, &socket) != CURLE_OK ||
-      socket == CURL_SOCKET_BAD)
-    return;
-  // curl reads no further than to the announced end, and would read what is left as the answer to
-  // the next request. Without it and shut down, the connection is a dead one.
-  std::array<char, 4096> leftovers;
-  const auto read = [&] {
-    return recv(socket, leftovers.data(), leftovers.size(), MSG_DONTWAIT) > 0;
-  };
-  if (!read())
-    return;
-  shutdown(socket, SHUT_RDWR);
-  for (int rounds = 0; rounds < 64 && read(); ++rounds) {
-  }
-}
-
 void CurlTransfer::finish(CURLcode result) {
   if (result == CURLE_OK && hasResponse_) {
-    endConnectionWithLeftovers();
     client_.sourceFinished();
   } else if (!isFailed_) {
     const CurlFailure failure = {handle_, result, QString::fromUtf8(errorText_.data()),

@@ -56,8 +56,6 @@ class CurlTransfer final : public URLSource {
   bool takeHeaderLine(QByteArrayView line);
   void tellResponse();
   void pauseIfEnough();
-  // Lets no other request have a connection on which more came than the answer.
-  void endConnectionWithLeftovers();
   void fail(int code, const QString& text);
   void release();
 
