@@ -282,6 +282,7 @@ TEST_F(CachedSourceTest, A304ForAnotherVersionIsFollowedByAWholeRequest) {
   answerWith({200, {stale, tag}, "one"});
   network_.answers.push_back({304, {{u"ETag"_s, u"\"two\""_s}}, {}});
   const Client client = answerWith({200, {stale, {u"ETag"_s, u"\"two\""_s}}, "two"});
+  ASSERT_EQ(requestCount(), 3U);
   EXPECT_EQ(network_.requests[2], HTTPHeaderFields());
   EXPECT_EQ(client.responses.size(), 1U);
   EXPECT_EQ(client.body, "two");

@@ -48,8 +48,7 @@ CachedSource::CachedSource(std::unique_ptr<HTTPCacheLoad> load, const SourceRequ
   step();
 }
 
-// A timer without delay rather than a posted event: those are handled until none is left, so that
-// a large body would hold everything else up.
+// In the next round of the event loop, so that a large body holds nothing else up.
 void CachedSource::continueLater(State state) {
   state_ = state;
   nextStep_.start(0, this);

@@ -36,7 +36,7 @@ class HTTPCacheStore {
   // memory as a whole.
   std::optional<QByteArray> read(const QUrl& key);
 
-  // Puts the joined `parts` under `key`; returns whether they are there now.
+  // Puts the joined `parts` under `key`; returns whether they could be written.
   bool write(const QUrl& key, std::initializer_list<QByteArrayView> parts);
 
   void remove(const QUrl& key);
