@@ -233,6 +233,30 @@ OptionTable makeFetchTable() {
                     u"Whether a server answers, and with what."_s};
   return table;
 }
+
+OptionTable makeFeedCheckTable() {
+  OptionTable table;
+  table.command = u"feed check"_s;
+  table.summary = u"Reads a feed and prints what the ticker would show of it, and what is odd "
+                  u"about it."_s;
+  table.operands = {u"URL"_s};
+  table.options = {
+      {u"json"_s, {}, u"Print it as JSON, also what was read of a broken feed."_s},
+      {u"timeout"_s,
+       {u"SECONDS"_s},
+       u"Give up when nothing has come for so long; 60 by default."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"URL is an address or the name of a file. Feeds are RSS 0.9x, 1.0 and 2.0, Atom, and JSON "
+      u"Feed 1.0 and 1.1, of at most 16 MiB and 200 levels; the first 1,000 items are read."_s,
+      u"Exit status: 0, 1 where the feed could not be loaded or read to its end, 2 for a wrong "
+      u"command line."_s};
+  table.examples = {u"zqticker feed check https://www.debian.org/News/news"_s,
+                    u"The items that the ticker would show."_s,
+                    u"zqticker feed check --json feed.xml"_s, u"A file, for a script."_s};
+  return table;
+}
 } // namespace
 
 const OptionTable& runTable() {
@@ -255,6 +279,11 @@ const OptionTable& fetchTable() {
   return table;
 }
 
+const OptionTable& feedCheckTable() {
+  static const OptionTable table = makeFeedCheckTable();
+  return table;
+}
+
 QString programHelp() {
   return u"Usage: zqticker [COMMAND] [OPTION]...\n"
          u"A desktop ticker: texts and pictures that scroll over a strip.\n\n"
@@ -264,6 +293,7 @@ QString programHelp() {
          u"  sign      write a sign's archive\n"
          u"  archive   print a keyed archive\n"
          u"  fetch     load the contents of an address\n"
+         u"  feed      read a feed and tell what is in it: \"feed check URL\"\n"
          u"  help      print this text, or that of a command\n\n"
          u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
          u"version.\n\n"_s +

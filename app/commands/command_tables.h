@@ -9,6 +9,7 @@ const OptionTable& runTable();
 const OptionTable& renderTable();
 const OptionTable& signTable();
 const OptionTable& fetchTable();
+const OptionTable& feedCheckTable();
 
 // What "zqticker --help" prints: the commands, and the options of `run`, which is meant where no
 // command is named.

@@ -1,6 +1,7 @@
 #include "app/commands/program.h"
 
 #include "app/commands/ArchiveCommand.h"
+#include "app/commands/FeedCommand.h"
 #include "app/commands/FetchCommand.h"
 #include "app/commands/RenderCommand.h"
 #include "app/commands/RunCommand.h"
@@ -107,10 +108,27 @@ int runHelp(const QStringList& arguments) {
       print(helpText(*table));
       return Success;
     }
+  if (arguments == QStringList{u"feed"_s} || arguments == QStringList{u"feed"_s, u"check"_s}) {
+    print(helpText(feedCheckTable()));
+    return Success;
+  }
   if (arguments == QStringList{u"archive"_s})
     return archiveCommand({u"--help"_s});
   throw UsageError(quotedForMessage(arguments.join(u' ')) + u": unknown command (see zqticker "
                                                             u"--help)"_s);
+}
+
+int runFeed(const QStringList& arguments, char** argv) {
+  const QStringList help{u"--help"_s, u"-h"_s};
+  if (arguments.size() == 1 && help.contains(arguments.first()))
+    return runHelp({u"feed"_s});
+  if (arguments.isEmpty() || arguments.first() != "check"_L1)
+    throw UsageError(u"feed: needs \"check\" (see zqticker feed --help)"_s);
+  if (asksForHelp(feedCheckTable(), arguments.sliced(1)))
+    return runHelp({u"feed"_s});
+  int argc = 1;
+  const QCoreApplication application(argc, argv);
+  return feedCheckCommand(arguments.sliced(1));
 }
 
 int runNamed(const QString& command, const QStringList& arguments, char** argv) {
@@ -133,6 +151,8 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
     const QCoreApplication application(argc, argv);
     return fetchCommand(arguments);
   }
+  if (command == "feed"_L1)
+    return runFeed(arguments, argv);
   if (command == "help"_L1)
     return runHelp(arguments);
   if (command != "run"_L1)

@@ -1,5 +1,6 @@
 set(app_SOURCES
     FakeItem.h
+    FeedCheckTest.cpp
     FeedDecoderTest.cpp
     FeedDescription.h
     FeedDocument.h
