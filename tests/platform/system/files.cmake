@@ -1,9 +1,14 @@
 set(system_TESTS
     CachedSourceTest.cpp
+    FileSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
+    URLConnectionTest.cpp
+    URLRequestTest.cpp
+    URLResponseTest.cpp
+    data_sourceTest.cpp
     http_cache_controlTest.cpp
     http_datesTest.cpp
     http_freshnessTest.cpp
-    URLRequestTest.cpp
-    URLResponseTest.cpp)
+    redirectsTest.cpp
+    user_agentTest.cpp)
