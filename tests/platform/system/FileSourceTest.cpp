@@ -102,6 +102,7 @@ TEST_F(FileSource, ReadsANameThatIsNoUnicode) {
       "file://" + QFile::encodeName(folder.path()).toPercentEncoding("/") + "/%FF.txt";
   ASSERT_TRUE(recorder.load(QUrl::fromEncoded(address)));
   EXPECT_EQ(recorder.body(), "odd bytes") << recorder.errorText().toStdString();
+  EXPECT_EQ(unlink(path.constData()), 0);
 }
 
 TEST_F(FileSource, TakesLocalhostForThisHost) {

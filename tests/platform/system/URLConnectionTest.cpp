@@ -135,9 +135,7 @@ TEST(URLConnection, EndsInSilenceWhenItsDelegateGoesDuringACall) {
 TEST(URLConnection, GoesOnInAnEventLoopThatItsDelegateRuns) {
   ConnectionRecorder recorder;
   bool isEndedInside = false;
-  recorder.onResponse = [&] {
-    isEndedInside = waitFor([&] { return recorder.ends > 0; });
-  };
+  recorder.onResponse = [&] { isEndedInside = waitFor([&] { return recorder.ends > 0; }); };
   recorder.start(Hello);
   ASSERT_TRUE(waitFor([&] { return recorder.ends > 0; }));
   EXPECT_TRUE(isEndedInside);
@@ -149,9 +147,7 @@ TEST(URLConnection, ServesOthersWhileADelegateRunsAnEventLoop) {
   ConnectionRecorder first;
   ConnectionRecorder second;
   bool isSecondEndedInside = false;
-  first.onResponse = [&] {
-    isSecondEndedInside = waitFor([&] { return second.ends > 0; });
-  };
+  first.onResponse = [&] { isSecondEndedInside = waitFor([&] { return second.ends > 0; }); };
   first.start(Hello);
   second.start(QUrl(u"data:,second"_s));
   ASSERT_TRUE(waitFor([&] { return first.ends > 0; }));
@@ -227,8 +223,7 @@ TEST(URLConnection, DeliversOnTheThreadThatStartedIt) {
 TEST(URLConnection, EndsWithItsThread) {
   std::weak_ptr<URLConnection> weak;
   ConnectionRecorder recorder;
-  const std::unique_ptr<QThread> thread(
-      QThread::create([&] { weak = recorder.start(Hello); }));
+  const std::unique_ptr<QThread> thread(QThread::create([&] { weak = recorder.start(Hello); }));
   thread->start();
   ASSERT_TRUE(thread->wait(60000));
   EXPECT_TRUE(weak.expired());

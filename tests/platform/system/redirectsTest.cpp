@@ -28,10 +28,10 @@ TEST(Redirects, NeedALocation) {
 
 TEST(Redirects, TakeTheFirstOfSeveralLocations) {
   const QUrl url(u"http://a/"_s);
-  EXPECT_EQ(addressAfterRedirect(*URLResponse::make(url, 302,
-                                                    {{u"Location"_s, u"/first"_s},
-                                                     {u"Location"_s, u"/second"_s}}),
-                                 url),
+  EXPECT_EQ(addressAfterRedirect(
+                *URLResponse::make(url, 302,
+                                   {{u"Location"_s, u"/first"_s}, {u"Location"_s, u"/second"_s}}),
+                url),
             QUrl(u"http://a/first"_s));
 }
 

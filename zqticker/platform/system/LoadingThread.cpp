@@ -3,6 +3,7 @@
 #include "zqticker/platform/system/CurlDriver_p.h"
 #include "zqticker/platform/system/URLLoading_p.h"
 
+#include <QtCore/QAbstractEventDispatcher>
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
 #include <QtCore/QEventLoop>
@@ -45,6 +46,14 @@ bool LoadingThread::isOfThisThread(const LoadingThread* thread) {
 LoadingThread::LoadingThread() {
   // Makes the thread's event dispatcher, without which there are no notifiers and timers.
   const QEventLoop loop;
+  // An event loop turns while something waits to be delivered: a delegate runs it.
+  const auto goOn = [this] {
+    if (!ready_.empty())
+      postDelivery();
+  };
+  const QAbstractEventDispatcher* const dispatcher = QAbstractEventDispatcher::instance();
+  connect(dispatcher, &QAbstractEventDispatcher::awake, this, goOn, Qt::DirectConnection);
+  connect(dispatcher, &QAbstractEventDispatcher::aboutToBlock, this, goOn, Qt::DirectConnection);
   // Both come while the dispatcher is still there.
   connect(QThread::currentThread(), &QThread::finished, this, endThisThread, Qt::DirectConnection);
   if (QCoreApplication::instance() && thread() == QCoreApplication::instance()->thread())
@@ -74,9 +83,13 @@ void LoadingThread::remove(const std::shared_ptr<URLLoading>& loading) {
 
 void LoadingThread::deliverLater(const std::shared_ptr<URLLoading>& loading) {
   ready_.push_back(loading);
-  if (openRounds_ > 0 || isEventPosted_)
+  if (openRounds_ == 0 && deliveries_ == 0)
+    postDelivery();
+}
+
+void LoadingThread::postDelivery() {
+  if (std::exchange(isEventPosted_, true))
     return;
-  isEventPosted_ = true;
   QCoreApplication::postEvent(this, new QEvent(QEvent::User));
 }
 
@@ -89,14 +102,17 @@ bool LoadingThread::event(QEvent* event) {
 }
 
 void LoadingThread::deliver() {
-  // One at a time out of the common queue: an event loop that a delegate runs goes on with the
-  // rest, and then nothing is left to do here. Such a loop may also end this thread's loading.
+  // Out of the common queue, from which an event loop that a delegate runs takes the rest. Such a
+  // loop may also end this thread's loading.
   const LoadingThread* const self = this;
+  ++deliveries_;
   while (isOfThisThread(self) && !ready_.empty()) {
-    const std::shared_ptr<URLLoading> loading = std::move(ready_.front());
-    ready_.pop_front();
-    loading->deliver();
+    const std::shared_ptr<URLLoading> loading = ready_.front();
+    if (!loading->deliverNext())
+      ready_.pop_front();
   }
+  if (isOfThisThread(self))
+    --deliveries_;
 }
 
 LoadingThread::Round::~Round() {

@@ -56,6 +56,7 @@ class LoadingThread : public QObject {
 
  private:
   LoadingThread();
+  void postDelivery();
   void deliver();
 
   std::unique_ptr<CurlDriver> curl_;
@@ -63,6 +64,8 @@ class LoadingThread : public QObject {
   std::deque<std::shared_ptr<URLLoading>> ready_;
   QByteArray spareBuffer_;
   int openRounds_ = 0;
+  // Calls of deliver() that have not returned; more than one where delegates run event loops.
+  int deliveries_ = 0;
   bool isEventPosted_ = false;
 };
 

@@ -7,6 +7,7 @@
 #include <QtCore/QLoggingCategory>
 
 #include <exception>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -64,10 +65,12 @@ void URLLoading::take(Note note) {
     return;
   isEndNoted_ = std::holds_alternative<End>(note);
   notes_.push_back(std::move(note));
-  if (isReady_)
-    return;
-  isReady_ = true;
-  thread_->deliverLater(shared_from_this());
+  deliverLater();
+}
+
+void URLLoading::deliverLater() {
+  if (!std::exchange(isReady_, true))
+    thread_->deliverLater(shared_from_this());
 }
 
 void URLLoading::noteFailure(int code, const QString& text) {
@@ -114,17 +117,19 @@ void URLLoading::sourceFailed(const Ref<Error>& error) {
 
 // What the delegate hears.
 
-void URLLoading::deliver() {
-  isReady_ = false;
+bool URLLoading::deliverNext() {
   // While the delegate is asked about a redirect, what follows it waits for the answer.
-  while (!isEnded_ && !isAsking_ && nextNote_ < notes_.size()) {
-    Note note = std::move(notes_[nextNote_++]);
-    if (nextNote_ == notes_.size()) {
-      notes_.clear();
-      nextNote_ = 0;
-    }
-    std::visit([this](auto& each) { deliverNote(each); }, note);
+  if (isEnded_ || isAsking_ || nextNote_ == notes_.size()) {
+    isReady_ = false;
+    return false;
   }
+  Note note = std::move(notes_[nextNote_++]);
+  if (nextNote_ == notes_.size()) {
+    notes_.clear();
+    nextNote_ = 0;
+  }
+  std::visit([this](auto& each) { deliverNote(each); }, note);
+  return true;
 }
 
 template <class Call>
@@ -198,8 +203,10 @@ bool URLLoading::follow(const QUrl& address, const Ref<URLResponse>& response) {
     isAsking_ = false;
     if (isEnded_)
       return true;
-    if (!next)
+    if (!next) {
+      deliverLater();
       return false;
+    }
     if (next != proposed)
       refusal = refusalOf(next->URL());
   }

@@ -25,8 +25,9 @@ class URLLoading final : public URLSourceClient, public std::enable_shared_from_
   // No further call to the delegate, which the source is told of by its end.
   void cancel();
 
-  // Hands on what was noted until now.
-  void deliver();
+  // Hands on one note. False when there is none, or none before the delegate has answered: then the
+  // thread hears of this load again once there is.
+  bool deliverNext();
 
   void sourceReceivedResponse(const Ref<URLResponse>& response) override;
   bool sourceReceivedData(QByteArrayView data) override;
@@ -41,6 +42,7 @@ class URLLoading final : public URLSourceClient, public std::enable_shared_from_
   using Note = std::variant<Ref<URLResponse>, QByteArray, End>;
 
   void take(Note note);
+  void deliverLater();
   void noteFailure(int code, const QString& text);
   void deliverNote(Ref<URLResponse>& response);
   void deliverNote(QByteArray& data);
