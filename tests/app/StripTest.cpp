@@ -125,6 +125,14 @@ TEST(Strip, WaitsTheDelayAlsoWhereItScrollsContinuously) {
   EXPECT_EQ(starts(strip, 100, 0.5), "a@0 a@5 ") << "entered wholly at 2, then 3 s";
 }
 
+TEST(Strip, EndsNoRoundBeforeAllOfItsItemsHaveBeenShown) {
+  Strip strip(Extent, Speed);
+  strip.queue().append(fake("a", 20, {-1, 5, true}));
+  strip.queue().append(fake("b", 20, {-1, 5, true}));
+  strip.queue().append(fake("c", 20, {-1, 5, true}));
+  EXPECT_EQ(starts(strip, 16, 0.5), "a@0 b@2 c@4 a@11 b@13 c@15 ");
+}
+
 TEST(Strip, LetsOthersPassAnItemThatRests) {
   Strip strip(Extent, Speed);
   strip.queue().append(fake("slow", 20, {2, 30}));
