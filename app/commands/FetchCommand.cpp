@@ -6,6 +6,7 @@
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "app/commands/url_loading.h"
+#include "app/services/loading_setup.h"
 
 #include <unistd.h>
 
@@ -99,6 +100,7 @@ QByteArray jsonOf(const LoadedURL& loaded) {
 
 int fetchCommand(const QStringList& arguments) {
   const FetchOptions options = readOptions(arguments);
+  useCacheFolder();
   // A body on the terminal would run into the bar.
   const bool bodyOnTerminal = !options.json && !options.output && ::isatty(STDOUT_FILENO);
   std::optional<LoadedURL> loaded;

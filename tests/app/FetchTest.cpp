@@ -31,8 +31,14 @@ class Fetch : public ::testing::Test {
   QStringList entries() const {
     return QDir(folder_.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden);
   }
+  // With a cache folder of its own.
+  QProcessEnvironment environment() const {
+    QProcessEnvironment result = plainEnvironment();
+    result.insert(u"XDG_CACHE_HOME"_s, cacheFolder_.path());
+    return result;
+  }
   Outcome fetch(const QStringList& arguments) const {
-    return runZqticker(QStringList{u"fetch"_s} + arguments);
+    return runZqticker(QStringList{u"fetch"_s} + arguments, {}, environment());
   }
   QJsonObject fetchJson(const QStringList& arguments, int status) const {
     const Outcome outcome = fetch(QStringList{u"--json"_s} + arguments);
@@ -45,6 +51,7 @@ class Fetch : public ::testing::Test {
 
   HttpServer server_;
   QTemporaryDir folder_;
+  QTemporaryDir cacheFolder_;
 };
 } // namespace
 
@@ -157,13 +164,26 @@ TEST_F(Fetch, StopsWhenInterruptedAndLeavesNoFile) {
     reply.wait(never);
   });
   RunningProgram program({u"fetch"_s, u"--output"_s, file(u"out"_s), address("/never")},
-                         plainEnvironment());
+                         environment());
   ASSERT_TRUE(waitFor([&] { return server_.requestCount("/never") == 1; }));
   program.interrupt(SIGINT);
   EXPECT_EQ(program.awaitStatus(), 1);
   EXPECT_EQ(program.process().readAllStandardError(),
             "zqticker: " + address("/never").toUtf8() + ": interrupted\n");
   EXPECT_EQ(entries(), QStringList());
+}
+
+TEST_F(Fetch, TakesFromTheUsersCacheWhatThePolicySays) {
+  server_.route("/kept", 200, "kept", {{"Cache-Control", "max-age=1000"}});
+  EXPECT_EQ(fetch({u"--policy"_s, u"cache-only"_s, address("/kept")}).status, 1);
+  EXPECT_EQ(server_.requestCount(), 0);
+  EXPECT_EQ(fetch({address("/kept")}).output, "kept");
+  EXPECT_EQ(server_.requestCount(), 1);
+  for (const QString& policy : {u"protocol"_s, u"cache-else-load"_s, u"cache-only"_s})
+    EXPECT_EQ(fetch({u"--policy"_s, policy, address("/kept")}).output, "kept");
+  EXPECT_EQ(server_.requestCount(), 1);
+  EXPECT_EQ(fetch({u"--policy"_s, u"ignore-cache"_s, address("/kept")}).output, "kept");
+  EXPECT_EQ(server_.requestCount(), 2);
 }
 
 TEST_F(Fetch, ReadsFilesAndDataAddresses) {
