@@ -19,6 +19,14 @@ struct ConnectionRecorder : platform::URLConnectionDelegate {
     if (onResponse)
       onResponse();
   }
+  platform::Ref<platform::URLRequest>
+  connectionWillSendRequest(platform::URLConnection&,
+                            const platform::Ref<platform::URLRequest>& request,
+                            const platform::Ref<platform::URLResponse>& redirect) override {
+    proposals.push_back(request);
+    redirects.push_back(redirect);
+    return onRedirect ? onRedirect(request) : request;
+  }
   void connectionDidReceiveData(platform::URLConnection&, QByteArrayView data) override {
     pieces.push_back(data.toByteArray());
     if (onData)
@@ -60,11 +68,15 @@ struct ConnectionRecorder : platform::URLConnectionDelegate {
   QString errorText() const { return error ? error->localizedDescription() : QString(); }
 
   std::vector<platform::Ref<platform::URLResponse>> responses;
+  std::vector<platform::Ref<platform::URLRequest>> proposals;
+  std::vector<platform::Ref<platform::URLResponse>> redirects;
   std::vector<QByteArray> pieces;
   platform::Ref<platform::Error> error;
   bool isFinished = false;
   int ends = 0;
   std::function<void()> onResponse;
+  std::function<platform::Ref<platform::URLRequest>(const platform::Ref<platform::URLRequest>&)>
+      onRedirect;
   std::function<void()> onData;
   std::function<void()> onEnd;
 };

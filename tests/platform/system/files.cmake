@@ -6,6 +6,7 @@ set(system_TESTS
     URLConnectionTest.cpp
     URLRequestTest.cpp
     URLResponseTest.cpp
+    connection_redirectsTest.cpp
     data_sourceTest.cpp
     http_cache_controlTest.cpp
     http_datesTest.cpp
