@@ -69,17 +69,23 @@ CurlDriver::~CurlDriver() {
 }
 
 CURL* CurlDriver::takeHandle() {
-  if (handles_.empty())
-    return curl_easy_init();
+  if (handles_.empty()) {
+    CURL* const handle = curl_easy_init();
+    CurlTransfer::setCommonOptions(handle);
+    return handle;
+  }
   CURL* const handle = handles_.back();
   handles_.pop_back();
   return handle;
 }
 
-void CurlDriver::giveBackHandle(CURL* handle) {
+void CurlDriver::giveBackHandle(CURL* handle, HandleState state) {
   if (handles_.size() >= MostHandlesKept)
     return curl_easy_cleanup(handle);
-  curl_easy_reset(handle);
+  if (state == HandleState::HasOptionsOfItsOwn) {
+    curl_easy_reset(handle);
+    CurlTransfer::setCommonOptions(handle);
+  }
   handles_.push_back(handle);
 }
 
@@ -138,8 +144,9 @@ void CurlDriver::remove(CurlTransfer& transfer) {
   startWaiting(name);
 }
 
-int CurlDriver::socketChanged(CURL*, curl_socket_t socket, int what, void* self, void*) {
-  const int epoll = static_cast<CurlDriver*>(self)->epoll_;
+int CurlDriver::socketChanged(CURL*, curl_socket_t socket, int what, void* self, void* known) {
+  const auto& driver = *static_cast<CurlDriver*>(self);
+  const int epoll = driver.epoll_;
   if (what == CURL_POLL_REMOVE) {
     // Fails for a socket that is closed already, which left the set by that.
     epoll_ctl(epoll, EPOLL_CTL_DEL, socket, nullptr);
@@ -149,7 +156,12 @@ int CurlDriver::socketChanged(CURL*, curl_socket_t socket, int what, void* self,
   event.events = ((what & CURL_POLL_IN) ? unsigned(EPOLLIN) : 0u) |
                  ((what & CURL_POLL_OUT) ? unsigned(EPOLLOUT) : 0u);
   event.data.fd = socket;
-  // curl does not say whether it had named the socket before, or another of the same number.
+  // Named for the first time, unless it is an old one that curl did not take back.
+  if (!known && epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event) == 0) {
+    curl_multi_assign(driver.multi_, socket, self);
+    return 0;
+  }
+  // One that was closed meanwhile has left the set, and its number may be another's.
   if (epoll_ctl(epoll, EPOLL_CTL_MOD, socket, &event) < 0 && errno == ENOENT)
     epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event);
   return 0;

@@ -34,9 +34,12 @@ class CurlDriver {
   CurlDriver(const CurlDriver&) = delete;
   CurlDriver& operator=(const CurlDriver&) = delete;
 
-  // A handle without options, which goes back with its connection kept alive.
+  // Whether a handle has options beyond those that every transfer sets anew.
+  enum class HandleState { HasCommonOptionsOnly, HasOptionsOfItsOwn };
+
+  // A handle with the common options of transfers, which goes back when its transfer has ended.
   CURL* takeHandle();
-  void giveBackHandle(CURL* handle);
+  void giveBackHandle(CURL* handle, HandleState state);
 
   // Starts `transfer`, now or when its server has a connection left for it.
   void add(CurlTransfer& transfer);
@@ -59,7 +62,7 @@ class CurlDriver {
 
   bool start(CurlTransfer& transfer);
   void startWaiting(const QString& name);
-  static int socketChanged(CURL* handle, curl_socket_t socket, int what, void* self, void*);
+  static int socketChanged(CURL* handle, curl_socket_t socket, int what, void* self, void* known);
   static int timerChanged(CURLM* multi, long milliseconds, void* self);
 
   void socketsAreReady();

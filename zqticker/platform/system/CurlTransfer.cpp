@@ -31,6 +31,8 @@ QString secondsText(double seconds) {
 CurlTransfer::CurlTransfer(CurlDriver& driver, const SourceRequest& request,
                            URLSourceClient& client)
     : driver_(driver), client_(client), request_(request.request), handle_(driver.takeHandle()) {
+  const QUrl& url = request_->URL();
+  server_ = url.scheme() % u' ' % url.host() % u' ' % QString::number(url.port());
   setOptions(request);
   driver_.add(*this);
 }
@@ -43,43 +45,52 @@ void CurlTransfer::release() {
   if (!handle_)
     return;
   driver_.remove(*this);
-  driver_.giveBackHandle(std::exchange(handle_, nullptr));
+  set(CURLOPT_ERRORBUFFER, static_cast<char*>(nullptr));
+  driver_.giveBackHandle(std::exchange(handle_, nullptr), handleState_);
   curl_slist_free_all(std::exchange(addedFields_, nullptr));
+}
+
+void CurlTransfer::setCommonOptions(CURL* handle) {
+  const auto setCommon = [handle](CURLoption option, auto value) {
+    curl_easy_setopt(handle, option, value);
+  };
+  setCommon(CURLOPT_PROTOCOLS_STR, "http,https");
+  setCommon(CURLOPT_HEADERFUNCTION, &CurlTransfer::headerArrived);
+  setCommon(CURLOPT_WRITEFUNCTION, &CurlTransfer::bodyArrived);
+  setCommon(CURLOPT_PREREQFUNCTION, &CurlTransfer::isConnected);
+  setCommon(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+  setCommon(CURLOPT_NOSIGNAL, 1L);
+  // Giving up does not wait for a host that is still being looked up.
+  setCommon(CURLOPT_QUICK_EXIT, 1L);
+  setCommon(CURLOPT_BUFFERSIZE, ReadBytes);
+  // Idleness is counted here; curl's own limit on connecting would come first.
+  setCommon(CURLOPT_CONNECTTIMEOUT_MS, long(std::numeric_limits<int>::max()));
+  setCommon(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_2TLS));
+  setCommon(CURLOPT_ACCEPT_ENCODING, "");
+  setCommon(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
+  setCommon(CURLOPT_PROXY_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
 }
 
 void CurlTransfer::setOptions(const SourceRequest& request) {
   const QUrl& url = request_->URL();
   set(CURLOPT_PRIVATE, this);
   set(CURLOPT_ERRORBUFFER, errorText_.data());
-  set(CURLOPT_URL, url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
-  set(CURLOPT_PROTOCOLS_STR, "http,https");
-  set(CURLOPT_HEADERFUNCTION, &CurlTransfer::headerArrived);
   set(CURLOPT_HEADERDATA, this);
-  set(CURLOPT_WRITEFUNCTION, &CurlTransfer::bodyArrived);
   set(CURLOPT_WRITEDATA, this);
-  set(CURLOPT_PREREQFUNCTION, &CurlTransfer::isConnected);
   set(CURLOPT_PREREQDATA, this);
-  set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-  set(CURLOPT_NOSIGNAL, 1L);
-  // Giving up does not wait for a host that is still being looked up.
-  set(CURLOPT_QUICK_EXIT, 1L);
-  set(CURLOPT_BUFFERSIZE, ReadBytes);
-  // Idleness is counted here; curl's own limit on connecting would come first.
-  set(CURLOPT_CONNECTTIMEOUT_MS, long(std::numeric_limits<int>::max()));
-  set(CURLOPT_HTTP_VERSION, long(CURL_HTTP_VERSION_2TLS));
+  set(CURLOPT_URL, url.toEncoded(QUrl::RemoveUserInfo | QUrl::RemoveFragment).constData());
+  set(CURLOPT_USERAGENT, userAgent().constData());
   // Only over TLS, which settles the version with the handshake: else all would wait for the first
   // answer.
   set(CURLOPT_PIPEWAIT, long(url.scheme() == "https"_L1));
-  set(CURLOPT_ACCEPT_ENCODING, "");
-  set(CURLOPT_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
-  set(CURLOPT_PROXY_SSLVERSION, long(CURL_SSLVERSION_TLSv1_2));
-  set(CURLOPT_USERAGENT, userAgent().constData());
   for (const auto& [name, value] : request.additionalHeaderFields) {
     const QByteArray line = name.toLatin1() + ": " + value.toUtf8();
     addedFields_ = curl_slist_append(addedFields_, line.constData());
   }
-  if (addedFields_)
+  if (addedFields_) {
+    handleState_ = CurlDriver::HandleState::HasOptionsOfItsOwn;
     set(CURLOPT_HTTPHEADER, addedFields_);
+  }
   setCredentials(url);
   setCertificateAuthorities();
 }
@@ -87,6 +98,7 @@ void CurlTransfer::setOptions(const SourceRequest& request) {
 void CurlTransfer::setCredentials(const QUrl& url) {
   if (url.userInfo().isEmpty())
     return;
+  handleState_ = CurlDriver::HandleState::HasOptionsOfItsOwn;
   set(CURLOPT_USERNAME, url.userName(QUrl::FullyDecoded).toUtf8().constData());
   set(CURLOPT_PASSWORD, url.password(QUrl::FullyDecoded).toUtf8().constData());
 }
@@ -95,6 +107,7 @@ void CurlTransfer::setCertificateAuthorities() {
   const QString path = URLConnection::certificateAuthorityFile();
   if (path.isEmpty())
     return;
+  handleState_ = CurlDriver::HandleState::HasOptionsOfItsOwn;
   const QByteArray encodedPath = QFile::encodeName(path);
   set(CURLOPT_CAINFO, encodedPath.constData());
   set(CURLOPT_PROXY_CAINFO, encodedPath.constData());
@@ -147,11 +160,6 @@ void CurlTransfer::pauseIfEnough() {
 
 void CurlTransfer::failToStart(CURLMcode result) {
   fail(Unknown, QString::fromLatin1(curl_multi_strerror(result)));
-}
-
-QString CurlTransfer::server() const {
-  const QUrl& url = request_->URL();
-  return url.scheme() % u' ' % url.host() % u' ' % QString::number(url.port());
 }
 
 void CurlTransfer::resume() {

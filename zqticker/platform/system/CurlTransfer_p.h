@@ -19,6 +19,9 @@ class CurlTransfer final : public URLSource {
   CurlTransfer(CurlDriver& driver, const SourceRequest& request, URLSourceClient& client);
   ~CurlTransfer() override;
 
+  // Sets what every transfer has in common.
+  static void setCommonOptions(CURL* handle);
+
   CURL* handle() const { return handle_; }
 
   // Counts the idleness anew.
@@ -30,7 +33,7 @@ class CurlTransfer final : public URLSource {
   void resume();
 
   // The scheme, host and port that are asked.
-  QString server() const;
+  const QString& server() const { return server_; }
 
   // Tells the client; the transfer is not running.
   void failToStart(CURLMcode result);
@@ -62,7 +65,9 @@ class CurlTransfer final : public URLSource {
   CurlDriver& driver_;
   URLSourceClient& client_;
   Ref<URLRequest> request_;
+  QString server_;
   CURL* handle_ = nullptr;
+  CurlDriver::HandleState handleState_ = CurlDriver::HandleState::HasCommonOptionsOnly;
   curl_slist* addedFields_ = nullptr;
   CurlDriver::Clock::time_point lastProgress_;
   qsizetype headerBytes_ = 0;
