@@ -6,6 +6,7 @@
 
 #include <mutex>
 #include <unordered_set>
+#include <vector>
 
 using zq::platform::Ref;
 
@@ -21,20 +22,35 @@ LivingLoaders& living() {
   return *set;
 }
 
-// Holds a loader until the event loop destroys it.
+// Holds loaders until the event loop destroys it. Those that are released at one level of the event
+// loop, before control is back there, share one.
 class Holder : public QObject {
  public:
-  explicit Holder(const Ref<ZQURLLoader>& loader) : loader_(loader) {}
-  ~Holder() override {
-    // The context holds the loader, and the loader its context.
-    loader_->setContext({});
+  static void hold(const Ref<ZQURLLoader>& loader) {
+    const int level = QThread::currentThread()->loopLevel();
+    if (!latest || latest->level_ != level) {
+      latest = new Holder(level);
+      latest->destroyLater();
+    }
+    latest->loaders_.push_back(loader);
   }
+
+  ~Holder() override {
+    if (latest == this)
+      latest = nullptr;
+    // The context holds the loader, and the loader its context.
+    for (const Ref<ZQURLLoader>& loader : loaders_)
+      loader->setContext({});
+  }
+
+ private:
+  explicit Holder(int level) : level_(level) {}
 
   void destroyLater() {
     // The event loop destroys what is deleted later only at the level where that was asked for.
     // Outside of any event loop it would wait for one to be started; an event of our own comes with
     // the next events that are processed.
-    if (QThread::currentThread()->loopLevel() > 0)
+    if (level_ > 0)
       deleteLater();
     else
       QCoreApplication::postEvent(this, new QEvent(QEvent::User));
@@ -47,9 +63,13 @@ class Holder : public QObject {
     return true;
   }
 
- private:
-  Ref<ZQURLLoader> loader_;
+  static thread_local Holder* latest;
+
+  int level_;
+  std::vector<Ref<ZQURLLoader>> loaders_;
 };
+
+thread_local Holder* Holder::latest = nullptr;
 } // namespace
 
 void keepLoader(const Ref<ZQURLLoader>& loader) {
@@ -62,5 +82,5 @@ void releaseLoaderAfterUnitOfWork(const Ref<ZQURLLoader>& loader) {
     const std::lock_guard lock(living().mutex);
     living().loaders.erase(loader);
   }
-  (new Holder(loader))->destroyLater();
+  Holder::hold(loader);
 }

@@ -62,42 +62,43 @@ CurlDriver::CurlDriver(LoadingThread& thread) : thread_(thread) {
 
 CurlDriver::~CurlDriver() {
   notifier_.reset();
-  for (CURL* handle : handles_)
-    curl_easy_cleanup(handle);
+  for (const Handle& handle : handles_)
+    curl_easy_cleanup(handle.curl);
   curl_multi_cleanup(multi_);
   close(epoll_);
 }
 
-CURL* CurlDriver::takeHandle() {
+CurlDriver::Handle CurlDriver::takeHandle() {
   if (handles_.empty()) {
     CURL* const handle = curl_easy_init();
     CurlTransfer::setCommonOptions(handle);
-    return handle;
+    return {handle};
   }
-  CURL* const handle = handles_.back();
+  Handle handle = std::move(handles_.back());
   handles_.pop_back();
   return handle;
 }
 
-void CurlDriver::giveBackHandle(CURL* handle, HandleState state) {
+void CurlDriver::giveBackHandle(Handle handle, HandleState state) {
   if (handles_.size() >= MostHandlesKept)
-    return curl_easy_cleanup(handle);
+    return curl_easy_cleanup(handle.curl);
   if (state == HandleState::HasOptionsOfItsOwn) {
-    curl_easy_reset(handle);
-    CurlTransfer::setCommonOptions(handle);
+    curl_easy_reset(handle.curl);
+    CurlTransfer::setCommonOptions(handle.curl);
+    handle.certificateAuthorities.clear();
   }
-  handles_.push_back(handle);
+  handles_.push_back(std::move(handle));
 }
 
 void CurlDriver::add(CurlTransfer& transfer) {
   // Not left to curl's own queue, which prepares a transfer from the beginning each time it looks
   // for a connection.
-  const QString name = transfer.server();
+  const QByteArray name = transfer.server();
   servers_[name].waiting.push_back(&transfer);
   startWaiting(name);
 }
 
-void CurlDriver::startWaiting(const QString& name) {
+void CurlDriver::startWaiting(const QByteArray& name) {
   const auto found = servers_.find(name);
   Server& server = found->second;
   while (!server.waiting.empty() && server.running < MostConnectionsPerHost) {
@@ -127,7 +128,7 @@ bool CurlDriver::start(CurlTransfer& transfer) {
 }
 
 void CurlDriver::remove(CurlTransfer& transfer) {
-  const QString name = transfer.server();
+  const QByteArray name = transfer.server();
   const auto server = servers_.find(name);
   if (!transfer.index) {
     if (server != servers_.end())

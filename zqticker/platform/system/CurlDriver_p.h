@@ -37,9 +37,15 @@ class CurlDriver {
   // Whether a handle has options beyond those that every transfer sets anew.
   enum class HandleState { HasCommonOptionsOnly, HasOptionsOfItsOwn };
 
+  struct Handle {
+    CURL* curl = nullptr;
+    // The file of certificates that it trusts; empty for those of the system.
+    QString certificateAuthorities{};
+  };
+
   // A handle with the common options of transfers, which goes back when its transfer has ended.
-  CURL* takeHandle();
-  void giveBackHandle(CURL* handle, HandleState state);
+  Handle takeHandle();
+  void giveBackHandle(Handle handle, HandleState state);
 
   // Starts `transfer`, now or when its server has a connection left for it.
   void add(CurlTransfer& transfer);
@@ -61,7 +67,7 @@ class CurlDriver {
   };
 
   bool start(CurlTransfer& transfer);
-  void startWaiting(const QString& name);
+  void startWaiting(const QByteArray& name);
   static int socketChanged(CURL* handle, curl_socket_t socket, int what, void* self, void* known);
   static int timerChanged(CURLM* multi, long milliseconds, void* self);
 
@@ -88,9 +94,9 @@ class CurlDriver {
   std::optional<Clock::time_point> deadlineArmed_;
   Clock::time_point now_ = Clock::now();
   std::vector<CurlTransfer*> transfers_; // running
-  std::unordered_map<QString, Server> servers_;
+  std::unordered_map<QByteArray, Server> servers_;
   std::vector<CurlTransfer*> paused_;
-  std::vector<CURL*> handles_;
+  std::vector<Handle> handles_;
 };
 
 } // namespace zq::platform

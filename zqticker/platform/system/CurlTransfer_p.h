@@ -22,7 +22,7 @@ class CurlTransfer final : public URLSource {
   // Sets what every transfer has in common.
   static void setCommonOptions(CURL* handle);
 
-  CURL* handle() const { return handle_; }
+  CURL* handle() const { return handle_.curl; }
 
   // Counts the idleness anew.
   void noteProgress() { lastProgress_ = driver_.now(); }
@@ -32,8 +32,8 @@ class CurlTransfer final : public URLSource {
   // Goes on after a pause: what arrived in this round was enough, and waits to be delivered.
   void resume();
 
-  // The scheme, host and port that are asked.
-  const QString& server() const { return server_; }
+  // The scheme, host and port that are asked, as in the address.
+  const QByteArray& server() const { return server_; }
 
   // Tells the client; the transfer is not running.
   void failToStart(CURLMcode result);
@@ -51,11 +51,12 @@ class CurlTransfer final : public URLSource {
 
   template <class T>
   void set(CURLoption option, T value) {
-    curl_easy_setopt(handle_, option, value);
+    curl_easy_setopt(handle_.curl, option, value);
   }
   void setOptions(const SourceRequest& request);
   void setCredentials(const QUrl& url);
   void setCertificateAuthorities();
+  void setCertificateAuthorities(const char* file, const char* folder);
   bool takeHeaderLine(QByteArrayView line);
   void tellResponse();
   void pauseIfEnough();
@@ -65,8 +66,8 @@ class CurlTransfer final : public URLSource {
   CurlDriver& driver_;
   URLSourceClient& client_;
   Ref<URLRequest> request_;
-  QString server_;
-  CURL* handle_ = nullptr;
+  QByteArray server_;
+  CurlDriver::Handle handle_;
   CurlDriver::HandleState handleState_ = CurlDriver::HandleState::HasCommonOptionsOnly;
   curl_slist* addedFields_ = nullptr;
   CurlDriver::Clock::time_point lastProgress_;

@@ -27,7 +27,10 @@ QUrl askedAddress(const QUrl& url) {
 } // namespace
 
 URLLoading::URLLoading(const Ref<URLConnection>& connection, Weak<URLConnectionDelegate> delegate)
-    : connection_(connection), thread_(&LoadingThread::current()), delegate_(delegate) {}
+    : connection_(connection), thread_(&LoadingThread::current()), delegate_(delegate) {
+  // A response, a piece of the body and the end.
+  notes_.reserve(3);
+}
 
 URLLoading::~URLLoading() = default;
 
@@ -79,8 +82,9 @@ void URLLoading::noteFailure(int code, const QString& text) {
 
 void URLLoading::sourceReceivedResponse(const Ref<URLResponse>& response) {
   const qint64 limit = URLConnection::maximumBodyLength();
-  const qint64 announced =
-      std::max(response->expectedContentLength(), announcedLength(response->allHeaderFields()));
+  const qint64 expected = response->expectedContentLength();
+  // Of a compressed body the length is known that it has on its way.
+  const qint64 announced = expected >= 0 ? expected : announcedLength(response->allHeaderFields());
   receivedLength_ = 0;
   const bool isRedirect = addressAfterRedirect(*response, request_->URL()).has_value();
   take(response);

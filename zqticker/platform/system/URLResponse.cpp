@@ -6,11 +6,15 @@ namespace zq::platform {
 
 URLResponse::URLResponse(const QUrl& url, int statusCode, const HTTPHeaderFields& headerFields,
                          const QString& contentType, qint64 expectedContentLength)
-    : url_(url), statusCode_(statusCode), headerFields_(headerFields),
-      expectedContentLength_(expectedContentLength) {
-  ContentType type = contentTypeFromText(contentType);
-  mimeType_ = std::move(type.mimeType);
-  textEncodingName_ = std::move(type.charset);
+    : url_(url), statusCode_(statusCode), headerFields_(headerFields), contentType_(contentType),
+      expectedContentLength_(expectedContentLength) {}
+
+QString URLResponse::MIMEType() const {
+  return contentTypeFromText(contentType_).mimeType;
+}
+
+std::optional<QString> URLResponse::textEncodingName() const {
+  return contentTypeFromText(contentType_).charset;
 }
 
 Ref<URLResponse> URLResponse::make(const QUrl& url, int statusCode,

@@ -38,10 +38,10 @@ class ZQTICKER_EXPORT URLResponse : public Object {
   const QUrl& URL() const { return url_; }
 
   // In lower case, without parameters ("text/html"); empty when it was not stated.
-  const QString& MIMEType() const { return mimeType_; }
+  QString MIMEType() const;
 
   // The charset parameter of the content type as sent, without quotes; nothing without one.
-  const std::optional<QString>& textEncodingName() const { return textEncodingName_; }
+  std::optional<QString> textEncodingName() const;
 
   // Bytes of the body as it will be delivered; -1 when unknown, also when the body is compressed.
   // A statement of the sender, not a promise.
@@ -64,8 +64,7 @@ class ZQTICKER_EXPORT URLResponse : public Object {
   QUrl url_;
   int statusCode_;
   HTTPHeaderFields headerFields_;
-  QString mimeType_;
-  std::optional<QString> textEncodingName_;
+  QString contentType_;
   qint64 expectedContentLength_;
 };
 

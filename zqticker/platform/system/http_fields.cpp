@@ -69,7 +69,7 @@ ContentType contentTypeFromText(QStringView text) {
 std::optional<QString> valueOfField(const HTTPHeaderFields& fields, QStringView name) {
   std::optional<QString> joined;
   for (const auto& [fieldName, value] : fields) {
-    if (name.compare(fieldName, Qt::CaseInsensitive) != 0)
+    if (name.size() != fieldName.size() || name.compare(fieldName, Qt::CaseInsensitive) != 0)
       continue;
     joined = joined ? *joined + ", "_L1 + value : value;
   }
