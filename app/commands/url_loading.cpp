@@ -57,6 +57,8 @@ std::optional<LoadedURL> loadAndWait(const QUrl& url, URLRequestCachePolicy poli
 }
 
 QUrl addressOf(const QString& argument) {
+  if (argument.isEmpty())
+    throw UsageError(u"the address is empty"_s);
   const QUrl url(argument, QUrl::TolerantMode);
   if (!url.isValid())
     throw UsageError(quotedForMessage(argument) + u": not an address"_s);

@@ -223,6 +223,7 @@ TEST_F(Fetch, RefusesWrongCommandLines) {
   expectUsage({u"http://a/"_s, u"http://b/"_s},
               "http://b/: unexpected argument (see zqticker fetch --help)");
   expectUsage({u"example.org"_s}, "example.org: no scheme (such as https://) begins this address");
+  expectUsage({u""_s}, "the address is empty");
   expectUsage({u"http://[bad/"_s}, "http://[bad/: not an address");
   expectUsage({u"--timeout"_s, u"0"_s, u"http://a/"_s},
               "--timeout 0: must be between 0.001 and 86400");
