@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <set>
+#include <thread>
 
 namespace zq::testing {
 
@@ -346,23 +347,22 @@ TEST(LoaderBuffer, IsEmptiedByEachResponse) {
 TEST(LoaderThread, IsTheOneThatCalledLoad) {
   HttpServer server;
   server.route("/", 200, "x");
-  std::vector<std::unique_ptr<QThread>> threads;
+  std::vector<std::thread> threads;
   std::atomic<int> right = 0;
   for (int number = 0; number < 4; ++number)
-    threads.emplace_back(QThread::create([&] {
+    threads.emplace_back([&] {
       for (int load = 0; load < 25; ++load) {
         LoadProbe probe;
-        const QThread* here = QThread::currentThread();
-        probe.onTotal = [&](ZQURLLoader&, qint64) { right += QThread::currentThread() == here; };
-        probe.onCompletion = [&](const QVariantMap&) { right += QThread::currentThread() == here; };
+        const std::thread::id here = std::this_thread::get_id();
+        const auto count = [&] { right += std::this_thread::get_id() == here; };
+        probe.onTotal = [&](ZQURLLoader&, qint64) { count(); };
+        probe.onCompletion = [&](const QVariantMap&) { count(); };
         if (probe.load(server.url()) && probe.data == "x" && probe.loader.expired())
           ++right;
       }
-    }));
-  for (const auto& thread : threads)
-    thread->start();
-  for (const auto& thread : threads)
-    EXPECT_TRUE(thread->wait(60'000));
+    });
+  for (std::thread& thread : threads)
+    thread.join();
   EXPECT_EQ(right, 4 * 25 * 3);
 }
 

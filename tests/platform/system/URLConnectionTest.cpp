@@ -13,6 +13,7 @@
 
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
@@ -206,21 +207,29 @@ TEST(URLConnection, LeavesOptionalOperationsToADelegatesDefaults) {
 }
 
 TEST(URLConnection, DeliversOnTheThreadThatStartedIt) {
-  QThread* deliveredOn = nullptr;
-  QThread* startedOn = nullptr;
-  const std::unique_ptr<QThread> thread(QThread::create([&] {
-    startedOn = QThread::currentThread();
+  std::thread::id deliveredOn;
+  std::thread::id startedOn;
+  std::thread thread([&] {
+    startedOn = std::this_thread::get_id();
     ConnectionRecorder recorder;
-    recorder.onEnd = [&] { deliveredOn = QThread::currentThread(); };
+    recorder.onEnd = [&] { deliveredOn = std::this_thread::get_id(); };
     EXPECT_TRUE(recorder.load(Hello));
-  }));
-  thread->start();
-  ASSERT_TRUE(thread->wait(60000));
+  });
+  thread.join();
   EXPECT_EQ(deliveredOn, startedOn);
-  EXPECT_NE(deliveredOn, QThread::currentThread());
+  EXPECT_NE(deliveredOn, std::this_thread::get_id());
 }
 
 TEST(URLConnection, EndsWithItsThread) {
+  std::weak_ptr<URLConnection> weak;
+  ConnectionRecorder recorder;
+  std::thread thread([&] { weak = recorder.start(Hello); });
+  thread.join();
+  EXPECT_TRUE(weak.expired());
+  EXPECT_EQ(recorder.ends, 0);
+}
+
+TEST(URLConnection, EndsWithAWorkerOfQt) {
   std::weak_ptr<URLConnection> weak;
   ConnectionRecorder recorder;
   const std::unique_ptr<QThread> thread(QThread::create([&] { weak = recorder.start(Hello); }));
