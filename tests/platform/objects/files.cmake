@@ -1,2 +1,2 @@
-set(objects_TESTS AssertionHandlerTest.cpp ErrorTest.cpp ObjectTest.cpp SelectorTest.cpp
-    WeakTest.cpp)
+set(objects_TESTS AssertionHandlerTest.cpp ErrorTest.cpp MainThreadTest.cpp ObjectTest.cpp
+    SelectorTest.cpp WeakTest.cpp)

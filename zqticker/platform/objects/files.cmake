@@ -3,6 +3,7 @@ set(objects_PUBLIC_HEADERS
     AtomicProperty.h
     Error.h
     Exception.h
+    MainThread.h
     Object.h
     Range.h
     Selector.h
@@ -13,6 +14,7 @@ set(objects_SOURCES
     AssertionHandler.cpp
     Error.cpp
     Exception.cpp
+    MainThread.cpp
     Object.cpp
     Selector.cpp
     Target.cpp
