@@ -3,6 +3,11 @@ set(system_TESTS
     FileSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
+    KernelEventQueueFileTest.cpp
+    KernelEventQueueFolderTest.cpp
+    KernelEventQueuePathTest.cpp
+    KernelEventQueueTest.cpp
+    KernelEventQueueThreadTest.cpp
     URLConnectionTest.cpp
     URLRequestTest.cpp
     URLResponseTest.cpp

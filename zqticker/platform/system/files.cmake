@@ -1,12 +1,16 @@
-set(system_PUBLIC_HEADERS URLCache.h URLConnection.h URLRequest.h URLResponse.h url_errors.h)
+set(system_PUBLIC_HEADERS KernelEventQueue.h URLCache.h URLConnection.h URLRequest.h URLResponse.h
+                          url_errors.h)
 set(system_PRIVATE_HEADERS
     CachedSource_p.h
     CurlDriver_p.h
     CurlTransfer_p.h
+    FileSnapshot_p.h
     FileSource_p.h
     HTTPCacheEntry_p.h
     HTTPCacheLoad_p.h
     HTTPCacheStore_p.h
+    InodeTable_p.h
+    InotifyEventQueue_p.h
     LoadingThread_p.h
     URLLoading_p.h
     URLSource_p.h
@@ -23,10 +27,14 @@ set(system_SOURCES
     CachedSource.cpp
     CurlDriver.cpp
     CurlTransfer.cpp
+    FileSnapshot.cpp
     FileSource.cpp
     HTTPCacheEntry.cpp
     HTTPCacheLoad.cpp
     HTTPCacheStore.cpp
+    InodeTable.cpp
+    InotifyEventQueue.cpp
+    KernelEventQueue.cpp
     LoadingThread.cpp
     URLCache.cpp
     URLConnection.cpp
