@@ -8,9 +8,11 @@ set(system_TESTS
     KernelEventQueuePathTest.cpp
     KernelEventQueueTest.cpp
     KernelEventQueueThreadTest.cpp
+    NotificationCenterTest.cpp
     URLConnectionTest.cpp
     URLRequestTest.cpp
     URLResponseTest.cpp
+    WorkspaceTest.cpp
     connection_redirectsTest.cpp
     data_sourceTest.cpp
     http_cache_controlTest.cpp

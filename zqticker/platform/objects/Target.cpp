@@ -29,6 +29,14 @@ const void* Target::address() const {
   return nullptr;
 }
 
+const void* Target::identity() const {
+  if (const auto* weak = std::get_if<Weak<WeakReferenced>>(&receiver_))
+    return weak->get();
+  if (const auto* pointer = std::get_if<QPointer<QObject>>(&receiver_))
+    return pointer->data();
+  return object().get();
+}
+
 QString Target::description() const {
   if (const Ref<Object> reference = object())
     return reference->defaultDescription();

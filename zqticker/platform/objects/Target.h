@@ -58,6 +58,11 @@ class ZQTICKER_EXPORT Target {
     return nullptr;
   }
 
+  // Tells receivers apart without looking at them, so that it may be asked while another thread
+  // destroys the receiver; null for none and once it has gone. A receiver that is both a QObject
+  // and a WeakReferenced has two, by the type that it was given as.
+  const void* identity() const;
+
   // "<ClassName: 0xaddress>", or "(null)".
   QString description() const;
 

@@ -1,5 +1,13 @@
-set(system_PUBLIC_HEADERS KernelEventQueue.h URLCache.h URLConnection.h URLRequest.h URLResponse.h
-                          url_errors.h)
+set(system_PUBLIC_HEADERS
+    KernelEventQueue.h
+    Notification.h
+    NotificationCenter.h
+    URLCache.h
+    URLConnection.h
+    URLRequest.h
+    URLResponse.h
+    Workspace.h
+    url_errors.h)
 set(system_PRIVATE_HEADERS
     CachedSource_p.h
     CurlDriver_p.h
@@ -36,12 +44,15 @@ set(system_SOURCES
     InotifyEventQueue.cpp
     KernelEventQueue.cpp
     LoadingThread.cpp
+    Notification.cpp
+    NotificationCenter.cpp
     URLCache.cpp
     URLConnection.cpp
     URLLoading.cpp
     URLRequest.cpp
     URLResponse.cpp
     URLSource.cpp
+    Workspace.cpp
     curl_errors.cpp
     data_source.cpp
     http_cache_control.cpp
