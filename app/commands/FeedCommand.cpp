@@ -20,8 +20,6 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
-constexpr double LeastTimeout = 0.001; // seconds
-constexpr double MostTimeout = 86400;
 constexpr int LeastFailedStatus = 300; // of HTTP
 
 struct CheckOptions {
@@ -45,7 +43,7 @@ CheckOptions readOptions(const QStringList& arguments) {
     else if (option.name == "json"_L1)
       options.json = true;
     else if (option.name == "timeout"_L1)
-      options.timeoutSeconds = numberOf(option, LeastTimeout, MostTimeout);
+      options.timeoutSeconds = timeoutOf(option);
   }
   return options;
 }

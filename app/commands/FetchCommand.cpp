@@ -17,9 +17,6 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
-constexpr double LeastTimeout = 0.001; // seconds
-constexpr double MostTimeout = 86400;
-
 struct FetchOptions {
   QUrl url;
   bool json = false;
@@ -54,7 +51,7 @@ FetchOptions readOptions(const QStringList& arguments) {
     else if (option.name == "policy"_L1)
       options.policy = policyOf(option);
     else if (option.name == "timeout"_L1)
-      options.timeoutSeconds = numberOf(option, LeastTimeout, MostTimeout);
+      options.timeoutSeconds = timeoutOf(option);
   }
   return options;
 }

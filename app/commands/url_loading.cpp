@@ -13,6 +13,9 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
+constexpr double LeastTimeout = 0.001; // seconds
+constexpr double MostTimeout = 86400;
+
 class Waiting : public ZQURLLoaderDelegate {
  public:
   explicit Waiting(const LoadProgress& progress) : progress_(progress) {}
@@ -66,6 +69,10 @@ QUrl addressOf(const QString& argument) {
     throw UsageError(quotedForMessage(argument) +
                      u": no scheme (such as https://) begins this address"_s);
   return url;
+}
+
+double timeoutOf(const ParsedOption& option) {
+  return numberOf(option, LeastTimeout, MostTimeout);
 }
 
 } // namespace zq::app

@@ -1,6 +1,7 @@
 // Loading one address for a command that has nothing else to do.
 #pragma once
 
+#include "app/commands/OptionTable.h"
 #include "zqticker/platform/objects/Error.h"
 #include "zqticker/platform/system/URLRequest.h"
 #include "zqticker/platform/system/URLResponse.h"
@@ -30,5 +31,8 @@ std::optional<LoadedURL> loadAndWait(const QUrl& url, platform::URLRequestCacheP
 // The address that an argument states. UsageError naming the argument for one that is none, or
 // that has no scheme.
 QUrl addressOf(const QString& argument);
+
+// The seconds that a time-out option states, from a millisecond to a day. UsageError like numberOf.
+double timeoutOf(const ParsedOption& option);
 
 } // namespace zq::app
