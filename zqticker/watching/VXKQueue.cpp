@@ -1,0 +1,157 @@
+#include "zqticker/watching/VXKQueue.h"
+
+#include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/objects/MainThread.h"
+#include "zqticker/platform/system/KernelEventQueue.h"
+#include "zqticker/platform/system/Workspace.h"
+#include "zqticker/watching/VXMainThreadProxy.h"
+#include "zqticker/watching/path_list_p.h"
+#include "zqticker/watching/watcher_thread_p.h"
+#include "zqticker/watching/watching_log_p.h"
+
+#include <QtCore/QFile>
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+using namespace zq::platform;
+
+namespace {
+constexpr std::uint32_t DefaultMask = VnodeRename | VnodeAttrib | VnodeWrite | VnodeDelete;
+
+// Empty for a path that no file can have.
+QByteArray fileSystemRepresentation(const QString& path) {
+  return path.contains(QChar::Null) || !path.isValidUtf16() ? QByteArray()
+                                                            : QFile::encodeName(path);
+}
+} // namespace
+
+Ref<VXKQueue> VXKQueue::sharedFileWatcher() {
+  static std::mutex mutex;
+  static auto* const shared = new Ref<VXKQueue>;
+  const std::lock_guard lock(mutex);
+  if (!*shared)
+    *shared = make();
+  return *shared;
+}
+
+Ref<VXKQueue> VXKQueue::make() {
+  return make(KernelEventQueue::make());
+}
+
+Ref<VXKQueue> VXKQueue::make(Ref<KernelEventQueue> queue) {
+  if (!queue)
+    return nullptr;
+  const Ref<VXKQueue> watcher(new VXKQueue(queue));
+  return startWatcherThread(queue, watcher) ? watcher : nullptr;
+}
+
+VXKQueue::VXKQueue(Ref<KernelEventQueue> queue) : queue_(std::move(queue)) {}
+
+VXKQueue::~VXKQueue() {
+  // Before the thread closes the queue, and them with it.
+  for (const int descriptor : std::as_const(watchedFDs_))
+    closeDescriptor(descriptor, "dealloc");
+  queue_->stop();
+}
+
+int VXKQueue::queueFD() const {
+  return queue_->descriptor();
+}
+
+VXFileWatcherDelegate* VXKQueue::delegate() const {
+  const std::lock_guard lock(delegateMutex_);
+  return delegate_.get();
+}
+
+void VXKQueue::setDelegate(Weak<VXFileWatcherDelegate> delegate) {
+  Ref<VXMainThreadProxy> proxy = copyMainThreadProxy(delegate.get());
+  const std::lock_guard lock(delegateMutex_);
+  delegate_ = delegate;
+  std::swap(delegateProxy_, proxy);
+}
+
+QString VXKQueue::description() const {
+  const std::lock_guard lock(mutex_);
+  return className() + " { watchedPaths = "_L1 + describePaths(watchedPaths_) +
+         ", alwaysNotify = "_L1 + (alwaysNotify_ ? "YES"_L1 : "NO"_L1) + " }"_L1;
+}
+
+void VXKQueue::addPath(const QString& path) {
+  addPathToQueue(path, DefaultMask);
+}
+
+void VXKQueue::addPathToQueue(const QString& path) {
+  addPathToQueue(path, DefaultMask);
+}
+
+void VXKQueue::addPathToQueue(const QString& path, std::uint32_t mask) {
+  const QByteArray name = fileSystemRepresentation(path);
+  const int descriptor = name.isEmpty() ? -1 : queue_->openForEvents(name);
+  if (descriptor < 0)
+    return;
+  const std::lock_guard lock(mutex_);
+  watchedPaths_.append(path);
+  watchedFDs_.append(descriptor);
+  // A registration that fails is deliberately not noticed: the path counts as watched.
+  queue_->add(descriptor, mask, path);
+}
+
+void VXKQueue::removePath(const QString& path) {
+  removePathFromQueue(path);
+}
+
+void VXKQueue::removePathFromQueue(const QString& path) {
+  int descriptor = -1;
+  {
+    const std::lock_guard lock(mutex_);
+    const qsizetype index = watchedPaths_.indexOf(path);
+    if (index < 0)
+      throw RangeException(path + " is not watched"_L1);
+    descriptor = watchedFDs_.takeAt(index);
+    watchedPaths_.removeAt(index);
+  }
+  closeDescriptor(descriptor, "removePathFromQueue");
+}
+
+void VXKQueue::removeAllPathsFromQueue() {
+  const std::lock_guard lock(mutex_);
+  for (const int descriptor : std::as_const(watchedFDs_))
+    queue_->closeDescriptor(descriptor);
+  watchedFDs_.clear();
+  watchedPaths_.clear();
+}
+
+void VXKQueue::closeDescriptor(int descriptor, const char* operation) {
+  if (queue_->closeDescriptor(descriptor) == 0)
+    return;
+  const int error = errno;
+  // A queue that an exception has closed took its descriptors along.
+  if (queue_->descriptor() >= 0)
+    qCWarning(watchingLog, "%s: Couldn't close file descriptor (%d)", operation, error);
+}
+
+void VXKQueue::postNotification(const QString& name, const QString& path) {
+  Ref<VXMainThreadProxy> proxy;
+  {
+    const std::lock_guard lock(delegateMutex_);
+    // Without a living delegate the main thread need not be asked.
+    if (delegate_)
+      proxy = delegateProxy_;
+  }
+  if (proxy) {
+    try {
+      proxy->call(&VXFileWatcherDelegate::watcherReceivedNotification, *this, name, path);
+    } catch (const MainThreadEndedException&) {
+      // The program is about to end and its delegate hears nothing more; a line for each event
+      // until then would tell nobody anything.
+    }
+  }
+  // As it is now: the delegate may have been replaced, or have gone.
+  if (delegate() && !alwaysNotify_)
+    return;
+  Workspace::sharedWorkspace().notificationCenter().postNotificationName(name, shared_from_this(),
+                                                                         {{u"path"_s, path}});
+}
