@@ -16,6 +16,7 @@ set(app_SOURCES
     LineSplitterTest.cpp
     MotionTest.cpp
     OptionTableTest.cpp
+    PathWatchTest.cpp
     Program.cpp
     Program.h
     ProgramTest.cpp
