@@ -23,7 +23,7 @@ properties stand among them.
 """
 
 CLASS = re.compile(r"^(?:class|struct)\s+ZQTICKER_EXPORT\s+(\w+)(?:\s+final)?\s*(?::[^{;]*)?\{")
-OPERATION = re.compile(r"^//\s*Operation:\s*(\S+)\s*$", re.M)
+OPERATION = re.compile(r"^//\s*Operation:\s*((?:\+ )?\S+)\s*$", re.M)
 FUNCTION = re.compile(
     r"^(?P<static>static\s+)?(?P<before>[\w:<>,*&\s\[\]]*?)(?P<name>~?\w+)\s*\((?P<params>.*)\)"
     r"\s*(?:const)?\s*(?:noexcept)?\s*(?:override)?\s*(?:final)?\s*(?:=\s*(?:0|default|delete))?$",

@@ -1,2 +1,2 @@
-set(graphics_TESTS ColorTest.cpp FontTest.cpp GraphicsContextTest.cpp ImageTest.cpp ShadowTest.cpp
+set(graphics_TESTS BezierPathTest.cpp ColorTest.cpp FontTest.cpp GraphicsContextTest.cpp ImageTest.cpp ShadowTest.cpp
                    TiffTest.cpp TileCacheTest.cpp image_archivesTest.cpp)

@@ -63,6 +63,13 @@ QBrush brushOf(const Ref<Color>& color, const GraphicsContext& context) {
   return brush;
 }
 
+// Butt ends; mitred joins, limited to ten times the width. A width of 0 is one device pixel.
+QPen penOf(const QBrush& brush, double width) {
+  QPen pen(brush, width, Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
+  pen.setMiterLimit(10);
+  return pen;
+}
+
 } // namespace
 
 GraphicsContext::GraphicsContext(QPainter* painter, QSizeF sizeInPoints, bool flipped)
@@ -195,7 +202,7 @@ void GraphicsContext::fillPath(const QPainterPath& path) {
 void GraphicsContext::strokePath(const QPainterPath& path, double width) {
   if (recording_)
     return perform([=](GraphicsContext& context) { context.strokePath(path, width); });
-  painter_->strokePath(path, QPen(brushOf(state_.strokeColor, *this), width));
+  painter_->strokePath(path, penOf(brushOf(state_.strokeColor, *this), width));
 }
 
 void GraphicsContext::perform(const std::function<void(GraphicsContext&)>& command) {

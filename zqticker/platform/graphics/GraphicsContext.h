@@ -97,7 +97,8 @@ class ZQTICKER_EXPORT GraphicsContext {
 
   void fillRect(const QRectF& rect);
   void fillPath(const QPainterPath& path);
-  // Lines of `width` points, centred on the path.
+  // Lines of `width` points, centred on the path, with butt ends and mitred joins; 0 is the
+  // thinnest line that the device can draw.
   void strokePath(const QPainterPath& path, double width = 1);
 
   // While recording, keeps `command`, which is run with the context of each showing; otherwise

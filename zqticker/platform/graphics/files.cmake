@@ -1,4 +1,4 @@
-set(graphics_PUBLIC_HEADERS Color.h Font.h FontManager.h GraphicsContext.h Image.h
+set(graphics_PUBLIC_HEADERS BezierPath.h Color.h Font.h FontManager.h GraphicsContext.h Image.h
                             ImageRepresentation.h Shadow.h)
 set(graphics_PRIVATE_HEADERS
     BitmapRepresentation_p.h
@@ -14,6 +14,7 @@ set(graphics_PRIVATE_HEADERS
     picture_data_p.h
     pixels_p.h)
 set(graphics_SOURCES
+    BezierPath.cpp
     BitmapRepresentation.cpp
     Color.cpp
     ColorSpace.cpp
