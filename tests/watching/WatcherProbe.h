@@ -1,4 +1,4 @@
-// A delegate and an observer that keep what they hear, and files to be changed.
+// A delegate and an observer that keep what they hear.
 #pragma once
 
 #include "tests/support/waiting.h"
@@ -7,17 +7,11 @@
 #include "zqticker/platform/system/Workspace.h"
 #include "zqticker/watching/VXKQueue.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <fcntl.h>
 #include <functional>
 #include <mutex>
 #include <ostream>
-#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -61,7 +55,8 @@ class Recorder : public VXFileWatcherDelegate {
 // Observes all notifications about one watcher, on that watcher's thread.
 class Observer : public platform::WeakReferenced {
  public:
-  explicit Observer(const platform::Ref<VXKQueue>& watcher) {
+  explicit Observer(const platform::Ref<VXKQueue>& watcher, std::function<void()> first = {})
+      : first_(std::move(first)) {
     center().addObserver(this, &Observer::hear, std::nullopt, watcher);
   }
   ~Observer() override { center().removeObserver(this); }
@@ -69,13 +64,12 @@ class Observer : public platform::WeakReferenced {
   void hear(const platform::Ref<platform::Notification>& notification) {
     EXPECT_FALSE(platform::isMainThread());
     EXPECT_EQ(notification->userInfo().keys(), QStringList{QStringLiteral("path")});
-    {
-      const std::lock_guard lock(mutex_);
-      heard_.push_back({notification->name(),
-                        notification->userInfo().value(QStringLiteral("path")).toString()});
-    }
-    if (then)
-      then();
+    if (first_)
+      first_();
+    // Last: whoever waits for it may end this observer as soon as the mutex is free.
+    const std::lock_guard lock(mutex_);
+    heard_.push_back(
+        {notification->name(), notification->userInfo().value(QStringLiteral("path")).toString()});
   }
 
   Reports heard() const {
@@ -86,42 +80,16 @@ class Observer : public platform::WeakReferenced {
     return waitFor([&] { return heard().size() >= count; });
   }
 
-  // Set before anything is reported.
-  std::function<void()> then;
-
  private:
   static platform::NotificationCenter& center() {
     return platform::Workspace::sharedWorkspace().notificationCenter();
   }
 
+  // Constant after construction.
+  std::function<void()> first_;
+
   mutable std::mutex mutex_;
   Reports heard_;
-};
-
-// A folder of its own. Paths are given by the name in it.
-class Files {
- public:
-  QString path(const QString& name) const { return folder_.filePath(name); }
-
-  QString make(const QString& name, const QByteArray& contents = "first") const {
-    write(name, contents, O_CREAT | O_TRUNC);
-    return path(name);
-  }
-  void write(const QString& name, const QByteArray& contents, int flags = 0) const {
-    const int file =
-        ::open(QFile::encodeName(path(name)).constData(), O_WRONLY | O_CLOEXEC | flags, 0644);
-    EXPECT_GE(file, 0);
-    EXPECT_EQ(::write(file, contents.constData(), std::size_t(contents.size())), contents.size());
-    ::close(file);
-  }
-  void rename(const QString& from, const QString& to) const {
-    EXPECT_EQ(::rename(QFile::encodeName(path(from)).constData(),
-                       QFile::encodeName(path(to)).constData()),
-              0);
-  }
-
- private:
-  QTemporaryDir folder_;
 };
 
 } // namespace zq::testing
