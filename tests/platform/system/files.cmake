@@ -1,5 +1,7 @@
 set(system_TESTS
     CachedSourceTest.cpp
+    DirectorySubscriptionTest.cpp
+    DirectorySubscriptionThreadTest.cpp
     FileSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
@@ -9,6 +11,7 @@ set(system_TESTS
     KernelEventQueueTest.cpp
     KernelEventQueueThreadTest.cpp
     NotificationCenterTest.cpp
+    SubscribedFoldersTest.cpp
     URLConnectionTest.cpp
     URLRequestTest.cpp
     URLResponseTest.cpp
@@ -18,5 +21,6 @@ set(system_TESTS
     http_cache_controlTest.cpp
     http_datesTest.cpp
     http_freshnessTest.cpp
+    inotify_limitsTest.cpp
     redirectsTest.cpp
     user_agentTest.cpp)

@@ -1,7 +1,6 @@
 #include "zqticker/platform/system/InotifyEventQueue_p.h"
 
-#include <QtCore/QFile>
-#include <QtCore/QLoggingCategory>
+#include "zqticker/platform/system/inotify_limits_p.h"
 
 #include <algorithm>
 #include <array>
@@ -13,13 +12,10 @@
 #include <sys/eventfd.h>
 #include <sys/inotify.h>
 #include <unistd.h>
-
-using namespace Qt::StringLiterals;
+#include <utility>
 
 namespace zq::platform {
 namespace {
-
-Q_LOGGING_CATEGORY(log, "zqticker.watching")
 
 // Far from the numbers of open files, which other calls would take for theirs.
 constexpr int FirstDescriptor = 0x0100'0000;
@@ -110,15 +106,8 @@ void InotifyEventQueue::endRegistration(std::map<int, Registration>::iterator fo
 }
 
 void InotifyEventQueue::reportLimit() {
-  if (std::exchange(limitReported_, true))
-    return;
-  QFile file(u"/proc/sys/fs/inotify/max_user_watches"_s);
-  const QByteArray limit =
-      file.open(QIODevice::ReadOnly) ? file.readAll().trimmed() : QByteArray("unknown");
-  qCWarning(log,
-            "The kernel refuses to watch more files: the limit fs.inotify.max_user_watches is %s. "
-            "Raise it with \"sysctl fs.inotify.max_user_watches=1048576\".",
-            limit.constData());
+  if (!std::exchange(limitReported_, true))
+    logInotifyLimit(ENOSPC);
 }
 
 int InotifyEventQueue::add(int descriptor, std::uint32_t mask, const QString& userData) {

@@ -1,4 +1,5 @@
 set(system_PUBLIC_HEADERS
+    DirectorySubscription.h
     KernelEventQueue.h
     Notification.h
     NotificationCenter.h
@@ -20,6 +21,8 @@ set(system_PRIVATE_HEADERS
     InodeTable_p.h
     InotifyEventQueue_p.h
     LoadingThread_p.h
+    SubscribedFolders_p.h
+    SubscriptionLoop_p.h
     URLLoading_p.h
     URLSource_p.h
     curl_errors_p.h
@@ -29,12 +32,14 @@ set(system_PRIVATE_HEADERS
     http_field_lists_p.h
     http_fields_p.h
     http_freshness_p.h
+    inotify_limits_p.h
     redirects_p.h
     user_agent_p.h)
 set(system_SOURCES
     CachedSource.cpp
     CurlDriver.cpp
     CurlTransfer.cpp
+    DirectorySubscription.cpp
     FileSnapshot.cpp
     FileSource.cpp
     HTTPCacheEntry.cpp
@@ -46,6 +51,8 @@ set(system_SOURCES
     LoadingThread.cpp
     Notification.cpp
     NotificationCenter.cpp
+    SubscribedFolders.cpp
+    SubscriptionLoop.cpp
     URLCache.cpp
     URLConnection.cpp
     URLLoading.cpp
@@ -60,6 +67,7 @@ set(system_SOURCES
     http_field_lists.cpp
     http_fields.cpp
     http_freshness.cpp
+    inotify_limits.cpp
     redirects.cpp
     url_errors.cpp
     user_agent.cpp)
