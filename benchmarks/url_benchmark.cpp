@@ -9,6 +9,7 @@
 //   CurlProgram    the program curl as a whole, which throws the bodies away
 //
 // Each runs in a process of its own, so that peak memory is its own; so does the server.
+#include "benchmarks/child_process.h"
 #include "benchmarks/ratio_main.h"
 #include "zqticker/net/ZQURLLoader.h"
 
@@ -19,11 +20,7 @@
 #include <QtNetwork/QNetworkRequest>
 
 #include <curl/curl.h>
-#include <fcntl.h>
-#include <spawn.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
@@ -243,42 +240,6 @@ int runCandidate(int argc, char** argv) {
 }
 
 // --- The parent.
-
-// A child process with a pipe from its standard output.
-struct Child {
-  pid_t process = -1;
-  int output = -1;
-};
-
-Child startChild(const std::vector<std::string>& arguments, int input = -1) {
-  int ends[2];
-  if (::pipe2(ends, O_CLOEXEC) != 0)
-    return {};
-  posix_spawn_file_actions_t actions;
-  posix_spawn_file_actions_init(&actions);
-  posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-  if (input >= 0)
-    posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
-  std::vector<char*> words;
-  for (const std::string& argument : arguments)
-    words.push_back(const_cast<char*>(argument.c_str()));
-  words.push_back(nullptr);
-  Child child;
-  if (::posix_spawnp(&child.process, words[0], &actions, nullptr, words.data(), environ) != 0)
-    child.process = -1;
-  posix_spawn_file_actions_destroy(&actions);
-  ::close(ends[1]);
-  child.output = ends[0];
-  return child;
-}
-
-std::string readAll(int descriptor) {
-  std::string text;
-  char bytes[256];
-  for (ssize_t count; (count = ::read(descriptor, bytes, sizeof bytes)) > 0;)
-    text.append(bytes, std::size_t(count));
-  return text;
-}
 
 // The server as a process, for as long as this object lives.
 class Server {
