@@ -12,6 +12,8 @@
 #include <unistd.h>
 
 #include <array>
+#include <atomic>
+#include <chrono>
 #include <mutex>
 #include <thread>
 
@@ -93,11 +95,14 @@ class BareWatching : public Watching {
     end_ = ::mkostemp(path, O_CLOEXEC);
     endWatch_ = ::inotify_add_watch(instance_, path, IN_MODIFY);
     ::unlink(path);
-    thread_ = std::thread([this] { watch(); });
+    thread_ = std::thread([this] {
+      watch();
+      hasEnded_ = true;
+    });
   }
   ~BareWatching() override {
-    if (::write(end_, "", 1) == 1)
-      thread_.join();
+    end([] {});
+    thread_.join();
     ::close(end_);
     ::close(instance_);
   }
@@ -118,6 +123,16 @@ class BareWatching : public Watching {
 
  protected:
   virtual void report(int number) { report_(number); }
+
+  // Ends the thread; calls `wait` until it has ended.
+  template <class F>
+  void end(F&& wait) {
+    // Not by one write: a full queue of events takes no more.
+    while (!hasEnded_ && ::write(end_, "", 1) == 1) {
+      wait();
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
 
  private:
   // With the mutex held.
@@ -173,6 +188,7 @@ class BareWatching : public Watching {
   int end_;
   int endWatch_;
   std::thread thread_;
+  std::atomic<bool> hasEnded_ = false;
 
   std::mutex mutex_;
   // Protected by it.
@@ -185,13 +201,20 @@ class BareWatching : public Watching {
 class BareMainWatching final : public BareWatching {
  public:
   using BareWatching::BareWatching;
+  ~BareMainWatching() override {
+    isEnding_ = true;
+    end([] { QCoreApplication::processEvents(); });
+  }
 
  private:
   void report(int number) override {
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [this, number] { report_(number); },
-        Qt::BlockingQueuedConnection);
+    if (!isEnding_)
+      QMetaObject::invokeMethod(
+          QCoreApplication::instance(), [this, number] { report_(number); },
+          Qt::BlockingQueuedConnection);
   }
+
+  std::atomic<bool> isEnding_ = false;
 };
 
 } // namespace
