@@ -1,6 +1,7 @@
 #include "app/commands/RenderCommand.h"
 
 #include "app/commands/failures.h"
+#include "app/commands/file_following.h"
 #include "app/commands/frame_files.h"
 #include "app/commands/interrupts.h"
 #include "app/commands/strip_setup.h"
@@ -42,6 +43,9 @@ void render(const RenderOptions& options, const RenderPatience& patience, Interr
   const bool isSheet = isPictureFile(options.output);
   display.setScale(options.scale);
   fillDisplay(display, options.strip, look, 0);
+  takeLastLines(display, options.strip,
+                patience.feedFailure == FeedFailure::Ends ? MissingFiles::Fail
+                                                          : MissingFiles::AreAwaited);
   if (options.strip.readsStandardInput)
     takeLines(display, lineRuleOf(options.strip), patience.forLines);
   loadFeeds(display, options.strip, look, options.scale, patience.forFeeds, patience.feedFailure,

@@ -2,6 +2,7 @@
 
 #include "app/commands/RenderCommand.h"
 #include "app/commands/failures.h"
+#include "app/commands/file_following.h"
 #include "app/commands/interrupts.h"
 #include "app/commands/strip_setup.h"
 #include "app/display/StripWidget.h"
@@ -9,6 +10,7 @@
 #include "app/services/FeedService.h"
 #include "app/services/FeedSigns.h"
 #include "app/services/FeedSubscription.h"
+#include "app/services/FileSigns.h"
 #include "app/services/loading_setup.h"
 
 #include <QtCore/QCoreApplication>
@@ -84,6 +86,15 @@ int runCommand(const QStringList& arguments) {
   StripWidget widget(display, options.strip.background);
   widget.setGeometry(windowGeometry(options, look, room));
 
+  const LoopRule lineRule = lineRuleOf(options.strip);
+  FileSigns fileSigns(display, lineRule);
+  const std::unique_ptr<FileService> files = followFiles(
+      options.strip, {[&](const QString& line) { display.addLine(line, widget.time(), lineRule); },
+                      [&](const FileReport& report) { fileSigns.show(report, widget.time()); },
+                      [&] { return display.waitingLineCount() >= TickerDisplay::MostLines; }});
+  if (files)
+    QObject::connect(files.get(), &FileService::received, &widget, &StripWidget::displayChanged);
+
   std::unique_ptr<LineReader> reader;
   FeedSigns feedSigns(display, feedRuleOf(options.strip));
   std::unique_ptr<FeedService> feeds;
@@ -97,16 +108,14 @@ int runCommand(const QStringList& arguments) {
         });
     feeds->start();
   }
-  // A feed may always bring something new.
+  // Feeds and files may always bring something new.
   const auto quitWhenDone = [&] {
-    if (widget.isFinished() && !feeds && (!reader || reader->hasEnded()))
+    if (widget.isFinished() && !feeds && !files && (!reader || reader->hasEnded()))
       QCoreApplication::quit();
   };
   if (options.strip.readsStandardInput && isOpen(STDIN_FILENO)) {
-    const LoopRule rule = lineRuleOf(options.strip);
-    reader = std::make_unique<LineReader>(STDIN_FILENO, [&, rule](const QString& line) {
-      display.addLine(line, widget.time(), rule);
-    });
+    reader = std::make_unique<LineReader>(
+        STDIN_FILENO, [&](const QString& line) { display.addLine(line, widget.time(), lineRule); });
     QObject::connect(reader.get(), &LineReader::received, &widget, [&] {
       reader->setUnhurried(display.waitingLineCount() >= TickerDisplay::MostLines);
       widget.displayChanged();

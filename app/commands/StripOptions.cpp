@@ -89,6 +89,14 @@ QUrl feedOf(const ParsedOption& option, const std::vector<QUrl>& before) {
   return url;
 }
 
+// A file that is named once.
+QString newFileOf(const ParsedOption& option, const QStringList& before) {
+  const QString file = fileOf(option, option.values.first());
+  if (before.contains(file))
+    throw UsageError(option.text() + u": given twice"_s);
+  return file;
+}
+
 // Whether `option` is one that all strips have; reads it then.
 bool readStripOption(StripOptions& options, const ParsedOption& option) {
   const QString& name = option.name;
@@ -108,6 +116,8 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
     options.feeds.itemsPerFeed = static_cast<std::size_t>(integerOf(option, 1, MostFeedItems));
   } else if (name == "feed-interval"_L1) {
     options.feeds.intervalMinutes = numberOf(option, ShortestInterval, LongestInterval);
+  } else if (name == "tail"_L1) {
+    options.files.tailed.append(newFileOf(option, options.files.tailed));
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
@@ -139,9 +149,10 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
 }
 
 void requireSomethingToShow(const StripOptions& options, const QString& command) {
-  if (options.sources.empty() && options.feeds.feeds.empty() && !options.readsStandardInput)
-    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign, --feed or --stdin "
-                     u"(see zqticker %1 --help)"_s.arg(command));
+  if (options.sources.empty() && options.feeds.feeds.empty() && options.files.isEmpty() &&
+      !options.readsStandardInput)
+    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign, --feed, --tail, "
+                     u"--stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
 }
 
 void readSize(StripOptions& options, const ParsedOption& option) {
@@ -175,6 +186,8 @@ RunOptions readRunOptions(const QStringList& arguments) {
   for (const ParsedOption& option : parseOptions(runTable(), arguments))
     if (option.name == "position"_L1)
       options.edge = edgeOf(option);
+    else if (option.name == "watch"_L1)
+      options.strip.files.watched.append(newFileOf(option, options.strip.files.watched));
     else
       readStripOption(options.strip, option);
   requireSomethingToShow(options.strip, runTable().command);

@@ -3,6 +3,7 @@
 
 #include "app/commands/OptionTable.h"
 #include "app/services/FeedOptions.h"
+#include "app/services/FileOptions.h"
 
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
@@ -32,6 +33,7 @@ struct FontRequest {
 struct StripOptions {
   std::vector<SignSource> sources; // in the order in which they are shown
   FeedOptions feeds;
+  FileOptions files;
   bool readsStandardInput = false;
   bool isHorizontal = true;
   double speed = 60; // points per second

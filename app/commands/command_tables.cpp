@@ -30,6 +30,11 @@ const std::vector<OptionSpec>& stripOptions() {
        {u"MINUTES"_s},
        u"How long to wait before a feed is asked again; 30 by default, at least 5 but for servers "
        u"on this machine."_s},
+      {u"tail"_s,
+       {u"FILE"_s},
+       u"Show the last line of a text file and each line that is appended to it, also when the "
+       u"file is rotated as logs are. One that is not there is waited for."_s,
+       true},
       {u"stdin"_s, {}, u"Show each line of standard input as it arrives."_s},
       {u"direction"_s,
        {u"DIRECTION"_s},
@@ -49,8 +54,7 @@ const std::vector<OptionSpec>& stripOptions() {
        {u"COUNT"_s},
        u"How often each sign is shown: 1 or more, or forever. By default what --text, --image, "
        u"--combo and --feed show is shown forever, signs from archives as often as they say, lines "
-       u"of "
-       u"standard input once."_s},
+       u"of files and of standard input once, and so is what --watch tells."_s},
       {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
       {u"continuous"_s,
        {},
@@ -65,6 +69,13 @@ const QString StandardInputNote =
     u"characters is cut there and ends in an ellipsis. At most 1,000 lines wait, with at most "
     u"16,000,000 characters together: for a new one the line that was shown longest ago goes (with "
     u"--loop), then the oldest waiting one; a line that is on the strip stays."_s;
+
+const QString FilesNote =
+    u"Files: a line counts when its line end is there, and is taken as lines of standard input "
+    u"are; what stands after the last line end is shown at the start, and again once it has grown "
+    u"to a line. A file that is renamed is read to its end before the one that takes its place, "
+    u"which is read from its start, as a file is that has been emptied. More than 64 MiB that come "
+    u"at once are passed over, up to the last 64 MiB."_s;
 
 const QString FeedNote =
     u"Feeds: the first items that a feed lists are shown, for as long as it lists them; a changed "
@@ -84,6 +95,14 @@ OptionTable makeRunTable() {
                   u"is the order on the strip."_s;
   table.options = stripOptions();
   table.options.push_back(
+      {u"watch"_s,
+       {u"PATH"_s},
+       u"Tell what happens to a file or folder: its name, and written to, attributes changed, "
+       u"renamed, deleted, replaced or appeared; of a folder that its contents changed. What is "
+       u"about to be told already is not told twice. The path must exist when the program starts, "
+       u"and may be deleted and made again later."_s,
+       true});
+  table.options.push_back(
       {u"height"_s,
        {u"POINTS"_s},
        u"Height of the strip. By default 24, more where --font is larger; the screen's height for "
@@ -98,22 +117,25 @@ OptionTable makeRunTable() {
        u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
-      StandardInputNote, FeedNote,
+      StandardInputNote, FilesNote, FeedNote,
       u"The program ends when all signs have been shown as often as they ask for and standard "
       u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu under the right "
-      u"mouse button. With --feed it does not end by itself. Everything but feeds is read and "
+      u"mouse button. With --feed, --tail or --watch it does not end by itself. Everything but "
+      u"feeds is read and "
       u"checked before the window opens. Without a display "
       u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "
       u"rendered as pictures into a new temporary folder, whose name is printed; of standard input "
       u"what comes until it ends, until 1,000 lines wait or until nothing has come for five "
-      u"seconds is shown, and of feeds what has come after five seconds."_s,
+      u"seconds is shown, of feeds what has come after five seconds, and of --tail the last lines."_s,
       u"Exit status: 0 when all went well, 1 for what cannot be read or done, 2 for a wrong "
       u"command line."_s};
   table.examples = {
       u"zqticker --text \"Hello\" --image photo.png"_s,
       u"A text and a picture, in turn, at the bottom of the screen."_s,
-      u"tail -f /var/log/syslog | zqticker --stdin --speed 120"_s,
-      u"Every new line of a log, as it is written."_s,
+      u"make 2>&1 | zqticker --stdin --speed 120"_s,
+      u"What a program writes, as it is written."_s,
+      u"zqticker --tail /var/log/syslog --watch /etc/hosts"_s,
+      u"Every new line of a log, and each change of a file."_s,
       u"zqticker --feed https://example.org/news.xml --feed https://example.net/atom --continuous"_s,
       u"The newest items of two feeds by turns, kept up to date."_s,
       u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
@@ -151,6 +173,7 @@ OptionTable makeRenderTable() {
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
       StandardInputNote, FeedNote,
+      u"Of each --tail FILE, which must be there, the last line is shown."_s,
       u"Feeds are read once, before the first frame; one that cannot be read, or has not answered "
       u"after a minute, is an error."_s,
       u"With --stdin all lines are taken before the first frame: up to the end of standard input, "

@@ -186,6 +186,11 @@ bool TickerDisplay::removeSign(const QString& identifier, double time) {
   return true;
 }
 
+bool TickerDisplay::hasWaitingSign(const QString& identifier, double time) {
+  catchUp(time);
+  return waitingEntry(identifier) != nullptr;
+}
+
 Strip::Entry TickerDisplay::waitingEntry(const QString& identifier) const {
   const Strip::Entry entry = named_.value(identifier).lock();
   return entry && entry->isWaiting() ? entry : nullptr;

@@ -75,6 +75,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Takes the sign out, once it has left where it is on the strip. False where none waits.
   bool removeSign(const QString& identifier, double time);
 
+  // Whether a sign with this identifier waits for its first or another showing at `time`.
+  bool hasWaitingSign(const QString& identifier, double time);
+
   // Adds a line of text in the default font and color. Lines are limited as stated above: for a
   // new one the line that was shown longest ago goes, then the oldest waiting one.
   void addLine(const QString& line, double time, const LoopRule& rule = {});

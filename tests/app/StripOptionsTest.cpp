@@ -79,6 +79,16 @@ TEST(StripOptions, ReadEveryOption) {
   EXPECT_EQ(strip("--stdin --loop forever").loopCount, -1);
 }
 
+TEST(StripOptions, NameFilesOnceEach) {
+  const StripOptions options = strip("--tail a --watch b --tail b --watch a");
+  EXPECT_EQ(options.files.tailed, (QStringList{u"a"_s, u"b"_s}));
+  EXPECT_EQ(options.files.watched, (QStringList{u"b"_s, u"a"_s}));
+  EXPECT_EQ(runFailure("--tail a --tail a"), "--tail a: given twice");
+  EXPECT_EQ(runFailure("--watch a --watch a"), "--watch a: given twice");
+  EXPECT_EQ(failure(readRunOptions, {u"--tail"_s, u""_s}), "--tail : the file name is empty");
+  EXPECT_EQ(failure(readRunOptions, {u"--watch"_s, u""_s}), "--watch : the file name is empty");
+}
+
 TEST(StripOptions, PutTextOnOneLine) {
   EXPECT_EQ(readRunOptions({u"--text"_s, u"a\nb\x1b[1m"_s}).strip.sources[0].text, u"a b"_s);
 }
@@ -120,9 +130,9 @@ TEST(StripOptions, RefuseEmptyNamesAndTexts) {
 }
 
 TEST(StripOptions, RefuseToShowNothing) {
-  EXPECT_EQ(runFailure(""),
-            "nothing to show: give --text, --image, --combo, --sign, --feed or --stdin "
-            "(see zqticker run --help)");
+  EXPECT_EQ(runFailure(""), "nothing to show: give --text, --image, --combo, --sign, --feed, "
+                            "--tail, --stdin or, with run, --watch "
+                            "(see zqticker run --help)");
   EXPECT_EQ(runFailure("--speed 50"), runFailure(""));
 }
 
@@ -165,10 +175,10 @@ TEST(RenderOptions, RefuseWrongValues) {
   EXPECT_EQ(wrong("--position top"), "--position: unknown option (see zqticker render --help)");
   EXPECT_EQ(failure(readRenderOptions, words("--text a")),
             "--output: missing; say where the pictures go, a folder or a file.png");
-  EXPECT_EQ(
-      failure(readRenderOptions, words("--output out")),
-      "nothing to show: give --text, --image, --combo, --sign, --feed or --stdin (see zqticker "
-      "render --help)");
+  EXPECT_EQ(failure(readRenderOptions, words("--output out")),
+            "nothing to show: give --text, --image, --combo, --sign, --feed, --tail, --stdin or, "
+            "with run, --watch (see zqticker "
+            "render --help)");
 }
 
 TEST(SignOptions, ReadEveryOption) {

@@ -11,9 +11,12 @@ set(app_SOURCES
     FeedServiceTest.cpp
     FeedSignsTest.cpp
     FetchTest.cpp
+    FileProgramTest.cpp
+    FileServiceTest.cpp
     JsonTokenizerTest.cpp
     LineReaderTest.cpp
     LineSplitterTest.cpp
+    LogFile.h
     MotionTest.cpp
     OptionTableTest.cpp
     PathWatchTest.cpp
@@ -25,6 +28,7 @@ set(app_SOURCES
     StripQueueTest.cpp
     StripTest.cpp
     StripWidgetTest.cpp
+    TailReaderTest.cpp
     TickerDisplayTest.cpp
     XServer.cpp
     XServer.h
