@@ -11,6 +11,7 @@
 
 #include <cstdint>
 #include <mutex>
+#include <utility>
 
 // Reports that something has changed in a folder, not what, always as a write to the folder. What
 // counts as a change, and how changes are merged, is said by subscribeByPath.

@@ -173,7 +173,7 @@ TEST(SubscribedFolders, MergeWhatComesBeforeItHasBeenQuiet) {
   const FolderProbe probe;
   Folders folders;
   const auto handle = folders.subscribe(probe.path());
-  const auto nearlyQuiet = SubscribedFolders::QuietTime - milliseconds(1);
+  const milliseconds nearlyQuiet(29);
   for (const char* name : {"watched/x", "watched/y", "watched/z"}) {
     probe.write(name);
     EXPECT_TRUE(folders.callsAfter(nearlyQuiet).empty()) << name;

@@ -21,8 +21,8 @@ using DirectorySubscriptionCallback = void (*)(std::uint32_t message, std::uint3
                                                void* reference, DirectorySubscription* handle);
 
 // Has `callback` called whenever something changes in the folder at `path`, from now on, until
-// unsubscribe or the end of this thread. Returns 0 and the handle, or an errno value, and the
-// handle stays as it was.
+// unsubscribe or the end of this thread or of the application. Returns 0 and the handle, or an
+// errno value, and the handle stays as it was.
 //
 // A change is: an entry comes, goes or is renamed, is written to, truncated, or has its mode,
 // owner, times or extended attributes changed; the folder's own mode and the like are changed, it
