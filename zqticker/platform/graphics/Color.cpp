@@ -3,6 +3,7 @@
 #include "zqticker/platform/archiving/ClassRegistry.h"
 #include "zqticker/platform/archiving/Coder.h"
 #include "zqticker/platform/graphics/ColorSpace_p.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/platform/graphics/component_text_p.h"
 #include "zqticker/platform/objects/Exception.h"
@@ -173,6 +174,17 @@ double Color::alphaComponent() const {
 QColor Color::qColor() const {
   return QColor::fromRgbF(float(redComponent()), float(greenComponent()), float(blueComponent()),
                           float(alphaComponent()));
+}
+
+void Color::set() const {
+  GraphicsContext* context = GraphicsContext::currentContext();
+  if (!context)
+    return;
+  // Colours are immutable, so that a context may hold them without const.
+  const auto color =
+      std::const_pointer_cast<Color>(std::static_pointer_cast<const Color>(shared_from_this()));
+  context->setFillColor(color);
+  context->setStrokeColor(color);
 }
 
 QString Color::description() const {

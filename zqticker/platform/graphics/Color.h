@@ -80,6 +80,9 @@ class ZQTICKER_EXPORT Color : public Object {
   // Of a pattern colour; null otherwise.
   const Ref<Image>& patternImage() const { return patternImage_; }
 
+  // Makes this the colour of fills and strokes of the current context; without one nothing happens.
+  void set() const;
+
   // "DeviceRGB 0.25 0.5 0.75 1".
   QString description() const override;
   // Whether `other` is a colour of the same space with the same components, names and pattern.

@@ -3,6 +3,9 @@
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/DrawingRecording_p.h"
 #include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/graphics/Shadow.h"
+#include "zqticker/platform/graphics/shading_drawing_p.h"
+#include "zqticker/platform/graphics/shadow_drawing_p.h"
 
 #include <QtGui/QPainter>
 #include <QtGui/QPainterPath>
@@ -63,10 +66,9 @@ QBrush brushOf(const Ref<Color>& color, const GraphicsContext& context) {
   return brush;
 }
 
-// Butt ends; mitred joins, limited to ten times the width. A width of 0 is one device pixel.
 QPen penOf(const QBrush& brush, double width) {
   QPen pen(brush, width, Qt::SolidLine, Qt::FlatCap, Qt::SvgMiterJoin);
-  pen.setMiterLimit(10);
+  pen.setMiterLimit(GraphicsContext::MiterLimit);
   return pen;
 }
 
@@ -84,6 +86,7 @@ GraphicsContext::GraphicsContext(QPainter* painter, QSizeF sizeInPoints, bool fl
     painter_->scale(1, -1);
   }
   base_ = painter_->worldTransform();
+  baseToDevice_ = painter_->deviceTransform();
   state_.fillColor = state_.strokeColor = Color::deviceWhite(0);
   contexts.push_back(this);
 }
@@ -174,6 +177,19 @@ void GraphicsContext::setStrokeColor(const Ref<Color>& color) {
   state_.strokeColor = color;
 }
 
+void GraphicsContext::setShadow(const Shadow* shadow) {
+  std::shared_ptr<const Shadow> kept;
+  if (shadow && shadow->shadowColor())
+    kept = std::make_shared<const Shadow>(*shadow);
+  if (recording_)
+    return perform([=](GraphicsContext& context) { context.setShadow(kept.get()); });
+  state_.shadow = std::move(kept);
+}
+
+QTransform GraphicsContext::unflippedBaseTransform() const {
+  return flipped_ ? QTransform::fromScale(1, -1) * baseToDevice_ : baseToDevice_;
+}
+
 void GraphicsContext::setCompositingOperation(CompositingOperation operation) {
   state_.operation = operation;
   if (recording_)
@@ -190,18 +206,36 @@ void GraphicsContext::setFraction(double fraction) {
 void GraphicsContext::fillRect(const QRectF& rect) {
   if (recording_)
     return perform([=](GraphicsContext& context) { context.fillRect(rect); });
+  if (state_.shadow) {
+    QPainterPath path;
+    path.addRect(rect);
+    castShadowOfFill(*this, path, state_.fillColor);
+  }
   painter_->fillRect(rect, brushOf(state_.fillColor, *this));
 }
 
 void GraphicsContext::fillPath(const QPainterPath& path) {
   if (recording_)
     return perform([=](GraphicsContext& context) { context.fillPath(path); });
+  if (state_.shadow)
+    castShadowOfFill(*this, path, state_.fillColor);
   painter_->fillPath(path, brushOf(state_.fillColor, *this));
+}
+
+void GraphicsContext::fillPathWithShading(const QPainterPath& path,
+                                          const VerticalShading& shading) {
+  if (recording_)
+    return perform([=](GraphicsContext& context) { context.fillPathWithShading(path, shading); });
+  const QBrush brush = brushOfShading(shading, *this, path.boundingRect());
+  if (brush.style() != Qt::NoBrush)
+    painter_->fillPath(path, brush);
 }
 
 void GraphicsContext::strokePath(const QPainterPath& path, double width) {
   if (recording_)
     return perform([=](GraphicsContext& context) { context.strokePath(path, width); });
+  if (state_.shadow)
+    castShadowOfStroke(*this, path, width, state_.strokeColor);
   painter_->strokePath(path, penOf(brushOf(state_.strokeColor, *this), width));
 }
 

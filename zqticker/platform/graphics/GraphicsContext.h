@@ -17,7 +17,9 @@ class QPainterPath;
 namespace zq::platform {
 
 class Color;
+class Shadow;
 struct DrawingRecording;
+struct VerticalShading;
 
 // How drawing combines with what is there; the operators of Porter and Duff, and the sum.
 enum class CompositingOperation {
@@ -74,8 +76,8 @@ class ZQTICKER_EXPORT GraphicsContext {
   // area.
   QRectF clipBounds() const;
 
-  // The graphics state: transform, clip, colours, compositing operation and fraction. A restore
-  // without a save does nothing.
+  // The graphics state: transform, clip, colours, shadow, compositing operation and fraction. A
+  // restore without a save does nothing.
   void saveGraphicsState();
   void restoreGraphicsState();
 
@@ -89,6 +91,21 @@ class ZQTICKER_EXPORT GraphicsContext {
   // The colours of fills and strokes; black at first. Null is taken as clear.
   void setFillColor(const Ref<Color>& color);
   void setStrokeColor(const Ref<Color>& color);
+  // The shadow that everything drawn casts, as `shadow` is now; null, the default, and a shadow
+  // without colour mean none. It lies under what is drawn, inside the clip, and takes on the
+  // opacity of what casts it. Its offset and its blur are in points of the context as it was made,
+  // height upwards also in a flipped one: what was done to the user space since does not count. The
+  // blur is a Gaussian with a standard deviation of half the blur radius. Finished shadows are kept
+  // in a cache of bounded size for all contexts together.
+  //
+  // Drawing by SourceOver, SourceAtop and PlusLighter casts shadows; the other operations would
+  // change what lies around, and cast none.
+  void setShadow(const Shadow* shadow);
+  // The shadow in force, or null; while recording null.
+  const Shadow* shadow() const { return state_.shadow.get(); }
+  // From points of the context as it was made, y upwards, to device pixels; the identity while
+  // recording.
+  QTransform unflippedBaseTransform() const;
   // SourceOver at first.
   void setCompositingOperation(CompositingOperation operation);
   CompositingOperation compositingOperation() const { return state_.operation; }
@@ -97,9 +114,13 @@ class ZQTICKER_EXPORT GraphicsContext {
 
   void fillRect(const QRectF& rect);
   void fillPath(const QPainterPath& path);
+  // Fills `path` with colours that change along the vertical of user space; casts no shadow. A path
+  // with empty bounds draws nothing.
+  void fillPathWithShading(const QPainterPath& path, const VerticalShading& shading);
   // Lines of `width` points, centred on the path, with butt ends and mitred joins; 0 is the
-  // thinnest line that the device can draw.
+  // thinnest line that the device can draw. A join sticks out by MiterLimit half widths at most.
   void strokePath(const QPainterPath& path, double width = 1);
+  static constexpr double MiterLimit = 10;
 
   // While recording, keeps `command`, which is run with the context of each showing; otherwise
   // runs it at once. The command must own what it needs.
@@ -110,6 +131,7 @@ class ZQTICKER_EXPORT GraphicsContext {
   struct State {
     Ref<Color> fillColor;
     Ref<Color> strokeColor;
+    std::shared_ptr<const Shadow> shadow;
     CompositingOperation operation = CompositingOperation::SourceOver;
   };
 
@@ -118,6 +140,7 @@ class ZQTICKER_EXPORT GraphicsContext {
   QSizeF size_;
   bool flipped_ = false;
   QTransform base_;
+  QTransform baseToDevice_;
   State state_;
   std::vector<State> saved_;
 };

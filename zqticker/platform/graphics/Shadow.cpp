@@ -4,6 +4,7 @@
 #include "zqticker/platform/archiving/Coder.h"
 #include "zqticker/platform/archiving/number_text.h"
 #include "zqticker/platform/graphics/Color.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
 
 using namespace Qt::StringLiterals;
 
@@ -25,6 +26,11 @@ Shadow::~Shadow() = default;
 
 void Shadow::setShadowBlurRadius(double radius) {
   blurRadius_ = radius > 0 ? radius : 0;
+}
+
+void Shadow::set() const {
+  if (GraphicsContext* context = GraphicsContext::currentContext())
+    context->setShadow(this);
 }
 
 Ref<Color> Shadow::defaultColor() {

@@ -40,6 +40,10 @@ class ZQTICKER_EXPORT Shadow : public Object {
   // The colour of a shadow that states none.
   static Ref<Color> defaultColor();
 
+  // Makes the shadow, as it is now, that of the current context; without one nothing happens. See
+  // GraphicsContext::setShadow.
+  void set() const;
+
   // "Shadow {1, -2} blur 3 color CalibratedWhite 0 0.5".
   QString description() const override;
   // Whether `other` is a shadow of the same offset, blur and an equal colour.

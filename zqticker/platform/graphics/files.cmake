@@ -1,5 +1,5 @@
 set(graphics_PUBLIC_HEADERS BezierPath.h Color.h Font.h FontManager.h GraphicsContext.h Image.h
-                            ImageRepresentation.h Shadow.h)
+                            ImageRepresentation.h Shadow.h VerticalShading.h)
 set(graphics_PRIVATE_HEADERS
     BitmapRepresentation_p.h
     ColorSpace_p.h
@@ -7,12 +7,16 @@ set(graphics_PRIVATE_HEADERS
     DrawingRepresentation_p.h
     FontFace_p.h
     FontName_p.h
+    ShadowCache_p.h
     TiffFile_p.h
     TileCache_p.h
     component_text_p.h
+    gaussian_p.h
     image_drawing_p.h
     picture_data_p.h
-    pixels_p.h)
+    pixels_p.h
+    shading_drawing_p.h
+    shadow_drawing_p.h)
 set(graphics_SOURCES
     BezierPath.cpp
     BitmapRepresentation.cpp
@@ -28,11 +32,16 @@ set(graphics_SOURCES
     ImageCoding.cpp
     ImageRepresentation.cpp
     Shadow.cpp
+    ShadowCache.cpp
     TiffFile.cpp
     TiffReader.cpp
     TiffWriter.cpp
     TileCache.cpp
     component_text.cpp
+    gaussian.cpp
     image_drawing.cpp
+    path_shadows.cpp
     picture_data.cpp
-    pixels.cpp)
+    pixels.cpp
+    shading_drawing.cpp
+    shadow_drawing.cpp)

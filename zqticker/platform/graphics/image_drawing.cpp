@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/graphics/ImageRepresentation.h"
 #include "zqticker/platform/graphics/TileCache_p.h"
+#include "zqticker/platform/graphics/shadow_drawing_p.h"
 
 #include <QtGui/QPainter>
 
@@ -63,6 +64,39 @@ void drawPixels(QPainter& painter, const ImageRepresentation& representation,
                         TileCache::shared().tile(representation, grid, x, y));
 }
 
+// The shadow of an image drawn at one place.
+class ContentCaster : public ShadowCaster {
+ public:
+  ContentCaster(const ImageContent& content, const QTransform& placement, const QRectF& shown,
+                double fraction)
+      : content_(content), placement_(placement), shown_(shown), fraction_(fraction) {}
+
+  QRectF bounds() const override { return placement_.mapRect(shown_); }
+  double alpha() const override { return std::clamp(fraction_, 0.0, 1.0); }
+  bool describe(ShadowKey& key) const override {
+    key.add(ShadowKey::Kind::Image);
+    for (const auto& representation : content_.representations)
+      key.add(representation->identifier());
+    for (const QPointF corner : {shown_.topLeft(), shown_.bottomRight()}) {
+      key.add(corner.x());
+      key.add(corner.y());
+    }
+    const QRectF whole(QPointF(), content_.size);
+    for (const QPointF corner : {whole.topLeft(), whole.topRight(), whole.bottomLeft()})
+      key.add(placement_.map(corner));
+    return true;
+  }
+  void draw(GraphicsContext& context) const override {
+    drawContent(context, content_, placement_, shown_, CompositingOperation::SourceOver, 1);
+  }
+
+ private:
+  const ImageContent& content_;
+  const QTransform& placement_;
+  QRectF shown_;
+  double fraction_;
+};
+
 } // namespace
 
 const ImageRepresentation& bestRepresentation(const ImageContent& content, double scaleX,
@@ -112,6 +146,13 @@ void drawContent(GraphicsContext& context, const ImageContent& content, const QT
   const RasterGrid grid = representation.grid(content.size, scaleX, scaleY);
   if (grid.pixels.isEmpty())
     return;
+  const PainterRestorer restorer(painter);
+  const CompositingOperation before = context.compositingOperation();
+  if (context.shadow()) {
+    context.setCompositingOperation(operation);
+    castShadow(context, ContentCaster(content, placement, shown, fraction));
+    context.setCompositingOperation(before);
+  }
 
   QTransform gridToDevice = fromGrid(grid, representation, content.size) * toDevice;
   if (isUpright(toDevice)) {
@@ -130,7 +171,6 @@ void drawContent(GraphicsContext& context, const ImageContent& content, const QT
   if (!(inGrid.width() > 0 && inGrid.height() > 0))
     return;
 
-  const PainterRestorer restorer(painter);
   const bool clipped = shown != whole;
   if (clipped) {
     painter.save();
@@ -146,7 +186,6 @@ void drawContent(GraphicsContext& context, const ImageContent& content, const QT
   painter.setWorldTransform(QTransform());
   painter.setWorldTransform(gridToDevice * painter.deviceTransform().inverted());
   {
-    const CompositingOperation before = context.compositingOperation();
     context.setCompositingOperation(operation);
     painter.setOpacity(painter.opacity() * std::clamp(fraction, 0.0, 1.0));
     drawPixels(painter, representation, grid, inGrid.toAlignedRect());

@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/graphics/FontFace_p.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/graphics/shadow_drawing_p.h"
 #include "zqticker/platform/text/ParagraphStyle.h"
 #include "zqticker/platform/text/bidi_p.h"
 #include "zqticker/platform/text/emoji_p.h"
@@ -11,6 +12,7 @@
 #include <QtGui/QTextLayout>
 
 #include <algorithm>
+#include <atomic>
 
 namespace zq::platform {
 
@@ -84,11 +86,37 @@ std::optional<bool> directionOf(const std::vector<AttributedString::Run>& runs) 
 
 } // namespace
 
+// The shadow of a line drawn at one place.
+class TextLine::Caster : public ShadowCaster {
+ public:
+  Caster(const TextLine& line, QPointF point) : line_(line), point_(point) {}
+
+  QRectF bounds() const override {
+    const double overhang = line_.overhang_;
+    return QRectF(point_, line_.size()).adjusted(-overhang, -overhang, overhang, overhang);
+  }
+  // The colours of the text have their own.
+  double alpha() const override { return 1; }
+  bool describe(ShadowKey& key) const override {
+    key.add(ShadowKey::Kind::Text);
+    key.add(line_.identifier_);
+    key.add(point_);
+    return true;
+  }
+  void draw(GraphicsContext& context) const override { line_.paintGlyphs(context, point_); }
+
+ private:
+  const TextLine& line_;
+  QPointF point_;
+};
+
+static std::atomic<quint64> lastIdentifier = 0;
+
 TextLine::~TextLine() = default;
 
 TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>& runs,
                    const Attributes& ifEmpty)
-    : text_(onOneLine(text)) {
+    : identifier_(++lastIdentifier), text_(onOneLine(text)) {
   if (text_.isEmpty()) {
     const TextStyle style = TextStyle::from(ifEmpty);
     ascent_ = style.face->ascent() * style.pointSize;
@@ -247,6 +275,12 @@ void TextLine::draw(const std::shared_ptr<const TextLine>& line, GraphicsContext
 }
 
 void TextLine::paint(GraphicsContext& context, QPointF point) const {
+  if (context.shadow())
+    castShadow(context, Caster(*this, point));
+  paintGlyphs(context, point);
+}
+
+void TextLine::paintGlyphs(GraphicsContext& context, QPointF point) const {
   const QRectF visible = context.clipBounds().translated(-point);
   const double height = size().height();
   if (visible.bottom() < -overhang_ || visible.top() > height + overhang_)

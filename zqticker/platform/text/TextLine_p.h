@@ -55,6 +55,7 @@ class TextLine {
     double x;
     std::unique_ptr<QTextLayout> layout;
   };
+  class Caster;
   struct StyledRange {
     qsizetype start;
     qsizetype end;
@@ -67,8 +68,12 @@ class TextLine {
   void add(const TextExtent& extent, const TextStyle& style);
   const QTextLayout& layoutOf(std::size_t segment) const;
   QList<QTextLayout::FormatRange> formatsOf(const Segment& segment) const;
+  // With its shadow, where the context has one.
   void paint(GraphicsContext& context, QPointF point) const;
+  void paintGlyphs(GraphicsContext& context, QPointF point) const;
 
+  // A number that no other line of the process has.
+  quint64 identifier_;
   // The text without characters that a line has no place for, unit for unit.
   QString text_;
   // One for each run; neighbours that measure alike share segments.
