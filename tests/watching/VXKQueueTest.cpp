@@ -157,6 +157,7 @@ TYPED_TEST(VXKQueueThread, TellsTheWorkspaceBeforeItReports) {
         if (changed == path)
           ++noted;
       });
+  this->showConnection();
   int notedBefore = 0;
   this->recorder.then = [&] { notedBefore = noted; };
   this->backend.write(path);

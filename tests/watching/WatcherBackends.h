@@ -81,11 +81,15 @@ class WatcherTest : public ::testing::Test {
     const auto connection =
         QObject::connect(&platform::Workspace::sharedWorkspace(),
                          &platform::Workspace::fileSystemChanged, [&] { isReporting = true; });
+    showConnection();
     write(path);
     while (!isReporting)
       std::this_thread::yield();
     QObject::disconnect(connection);
   }
+  // Takes the lock that the thread takes with its next event: the thread sanitizer cannot see the
+  // locks of Qt's connections.
+  void showConnection() const { EXPECT_GE(watcher->queueFD(), 0); }
   // Whether the thread has closed the queue, which is the last that it does.
   bool endsItsThread() const {
     return waitFor([&] { return backend.queue->descriptor() == -1; });

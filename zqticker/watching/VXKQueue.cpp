@@ -5,14 +5,15 @@
 #include "zqticker/platform/system/KernelEventQueue.h"
 #include "zqticker/platform/system/Workspace.h"
 #include "zqticker/watching/VXMainThreadProxy.h"
+#include "zqticker/watching/WatchedPaths_p.h"
 #include "zqticker/watching/path_list_p.h"
 #include "zqticker/watching/watcher_thread_p.h"
 #include "zqticker/watching/watching_log_p.h"
 
 #include <QtCore/QFile>
 
-#include <algorithm>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -48,11 +49,12 @@ Ref<VXKQueue> VXKQueue::make(Ref<KernelEventQueue> queue) {
   return startWatcherThread(queue, watcher) ? watcher : nullptr;
 }
 
-VXKQueue::VXKQueue(Ref<KernelEventQueue> queue) : queue_(std::move(queue)) {}
+VXKQueue::VXKQueue(Ref<KernelEventQueue> queue)
+    : queue_(std::move(queue)), watched_(std::make_unique<WatchedPaths>()) {}
 
 VXKQueue::~VXKQueue() {
   // Before the thread closes the queue, and them with it.
-  for (const int descriptor : std::as_const(watchedFDs_))
+  for (const int descriptor : watched_->takeAll())
     closeDescriptor(descriptor, "dealloc");
   queue_->stop();
 }
@@ -75,7 +77,7 @@ void VXKQueue::setDelegate(Weak<VXFileWatcherDelegate> delegate) {
 
 QString VXKQueue::description() const {
   const std::lock_guard lock(mutex_);
-  return className() + " { watchedPaths = "_L1 + describePaths(watchedPaths_) +
+  return className() + " { watchedPaths = "_L1 + describePaths(watched_->paths()) +
          ", alwaysNotify = "_L1 + (alwaysNotify_ ? "YES"_L1 : "NO"_L1) + " }"_L1;
 }
 
@@ -93,8 +95,7 @@ void VXKQueue::addPathToQueue(const QString& path, std::uint32_t mask) {
   if (descriptor < 0)
     return;
   const std::lock_guard lock(mutex_);
-  watchedPaths_.append(path);
-  watchedFDs_.append(descriptor);
+  watched_->append(path, descriptor);
   // A registration that fails is deliberately not noticed: the path counts as watched.
   queue_->add(descriptor, mask, path);
 }
@@ -104,24 +105,20 @@ void VXKQueue::removePath(const QString& path) {
 }
 
 void VXKQueue::removePathFromQueue(const QString& path) {
-  int descriptor = -1;
+  std::optional<int> descriptor;
   {
     const std::lock_guard lock(mutex_);
-    const qsizetype index = watchedPaths_.indexOf(path);
-    if (index < 0)
-      throw RangeException(path + " is not watched"_L1);
-    descriptor = watchedFDs_.takeAt(index);
-    watchedPaths_.removeAt(index);
+    descriptor = watched_->takeFirst(path);
   }
-  closeDescriptor(descriptor, "removePathFromQueue");
+  if (!descriptor)
+    throw RangeException(path + " is not watched"_L1);
+  closeDescriptor(*descriptor, "removePathFromQueue");
 }
 
 void VXKQueue::removeAllPathsFromQueue() {
   const std::lock_guard lock(mutex_);
-  for (const int descriptor : std::as_const(watchedFDs_))
+  for (const int descriptor : watched_->takeAll())
     queue_->closeDescriptor(descriptor);
-  watchedFDs_.clear();
-  watchedPaths_.clear();
 }
 
 void VXKQueue::closeDescriptor(int descriptor, const char* operation) {

@@ -6,18 +6,18 @@
 #include "zqticker/watching/file_watcher.h"
 #include "zqticker/zqticker_export.h"
 
-#include <QtCore/QList>
 #include <QtCore/QString>
-#include <QtCore/QStringList>
 
 #include <atomic>
 #include <cstdint>
+#include <memory>
 #include <mutex>
 
 namespace zq::platform {
 class KernelEventQueue;
 }
 class VXMainThreadProxy;
+class WatchedPaths;
 
 // A watcher over the kernel's event queue, with a thread of its own that waits for events.
 //
@@ -106,7 +106,6 @@ class ZQTICKER_EXPORT VXKQueue : public zq::platform::Object, public VXFileWatch
   zq::platform::Ref<VXMainThreadProxy> delegateProxy_;
 
   mutable std::mutex mutex_;
-  // Protected by it; always of the same length, a path and its descriptor at the same index.
-  QStringList watchedPaths_;
-  QList<int> watchedFDs_;
+  // What it points to is protected by it.
+  const std::unique_ptr<WatchedPaths> watched_;
 };
