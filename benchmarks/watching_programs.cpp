@@ -28,7 +28,7 @@ Arguments inotifywait(const PathRange& range, bool once) {
 }
 
 Arguments fswatch(const PathRange& range, bool once) {
-  Arguments arguments = {"fswatch", "--monitor=inotify_monitor", "--latency=0.001", "--format=%p",
+  Arguments arguments = {"fswatch", "--monitor=inotify_monitor", "--latency=0.1", "--format=%p",
                          "--allow-overflow"};
   if (once)
     arguments.push_back("--one-event");
