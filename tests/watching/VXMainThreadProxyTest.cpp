@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QCoreApplication>
 #include <QtCore/QObject>
 
 #include <atomic>
@@ -224,6 +225,22 @@ TEST(VXMainThreadProxy, RaisesOnTheSendingThreadForATypedCallToAnotherClass) {
     EXPECT_TRUE(
         unrecognized([&] { proxy->call(&Number::doubled); }).startsWith(proxy->description()));
   });
+}
+
+TEST(VXMainThreadProxy, RefusesMessagesOfAThreadOnceTheMainLoopHasQuit) {
+  Label label;
+  const auto proxy = mainThreadProxy(&label);
+  EXPECT_TRUE(QMetaObject::invokeMethod(qApp, "aboutToQuit", Qt::DirectConnection));
+  std::thread([&] {
+    EXPECT_THROW(proxy->send("currentText"), MainThreadEndedException);
+    EXPECT_THROW(proxy->performSelector("currentText"), MainThreadEndedException);
+    EXPECT_THROW(proxy->call(&Label::currentText), MainThreadEndedException);
+    // What needs no main thread is answered as before.
+    EXPECT_EQ(proxy->send("respondsToSelector:", {u"currentText"_s}), Any(true));
+    EXPECT_FALSE(unrecognized([&] { proxy->send("fly"); }).isEmpty());
+  }).join();
+  EXPECT_EQ(label.calls, 0);
+  zq::testing::runPostedEvents();
 }
 
 TEST(VXMainThreadProxy, OfNothingAnswersItsOwnOperationsOnly) {

@@ -45,6 +45,30 @@ bool isRefused() {
   }).join();
   return refused;
 }
+
+// Makes applications one after the other, with each kind of event loop.
+bool areThreadsServedByApplicationsMadeAnew() {
+  int argc = 1;
+  char name[] = "application";
+  char* argv[] = {name, nullptr};
+  int served = 0;
+  for (const char* withoutGlib : {"", "1"}) {
+    qputenv("QT_NO_GLIB", withoutGlib);
+    QCoreApplication application(argc, argv);
+    std::thread thread([&] {
+      performOnMainThreadAndWait([&] { ++served; });
+      performOnMainThreadAndWait([&] {
+        ++served;
+        QCoreApplication::quit();
+      });
+    });
+    QCoreApplication::exec();
+    thread.join();
+    if (!isRefused())
+      return false;
+  }
+  return served == 4 && isRefused();
+}
 } // namespace
 
 TEST(MainThread, IsThatOfTheApplication) {
@@ -202,6 +226,97 @@ TEST(MainThread, RaisesInThreadsThatWaitWhenTheLoopQuits) {
   EXPECT_EQ(raised, Threads);
   EXPECT_EQ(called, 0);
   zq::testing::runPostedEvents();
+}
+
+TEST(MainThread, FinishesTheCallOfAThreadThatQuitsTheLoopAndRefusesTheNext) {
+  bool wasRefused = false;
+  bool wasCalledAgain = false;
+  std::thread thread([&] {
+    EXPECT_EQ(performOnMainThreadAndWait([] {
+                QCoreApplication::quit();
+                return 3;
+              }),
+              3);
+    try {
+      performOnMainThreadAndWait([&] { wasCalledAgain = true; });
+    } catch (const MainThreadEndedException&) {
+      wasRefused = true;
+    }
+  });
+  QCoreApplication::exec();
+  thread.join();
+  EXPECT_TRUE(wasRefused);
+  EXPECT_FALSE(wasCalledAgain);
+  zq::testing::runPostedEvents();
+}
+
+// Calls that are refused leave wake-ups behind, which must not stand for later calls.
+TEST(MainThread, ServesAThreadInItsOrderAfterManyWereRefused) {
+  constexpr int Threads = 4;
+  std::atomic<int> begun = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < Threads; ++i)
+    threads.emplace_back([&] {
+      ++begun;
+      EXPECT_THROW(performOnMainThreadAndWait([] {}), MainThreadEndedException);
+    });
+  for (int yields = 0; begun < Threads || yields < 1000; ++yields)
+    std::this_thread::yield();
+  EXPECT_TRUE(QMetaObject::invokeMethod(qApp, "aboutToQuit", Qt::DirectConnection));
+  for (std::thread& thread : threads)
+    thread.join();
+  zq::testing::runPostedEvents();
+  std::vector<int> seen;
+  runOnThread([&] {
+    for (int i = 0; i < 5; ++i)
+      performOnMainThreadAndWait([&] { seen.push_back(i); });
+  });
+  EXPECT_EQ(seen, (std::vector<int>{0, 1, 2, 3, 4}));
+}
+
+TEST(MainThread, LetsThreadsEndAsSoonAsTheirCallHasReturned) {
+  constexpr int Threads = 200;
+  int calls = 0; // touched by the main thread only
+  runOnThread([&] {
+    for (int i = 0; i < Threads; ++i)
+      std::thread([&] { performOnMainThreadAndWait([&] { ++calls; }); }).join();
+  });
+  EXPECT_EQ(calls, Threads);
+}
+
+// In a process of its own, as below, for the kind of the event loop is chosen when it starts.
+TEST(MainThreadDeathTest, ServesThreadsInApplicationsMadeAnewWithAnyKindOfEventLoop) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        QCoreApplication::instance()->~QCoreApplication();
+        std::_Exit(areThreadsServedByApplicationsMadeAnew() ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
+}
+
+TEST(MainThreadDeathTest, RaisesInAThreadThatWaitsWhenTheApplicationIsDestroyed) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(
+      {
+        std::atomic<bool> isBegun = false;
+        bool wasRefused = false;
+        bool wasCalled = false;
+        std::thread thread([&] {
+          isBegun = true;
+          try {
+            performOnMainThreadAndWait([&] { wasCalled = true; });
+          } catch (const MainThreadEndedException&) {
+            wasRefused = true;
+          }
+        });
+        for (int yields = 0; !isBegun || yields < 1000; ++yields)
+          std::this_thread::yield();
+        QCoreApplication::instance()->~QCoreApplication();
+        thread.join();
+        std::_Exit(wasRefused && !wasCalled ? 0 : 1);
+      },
+      ::testing::ExitedWithCode(0), "");
 }
 
 // In a process of its own, so that there is no application but the one made here.

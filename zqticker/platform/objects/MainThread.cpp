@@ -2,13 +2,18 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QEvent>
-#include <QtCore/QObject>
-#include <QtCore/QThread>
+#include <QtCore/QSocketNotifier>
 
 #include <atomic>
+#include <cstdint>
 #include <memory>
 #include <mutex>
+#include <system_error>
 #include <utility>
+
+#include <cerrno>
+#include <sys/eventfd.h>
+#include <unistd.h>
 
 using namespace Qt::StringLiterals;
 
@@ -23,15 +28,14 @@ const void* thisThread() {
 
 // Null without an application.
 std::atomic<const void*> mainThread = nullptr;
-
-QEvent::Type wakeUpType() {
-  static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
-  return type;
-}
 } // namespace
 
-// What waits for the main thread. Qt's events only wake its loop: they carry nothing, and there is
-// never more than one on its way.
+// What waits for the main thread, and a counter of the kernel's that wakes its loop: one for each
+// task, so that event loops which a task runs find the rest.
+//
+// The counter rather than an event of Qt's, which would be allocated and locked for each call; it
+// is never closed, so that it is counted up without the mutex. With it the main thread, which the
+// kernel may run at that instant in the caller's place, would be stopped by the mutex.
 class MainThreadInbox {
  public:
   static MainThreadInbox& shared() {
@@ -40,118 +44,128 @@ class MainThreadInbox {
     return *inbox;
   }
 
-  void performAndWait(MainThreadTask& task) {
-    std::unique_lock lock(mutex_);
-    if (!takesTasks_)
-      raiseEnded();
-    (last_ ? last_->next_ : first_) = &task;
-    last_ = &task;
+  MainThreadTask::State performAndWait(MainThreadTask& task) {
+    using State = MainThreadTask::State;
+    task.state_ = std::make_shared<std::atomic<State>>(State::Waiting);
+    {
+      const std::lock_guard lock(mutex_);
+      if (!takesTasks_)
+        return State::Refused;
+      (last_ ? last_->next_ : first_) = &task;
+      last_ = &task;
+    }
     wake();
-    task.changed_.wait(lock, [&] { return task.state_ != MainThreadTask::State::Waiting; });
-    if (task.state_ == MainThreadTask::State::Refused)
-      raiseEnded();
+    // Without spinning first: threads that wake each other are run on one processor, where the
+    // caller's spinning keeps the main thread from its work.
+    task.state_->wait(State::Waiting);
+    return task.state_->load();
+  }
+
+  void beginApplication() {
+    QCoreApplication* const application = QCoreApplication::instance();
+    QObject::connect(
+        application, &QCoreApplication::aboutToQuit, application, [this] { endLoop(); },
+        Qt::DirectConnection);
+    {
+      const std::lock_guard lock(mutex_);
+      takesTasks_ = true;
+    }
+    // At once, except where the library was loaded on another thread.
+    QMetaObject::invokeMethod(application, [this] {
+      mainThread.store(thisThread(), std::memory_order_relaxed);
+      waker_ = std::make_unique<Waker>(counter_);
+    });
   }
 
   // The rest on the main thread.
 
-  void beginApplication() {
-    auto waker = std::make_unique<Waker>();
-    waker->moveToThread(QCoreApplication::instance()->thread());
-    QObject::connect(
-        QCoreApplication::instance(), &QCoreApplication::aboutToQuit, waker.get(),
-        [this] { endLoop(); }, Qt::DirectConnection);
-    const std::lock_guard lock(mutex_);
-    waker_ = std::move(waker);
-    takesTasks_ = true;
-    // Where the library was loaded on another thread, the first event tells which is the main one.
-    wake();
-  }
-
   void endLoop() {
-    const std::lock_guard lock(mutex_);
     refuseAll();
     // Comes with the next loop, if there is one, and opens the inbox again.
     wake();
   }
 
   void endApplication() {
-    std::unique_ptr<Waker> waker;
-    const std::lock_guard lock(mutex_);
     refuseAll();
-    isWakeUpPosted_ = false;
-    waker = std::move(waker_);
+    waker_.reset();
     mainThread.store(nullptr, std::memory_order_relaxed);
   }
 
  private:
-  class Waker : public QObject {
+  class Waker : public QSocketNotifier {
+   public:
+    explicit Waker(int counter) : QSocketNotifier(counter, Read) {}
+
    protected:
     bool event(QEvent* event) override {
-      // The inbox's mutex comes first: whoever made the event held it.
-      MainThreadInbox& inbox = shared();
-      std::unique_lock lock(inbox.mutex_);
-      if (event->type() != wakeUpType()) {
-        lock.unlock();
-        return QObject::event(event);
-      }
-      inbox.serve(lock);
+      if (event->type() != QEvent::SockAct)
+        return QSocketNotifier::event(event);
+      shared().serve();
       return true;
     }
   };
 
-  [[noreturn]] static void raiseEnded() {
-    throw MainThreadEndedException(u"the main thread runs no event loop any more"_s);
+  MainThreadInbox() : counter_(::eventfd(0, EFD_SEMAPHORE | EFD_NONBLOCK | EFD_CLOEXEC)) {
+    if (counter_ < 0)
+      throw std::system_error(errno, std::generic_category(), "eventfd");
   }
 
-  // With the mutex held.
+  // Thread: any.
   void wake() {
-    if (!std::exchange(isWakeUpPosted_, true))
-      QCoreApplication::postEvent(waker_.get(), new QEvent(wakeUpType()));
+    // Only a counter that is full, 2^64 - 2, takes no more; it wakes all the same.
+    const std::uint64_t one = 1;
+    [[maybe_unused]] const ssize_t written = ::write(counter_, &one, sizeof one);
   }
 
-  // With the mutex held. A caller may leave, and its task with it, as soon as the mutex is free.
-  void finish(MainThreadTask& task, MainThreadTask::State state) {
-    task.state_ = state;
-    task.changed_.notify_one();
+  // The caller may leave, and its task with it, from the change of its state on.
+  static void finish(MainThreadTask& task, MainThreadTask::State state) {
+    const std::shared_ptr<std::atomic<MainThreadTask::State>> changing = task.state_;
+    // Sequentially consistent: whether somebody waits must not be looked at before.
+    changing->store(state, std::memory_order_seq_cst);
+    changing->notify_one();
   }
 
-  // With the mutex held.
   void refuseAll() {
+    const std::lock_guard lock(mutex_);
     takesTasks_ = false;
     last_ = nullptr;
     while (first_)
       finish(*std::exchange(first_, first_->next_), MainThreadTask::State::Refused);
   }
 
-  // One task for each event, so that event loops which a task runs find the rest.
-  void serve(std::unique_lock<std::mutex>& lock) {
-    mainThread.store(thisThread(), std::memory_order_relaxed);
-    isWakeUpPosted_ = false;
-    takesTasks_ = true;
-    if (!first_)
+  // Opens the inbox, for an event loop runs, and runs the first task. There may be none: refused
+  // ones have been counted too.
+  void serve() {
+    std::uint64_t one;
+    if (::read(counter_, &one, sizeof one) != sizeof one)
       return;
-    MainThreadTask& task = *first_;
-    first_ = task.next_;
-    if (first_)
-      wake();
-    else
-      last_ = nullptr;
-    lock.unlock();
-    try {
-      task.run();
-    } catch (...) {
-      task.exception_ = std::current_exception();
+    MainThreadTask* task;
+    {
+      const std::lock_guard lock(mutex_);
+      takesTasks_ = true;
+      task = first_;
+      if (!task)
+        return;
+      first_ = task->next_;
+      if (!first_)
+        last_ = nullptr;
     }
-    lock.lock();
-    finish(task, MainThreadTask::State::Done);
+    try {
+      task->run();
+    } catch (...) {
+      task->exception_ = std::current_exception();
+    }
+    finish(*task, MainThreadTask::State::Done);
   }
 
+  // Constant after construction.
+  const int counter_;
+  // Protected by the mutex.
   std::mutex mutex_;
-  // Protected by the mutex, all of them.
   MainThreadTask* first_ = nullptr;
   MainThreadTask* last_ = nullptr;
   bool takesTasks_ = false;
-  bool isWakeUpPosted_ = false;
+  // Of the main thread.
   std::unique_ptr<Waker> waker_;
 };
 
@@ -162,8 +176,6 @@ void endApplication() {
 
 // Called by the constructor of each application, or at once where the library is loaded later.
 void beginApplication() {
-  if (QThread::currentThread() == QCoreApplication::instance()->thread())
-    mainThread.store(thisThread(), std::memory_order_relaxed);
   MainThreadInbox::shared().beginApplication();
   qAddPostRoutine(endApplication);
 }
@@ -180,7 +192,8 @@ MainThreadTask::MainThreadTask() = default;
 MainThreadTask::~MainThreadTask() = default;
 
 void MainThreadTask::performAndWait() {
-  MainThreadInbox::shared().performAndWait(*this);
+  if (MainThreadInbox::shared().performAndWait(*this) == State::Refused)
+    throw MainThreadEndedException(u"the main thread runs no event loop any more"_s);
   if (exception_)
     std::rethrow_exception(std::exchange(exception_, nullptr));
 }

@@ -4,7 +4,7 @@
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/zqticker_export.h"
 
-#include <condition_variable>
+#include <atomic>
 #include <exception>
 #include <functional>
 #include <memory>
@@ -48,8 +48,9 @@ class ZQTICKER_EXPORT MainThreadTask {
 
   // Protected by the inbox's mutex.
   MainThreadTask* next_ = nullptr;
-  State state_ = State::Waiting;
-  std::condition_variable changed_;
+  // The caller waits for its change. Not a part of the task: the caller may see the change, and end
+  // the task, before the main thread has left the call that wakes it.
+  std::shared_ptr<std::atomic<State>> state_;
   // Written by the main thread before the state changes, read by the caller after.
   std::exception_ptr exception_;
 };
@@ -57,7 +58,8 @@ class ZQTICKER_EXPORT MainThreadTask {
 // Calls `call` on the main thread, returns its result and passes on what it raises. On the main
 // thread it is called at once, elsewhere by the event loop of the main thread, in the order in
 // which the calls came; the caller waits until it has returned. Any event loop of the main thread
-// serves, also one that runs inside another or inside such a call.
+// serves, also one that runs inside another or inside such a call, except while it leaves socket
+// notifiers out (QEventLoop::ExcludeSocketNotifiers).
 //
 // Before the application's loop has been started a call waits for it. Raises
 // MainThreadEndedException without calling when there is no application; from the moment when its

@@ -23,6 +23,8 @@ bool isCalled(const QMetaMethod& method, const QStringList& words) {
   if (method.parameterCount() != words.size())
     return false;
   const QString name = QString::fromLatin1(method.name());
+  if (!name.startsWith(words.first()))
+    return false;
   const QList<QByteArray> parameters = method.parameterNames();
   const auto namesParameter = [&](qsizetype i) {
     return parameters.at(i) == words.at(i).toLatin1();
