@@ -404,6 +404,28 @@ TEST(ShadowDrawing, LargeShapesCastTheSameShadowWhereTheyAreSeen) {
   EXPECT_LE(maximumDifference(image({10, 12, 1e12, 1e12}), corner), 1);
 }
 
+TEST(ShadowDrawing, TheThinnestLineIsOnePixelWideUnderAWideBlurToo) {
+  const auto image = [](double width) {
+    return drawn({80, 80}, 1, false, [&](GraphicsContext& context) {
+      Shadow({aside, 0}, 40, black).set();
+      context.strokePath(rectPath({20 - aside, 20, 40, 40}), width);
+    });
+  };
+  EXPECT_LE(maximumDifference(image(0), image(1)), 1);
+  EXPECT_GT(image(1).pixelColor(40, 40).alpha(), 5);
+}
+
+TEST(ShadowDrawing, ScalesThatDifferMuchAreBorne) {
+  QImage image(40, 40, QImage::Format_ARGB32_Premultiplied);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.scale(10000, 1);
+  GraphicsContext context(&painter, QSizeF(0.004, 40));
+  Shadow({0, 10}, 2000, black).set();
+  context.fillRect(QRectF(-1e6, -1e6, 2e6, 2e6));
+  EXPECT_EQ(image.pixelColor(20, 20).alpha(), 255);
+}
+
 TEST(ShadowDrawing, EveryNumberIsBorne) {
   const double endless = std::numeric_limits<double>::infinity();
   for (const double number : {1e300, -1e300, 1e9, endless, -endless, qQNaN()}) {
@@ -459,6 +481,8 @@ TEST(ShadowDrawing, EachDifferenceMakesAnotherShadow) {
   EXPECT_EQ(made(rect({0, 1}, 3, gray, 9)), 0u);
   EXPECT_EQ(made(rect({0, 1}, 3, gray, 9), 2), 1u);
   EXPECT_EQ(made(rect({0, 1}, 4, gray, 9)), 1u);
+  // Reaches as far as the first.
+  EXPECT_EQ(made(rect({0, 1}, 3.2, gray, 9)), 1u);
   EXPECT_EQ(made(rect({0, 1}, 3, Color::deviceWhite(0.32), 9)), 1u);
   EXPECT_EQ(made(rect({0, 1}, 3, gray, 9.5)), 1u);
   EXPECT_EQ(made(rect({0, 1.5}, 3, gray, 9)), 1u);

@@ -84,7 +84,8 @@ void castShadowOfFill(GraphicsContext& context, const QPainterPath& path, const 
 
 void castShadowOfStroke(GraphicsContext& context, const QPainterPath& path, double width,
                         const Ref<Color>& color) {
-  castShadow(context, StrokeCaster(path, width, color));
+  // The thinnest line is one pixel of the device, not of the mask.
+  castShadow(context, StrokeCaster(path, width > 0 ? width : 1 / context.scale(), color));
 }
 
 } // namespace zq::platform

@@ -23,6 +23,8 @@ constexpr double maximumSigma = 65536;
 // A standard deviation of so many mask pixels is fine enough: beyond, a pixel of the mask stands
 // for several of the device, so that neither size nor cost grows with the blur.
 constexpr double enoughSigma = 6;
+// The same where horizontal and vertical scale differ much.
+constexpr double greatestSigma = 64;
 
 // A shadow in device pixels.
 struct DeviceShadow {
@@ -65,9 +67,10 @@ std::optional<DeviceShadow> deviceShadow(const GraphicsContext& context, double 
   result.sigmaY = std::min(sigma * std::hypot(base.m12(), base.m22()), maximumSigma);
   result.offset = QPoint(int(std::floor(offset.x())), int(std::floor(offset.y())));
   result.shift = offset - result.offset;
-  result.step = std::max(1, int(std::min(result.sigmaX, result.sigmaY) / enoughSigma));
+  const auto [lesser, greater] = std::minmax(result.sigmaX, result.sigmaY);
+  result.step = std::max(1, int(std::max(lesser / enoughSigma, greater / greatestSigma)));
   // One more for the shift, one for the pixels between which a coarse mask is interpolated.
-  result.reach = int(std::ceil(3 * std::max(result.sigmaX, result.sigmaY) / result.step)) + 2;
+  result.reach = int(std::ceil(3 * greater / result.step)) + 2;
   return result;
 }
 
@@ -97,26 +100,35 @@ CoveragePlane coverageOf(const GraphicsContext& context, const ShadowCaster& cas
   return plane;
 }
 
-// `plane` in `color`, cut to what shows; `origin` is its upper left corner.
-ShadowPixels colored(const CoveragePlane& plane, const QColor& color, QPoint origin, int step) {
+// `plane` in `color`, cut to what shows; its upper left corner is the origin.
+ShadowPixels colored(const CoveragePlane& plane, const QColor& color, int step) {
   QImage image(plane.width, plane.height, QImage::Format_ARGB32_Premultiplied);
-  QRect shown;
+  int left = image.width();
+  int right = -1;
+  int top = image.height();
+  int bottom = -1;
   for (int y = 0; y < image.height(); ++y) {
     auto* row = reinterpret_cast<QRgb*>(image.scanLine(y));
     for (int x = 0; x < image.width(); ++x) {
       const float alpha = 255 * std::min(plane.row(y)[x], 1.0f) * color.alphaF();
       const auto part = [&](float component) { return int(component * alpha + 0.5f); };
       row[x] = qRgba(part(color.redF()), part(color.greenF()), part(color.blueF()), part(1));
-      if (row[x] != 0)
-        shown |= QRect(x, y, 1, 1);
+      if (row[x] != 0) {
+        left = std::min(left, x);
+        right = std::max(right, x);
+        top = std::min(top, y);
+        bottom = y;
+      }
     }
   }
-  if (shown.isNull())
+  if (right < 0)
     return {};
   // A coarse mask fades out over its last pixel.
   const int edge = step > 1 ? 1 : 0;
-  shown = shown.adjusted(-edge, -edge, edge, edge) & image.rect();
-  return {image.copy(shown), origin + shown.topLeft() * step};
+  const QRect shown =
+      QRect(QPoint(left, top), QPoint(right, bottom)).adjusted(-edge, -edge, edge, edge) &
+      image.rect();
+  return {image.copy(shown), shown.topLeft() * step};
 }
 
 ShadowPixels shadowOn(const QRect& area, const GraphicsContext& context, const ShadowCaster& caster,
@@ -128,7 +140,7 @@ ShadowPixels shadowOn(const QRect& area, const GraphicsContext& context, const S
       smoothed(coverage,
                gaussianWeights(shadow.sigmaX / shadow.step, shadow.shift.x() / shadow.step),
                gaussianWeights(shadow.sigmaY / shadow.step, shadow.shift.y() / shadow.step)),
-      shadow.color, QPoint(), shadow.step);
+      shadow.color, shadow.step);
 }
 
 // Draws `pixels`, whose key has its origin at `origin` on the device.
