@@ -68,7 +68,9 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
     }
     const bool isOperand = optionsEnded || argument == "-"_L1 || !argument.startsWith(u'-');
     if (isOperand || !argument.startsWith("--"_L1) || argument.size() == 2) {
-      if (!isOperand || operandCount == table.operands.size())
+      const bool isSurplus =
+          operandCount >= table.operands.size() && !(table.repeatsLastOperand && operandCount > 0);
+      if (!isOperand || isSurplus)
         throw UsageError(quotedForMessage(argument) +
                          u": unexpected argument (see zqticker %1 --help)"_s.arg(table.command));
       parsed.push_back({QString(), {argument}});
@@ -104,6 +106,8 @@ QString helpText(const OptionTable& table) {
   QString usage = table.command + u" [OPTION]..."_s;
   for (const QString& operand : table.operands)
     usage += u' ' + operand;
+  if (table.repeatsLastOperand)
+    usage += u"..."_s;
   QString text = u"Usage: zqticker %1\n%2\n\nOptions:\n"_s.arg(usage, wrapped(table.summary, 0));
   for (const OptionSpec& spec : table.options) {
     const QString option = u"  "_s + usageOf(spec);

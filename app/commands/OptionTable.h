@@ -20,9 +20,10 @@ struct OptionTable {
   QString command;
   QString summary;
   std::vector<OptionSpec> options;
-  QStringList notes;      // paragraphs after the options
-  QStringList examples;   // command lines, each followed by its explanation
-  QStringList operands{}; // what stands beside the options, by name; all are needed
+  QStringList notes;               // paragraphs after the options
+  QStringList examples;            // command lines, each followed by its explanation
+  QStringList operands{};          // what stands beside the options, by name; all are needed
+  bool repeatsLastOperand = false; // it takes one or more
 };
 
 // An option with its values, or an operand: no name, one value.

@@ -280,6 +280,57 @@ OptionTable makeFeedCheckTable() {
                     u"zqticker feed check --json feed.xml"_s, u"A file, for a script."_s};
   return table;
 }
+
+OptionTable makeWatchTable() {
+  OptionTable table;
+  table.command = u"watch"_s;
+  table.summary = u"Prints a line for each thing that happens to files and folders, until it is "
+                  u"interrupted."_s;
+  table.operands = {u"PATH"_s};
+  table.repeatsLastOperand = true;
+  table.options = {
+      {u"json"_s, {}, u"Print JSON, one object on a line."_s},
+      {u"all-flags"_s, {}, u"Watch for everything."_s},
+      {u"mask"_s,
+       {u"HEX"_s},
+       u"Watch for the sum of: 1 deleted, 2 written, 4 grown, 8 attributes, 10 links, 20 renamed, "
+       u"40 revoked. By default 2b: deleted, written, attributes and renamed."_s},
+      {u"folders"_s,
+       {},
+       u"Watch folders with their files: any change inside one, of a file's contents too, is one "
+       u"\"written\" of the folder for each burst of changes."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"A line is a word, a tab and the path as it was given. Words: written (contents; of a "
+      u"folder: an entry came, went or was renamed), deleted, renamed (it has left the path), "
+      u"attributes (mode, owner or times), grown, links (the number of names; of a folder: of its "
+      u"subfolders) and revoked (its file system was unmounted). Several things that happen before "
+      u"they can be told may be one line. A backslash, control characters and line separators in a "
+      u"path are written as in JSON: \\\\, \\n, \\t, \\u001b."_s,
+      u"With --json the first line is {\"ready\": true}, when everything is watched. Lines "
+      u"like "
+      u"{\"time\": NANOSECONDS, \"notification\": NAME, \"path\": PATH} follow. The time, since "
+      u"1970 in UTC, is that at which the report arrived. Names are "
+      u"VXKQueueFileRenamedNotification, VXKQueueFileWrittenToNotification, "
+      u"VXKQueueFileDeletedNotification, VXKQueueFileAttributesChangedNotification, "
+      u"VXKQueueFileSizeIncreasedNotification, VXKQueueFileLinkCountChangedNotification and "
+      u"VXKQueueFileAccessRevocationNotification."_s,
+      u"A path is followed. When the file is replaced, as editors do to save, or is deleted or "
+      u"renamed and there is one again later, that one is watched; its coming is told as written. "
+      u"Symbolic links are followed. A path at which there is nothing to watch at the start is an "
+      u"error, and nothing is watched then. With --folders a folder that is renamed is watched until there is another at its path."_s,
+      u"The command ends on Ctrl+C and as soon as nobody reads its output any more. Exit status: 0 "
+      u"then, 1 where a path cannot be watched or a line cannot be written, 2 for a wrong command "
+      u"line."_s};
+  table.examples = {u"zqticker watch notes.txt /etc/hosts"_s,
+                    u"What happens to two files."_s,
+                    u"zqticker watch --folders --json Downloads"_s,
+                    u"Whatever changes in a folder, for a script."_s,
+                    u"zqticker watch --mask 2 page.html | while read -r line; do make; done"_s,
+                    u"Makes anew what depends on a file, each time that it has been saved."_s};
+  return table;
+}
 } // namespace
 
 const OptionTable& runTable() {
@@ -307,6 +358,11 @@ const OptionTable& feedCheckTable() {
   return table;
 }
 
+const OptionTable& watchTable() {
+  static const OptionTable table = makeWatchTable();
+  return table;
+}
+
 QString programHelp() {
   return u"Usage: zqticker [COMMAND] [OPTION]...\n"
          u"A desktop ticker: texts and pictures that scroll over a strip.\n\n"
@@ -317,6 +373,7 @@ QString programHelp() {
          u"  archive   print a keyed archive\n"
          u"  fetch     load the contents of an address\n"
          u"  feed      read a feed and tell what is in it: \"feed check URL\"\n"
+         u"  watch     print what happens to files, as it happens\n"
          u"  help      print this text, or that of a command\n\n"
          u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
          u"version.\n\n"_s +

@@ -10,6 +10,7 @@ const OptionTable& renderTable();
 const OptionTable& signTable();
 const OptionTable& fetchTable();
 const OptionTable& feedCheckTable();
+const OptionTable& watchTable();
 
 // What "zqticker --help" prints: the commands, and the options of `run`, which is meant where no
 // command is named.

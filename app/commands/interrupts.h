@@ -19,6 +19,10 @@ class Interrupts : public QObject {
   // The signal that came, or 0. For loops without an event loop.
   static int received();
 
+  // Readable once a signal has come, for whoever waits for other descriptors as well; not to be
+  // read. -1 where the system gives none.
+  int descriptor() const { return ends_[0]; }
+
   // From the event loop.
   Q_SIGNAL void interrupted();
 

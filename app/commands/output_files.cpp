@@ -9,6 +9,9 @@
 #include <cstring>
 #include <memory>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
@@ -34,6 +37,11 @@ void writeOutputFile(const QString& option, const QString& path, const QByteArra
 void writeStandardOutput(const QByteArray& bytes) {
   const auto size = static_cast<std::size_t>(bytes.size());
   if (std::fwrite(bytes.constData(), 1, size, stdout) != size || std::fflush(stdout) != 0)
+    throw RunTimeError(u"standard output: "_s + QString::fromLocal8Bit(std::strerror(errno)));
+}
+
+void requireStandardOutput() {
+  if (::fcntl(STDOUT_FILENO, F_GETFD) == -1)
     throw RunTimeError(u"standard output: "_s + QString::fromLocal8Bit(std::strerror(errno)));
 }
 

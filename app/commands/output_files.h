@@ -14,4 +14,7 @@ void writeOutputFile(const QString& option, const QString& path, const QByteArra
 // Writes `bytes` to standard output and flushes it. RunTimeError where that fails.
 void writeStandardOutput(const QByteArray& bytes);
 
+// RunTimeError where the program was started without a standard output.
+void requireStandardOutput();
+
 } // namespace zq::app

@@ -7,8 +7,10 @@
 #include "app/commands/RunCommand.h"
 #include "app/commands/SignCommand.h"
 #include "app/commands/StripOptions.h"
+#include "app/commands/WatchCommand.h"
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
+#include "app/commands/output_files.h"
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/version.h"
 
@@ -103,7 +105,8 @@ int runHelp(const QStringList& arguments) {
     print(programHelp());
     return Success;
   }
-  for (const OptionTable* table : {&runTable(), &renderTable(), &signTable(), &fetchTable()})
+  for (const OptionTable* table :
+       {&runTable(), &renderTable(), &signTable(), &fetchTable(), &watchTable()})
     if (arguments == QStringList{table->command}) {
       print(helpText(*table));
       return Success;
@@ -150,6 +153,15 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
     int argc = 1;
     const QCoreApplication application(argc, argv);
     return fetchCommand(arguments);
+  }
+  if (command == "watch"_L1) {
+    if (asksForHelp(watchTable(), arguments))
+      return runHelp({command});
+    // Before the application opens descriptors of its own, one of which might take its place.
+    requireStandardOutput();
+    int argc = 1;
+    const QCoreApplication application(argc, argv);
+    return watchCommand(arguments);
   }
   if (command == "feed"_L1)
     return runFeed(arguments, argv);

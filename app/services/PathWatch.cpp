@@ -183,7 +183,14 @@ void PathWatch::watcherReceivedNotification(VXFileWatcher& watcher, const QStrin
   if (found == paths_.end())
     return;
   const std::uint32_t leaving = leavingEvent(notification);
+  bool isTold = leaving == 0 || (found->mask & leaving) != 0;
   bool hasAppeared = false;
+  if (leaving == VnodeRename)
+    found->leftByRename = true;
+  // One that was renamed and then deleted is told of as both, perhaps after another has come.
+  if (leaving == VnodeDelete && std::exchange(found->leftByRename, false) && found->watched &&
+      isOneFile(FileState::of(path), found->watched))
+    isTold = false;
   // Before anybody is told, which may take its time.
   if (leaving != 0)
     hasAppeared = beginAgain(path, *found);
@@ -192,7 +199,7 @@ void PathWatch::watcherReceivedNotification(VXFileWatcher& watcher, const QStrin
 
   const Weak<PathWatch> self(this);
   const auto receivers = receivers_;
-  if (leaving == 0 || (found->mask & leaving))
+  if (isTold)
     receivers->reported(notification, path);
   if (hasAppeared && receivers->appeared && self && paths_.contains(path))
     receivers->appeared(path);

@@ -77,6 +77,7 @@ class PathWatch final : public VXFileWatcherDelegate {
     std::optional<FileState> watched; // as it was when its watch began
     std::optional<FileState> last;    // what was at the path when it was last looked at
     PathSteps steps;                  // with what is watched of it
+    bool leftByRename = false;        // the file before; its deletion may be told later
   };
   struct Folder {
     QSet<QString> paths; // that lead through it

@@ -4,6 +4,8 @@ set(path_SOURCES
     services/ErrorKeepingQueue.h
     services/FileState.cpp
     services/FileState.h
+    services/FolderWatch.cpp
+    services/FolderWatch.h
     services/PathWatch.cpp
     services/PathWatch.h
     services/path_steps.cpp

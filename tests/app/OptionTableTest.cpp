@@ -91,6 +91,19 @@ TEST(OptionTable, RefusesAMissingOrASurplusOperand) {
             u"-x: unexpected argument (see zqticker test --help)"_s);
 }
 
+TEST(OptionTable, TakesTheLastOperandAsOftenAsItStands) {
+  OptionTable repeating = tableWithOperands();
+  repeating.repeatsLastOperand = true;
+  EXPECT_EQ(parsed({u"a"_s, u"b"_s, u"--flag"_s, u"c"_s, u"d"_s}, repeating),
+            u"(a)(b)flag()(c)(d)"_s);
+  EXPECT_EQ(failureOf({u"a"_s}, repeating), u"TO: missing (see zqticker test --help)"_s);
+  EXPECT_TRUE(helpText(repeating).startsWith("Usage: zqticker test [OPTION]... FROM TO...\n"_L1));
+  OptionTable withoutOperands = table();
+  withoutOperands.repeatsLastOperand = true;
+  EXPECT_EQ(failureOf({u"a"_s}, withoutOperands),
+            u"a: unexpected argument (see zqticker test --help)"_s);
+}
+
 TEST(OptionTable, AsksForNoOperandBesideHelp) {
   EXPECT_EQ(parsed({u"--help"_s}, tableWithOperands()), u"help()"_s);
 }

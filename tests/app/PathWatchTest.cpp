@@ -3,6 +3,7 @@
 
 #include "tests/support/waiting.h"
 #include "zqticker/platform/system/KernelEventQueue.h"
+#include "zqticker/watching/VXKQueue.h"
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
@@ -124,6 +125,21 @@ TEST_F(PathWatching, LeavesAFileThatWasRenamedAway) {
   append(u"other"_s, "b");
   ASSERT_TRUE(hears(u"WrittenTo other"_s));
   EXPECT_EQ(told_, (QStringList{u"Renamed f"_s, u"WrittenTo other"_s}));
+}
+
+TEST_F(PathWatching, DoesNotTellTheDeletionOfAFileThatHadLeftAsThatOfItsSuccessor) {
+  const auto other = VXKQueue::make();
+  write(u"f"_s, "a");
+  follow(u"f"_s);
+  rename(u"f"_s, u"g"_s);
+  ASSERT_TRUE(hears(u"Renamed f"_s));
+  write(u"f"_s, "b");
+  ASSERT_TRUE(hears(u"appeared f"_s));
+  told_.clear();
+  watch_->watcherReceivedNotification(*other, VXFileWatcherDeleteNotification, path(u"f"_s));
+  EXPECT_EQ(told_.count(u"Deleted f"_s), 0);
+  remove(u"f"_s);
+  EXPECT_TRUE(hears(u"Deleted f"_s));
 }
 
 TEST_F(PathWatching, WaitsForAFileThatWasDeleted) {

@@ -30,6 +30,7 @@ set(app_SOURCES
     StripWidgetTest.cpp
     TailReaderTest.cpp
     TickerDisplayTest.cpp
+    WatchTest.cpp
     XServer.cpp
     XServer.h
     feed_datesTest.cpp
