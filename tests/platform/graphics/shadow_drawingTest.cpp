@@ -7,6 +7,7 @@
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/platform/graphics/Shadow.h"
 #include "zqticker/platform/graphics/ShadowCache_p.h"
+#include "zqticker/platform/graphics/VerticalShading.h"
 #include "zqticker/platform/graphics/gaussian_p.h"
 #include "zqticker/platform/text/string_drawing.h"
 
@@ -14,10 +15,12 @@
 
 #include <QtGui/QPainterPath>
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <limits>
 #include <numeric>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
@@ -274,7 +277,11 @@ TEST(ShadowDrawing, StrokesTextAndImagesHaveOneToo) {
   QPainterPath path(QPointF(6, 8));
   path.lineTo(14, 20);
   path.cubicTo(20, 20, 25, 10, 30, 9);
-  const std::vector<std::pair<const char*, std::function<void(GraphicsContext&)>>> casters{
+  struct Row {
+    const char* name;
+    std::function<void(GraphicsContext&)> draw;
+  };
+  const std::vector<Row> rows{
       {"stroke",
        [&](GraphicsContext& context) {
          context.setStrokeColor(red);
@@ -302,20 +309,20 @@ TEST(ShadowDrawing, StrokesTextAndImagesHaveOneToo) {
       {"part of an image", [&](GraphicsContext&) {
          bitmap->drawInRect({8, 8, 20, 10}, {1, 1, 5, 3});
        }}};
-  for (const auto& [name, draw] : casters)
+  for (const Row& row : rows)
     for (const bool flipped : {false, true})
       for (const double scale : {1.0, 1.5, 2.0}) {
         const QSizeF size(80, 40);
-        QImage caster = drawn(size, scale, flipped, draw);
+        QImage caster = drawn(size, scale, flipped, row.draw);
         caster.setDevicePixelRatio(1);
         // Whole device pixels at each of the scales.
         const QImage shadow = drawn(size, scale, flipped, [&](GraphicsContext& context) {
           Shadow({4, -2}, 4, Color::deviceWhite(0, 0.5)).set();
-          draw(context);
+          row.draw(context);
         });
         QImage expected = blurred(caster, 2 * scale, QPoint(int(4 * scale), int(2 * scale)), 0.5);
         QPainter(&expected).drawImage(0, 0, caster);
-        ASSERT_FALSE(inkBounds(caster, Qt::transparent).isNull()) << name;
+        ASSERT_FALSE(inkBounds(caster, Qt::transparent).isNull()) << row.name;
         // Colours of nearly transparent pixels say little: premultiplied values are compared.
         int difference = 0;
         for (int y = 0; y < shadow.height(); ++y)
@@ -326,7 +333,7 @@ TEST(ShadowDrawing, StrokesTextAndImagesHaveOneToo) {
                 std::max({difference, std::abs(qRed(a) - qRed(b)), std::abs(qGreen(a) - qGreen(b)),
                           std::abs(qBlue(a) - qBlue(b)), std::abs(qAlpha(a) - qAlpha(b))});
           }
-        EXPECT_LE(difference, 2) << name << " at " << scale << (flipped ? " flipped" : "");
+        EXPECT_LE(difference, 2) << row.name << " at " << scale << (flipped ? " flipped" : "");
       }
 }
 
@@ -497,6 +504,31 @@ TEST(ShadowDrawing, EachDifferenceMakesAnotherShadow) {
   EXPECT_EQ(made(stroke(1)), 1u);
   EXPECT_EQ(made(stroke(2)), 1u);
   EXPECT_EQ(made(stroke(1)), 0u);
+}
+
+TEST(ShadowDrawing, ShadowsAndShadingsLookTheSameWhileAnotherThreadDrawsThem) {
+  const auto picture = [](int round) {
+    return drawn({60, 60}, 2, false, [&](GraphicsContext& context) {
+      Shadow({2, -2}, 3 + round / 50.0, black).set();
+      context.setFillColor(red);
+      context.fillRect(QRectF(10, 10, 20, 20));
+      const auto colorAt = [](double t) { return std::array<double, 4>{t, 0, 1 - t, 1}; };
+      context.fillPathWithShading(rectPath({35, 10, 10, 20.0 + round}), {colorAt, "red to blue"});
+    });
+  };
+  constexpr int rounds = 20;
+  std::array<std::vector<QImage>, 3> pictures;
+  std::vector<std::thread> threads;
+  for (auto& own : pictures)
+    threads.emplace_back([&] {
+      for (int round = 0; round < rounds; ++round)
+        own.push_back(picture(round));
+    });
+  for (std::thread& thread : threads)
+    thread.join();
+  EXPECT_EQ(pictures[0], pictures[1]);
+  EXPECT_EQ(pictures[0], pictures[2]);
+  EXPECT_EQ(pictures[0].back(), picture(rounds - 1));
 }
 
 TEST(ShadowCache, DropsWhatWasUsedLeastRecently) {
