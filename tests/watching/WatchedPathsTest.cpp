@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <random>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -33,6 +34,36 @@ TEST(WatchedPaths, GivesTheDescriptorOfTheFirstOfEqualPaths) {
   EXPECT_EQ(watched.takeFirst(u"same"_s), 5);
   EXPECT_EQ(watched.takeFirst(u"same"_s), std::nullopt);
   EXPECT_EQ(watched.takeAll(), std::vector<int>({4}));
+}
+
+TEST(WatchedPaths, TellsPathsApartWhoseHashesAreEqual) {
+  QHash<quint32, QString> byHash;
+  QString a = u"0"_s;
+  QString b;
+  // Among some hundred thousand there are such pairs.
+  for (int i = 1; b.isEmpty(); ++i) {
+    QString& known = byHash[quint32(qHash(a))];
+    if (known.isEmpty())
+      known = std::exchange(a, QString::number(i));
+    else
+      b = known;
+  }
+  ASSERT_NE(a, b);
+  WatchedPaths watched;
+  watched.append(a, 1);
+  watched.append(b, 2);
+  watched.append(a, 3);
+  watched.append(b, 4);
+  watched.append(u"other"_s, 5);
+  EXPECT_EQ(watched.takeFirst(b), 2); // between others
+  EXPECT_EQ(watched.takeFirst(b), 4); // the last
+  EXPECT_EQ(watched.takeFirst(b), std::nullopt);
+  watched.append(b, 6);
+  EXPECT_EQ(watched.paths(), QStringList({a, a, u"other"_s, b}));
+  EXPECT_EQ(watched.takeFirst(a), 1); // the first
+  EXPECT_EQ(watched.takeFirst(a), 3);
+  EXPECT_EQ(watched.takeFirst(a), std::nullopt);
+  EXPECT_EQ(watched.takeAll(), std::vector<int>({5, 6}));
 }
 
 // The same changes to two plain arrays of the same length.

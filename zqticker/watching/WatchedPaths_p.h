@@ -5,6 +5,7 @@
 #include <QtCore/QString>
 #include <QtCore/QStringList>
 
+#include <deque>
 #include <optional>
 #include <vector>
 
@@ -28,17 +29,20 @@ class WatchedPaths {
   struct Entry {
     QString path;
     int descriptor;  // None once it has been removed
-    int next = None; // the next entry of the same path
+    int next = None; // the next entry whose path has the same hash
   };
+  // The places of the entries whose paths have the same hash.
   struct Chain {
     int first;
     int last;
   };
 
+  Entry& entry(int place) { return entries_[std::size_t(place)]; }
   void sweep();
 
   // Removed entries stay until they are half of all, so that the others keep their places.
-  std::vector<Entry> entries_;
+  std::deque<Entry> entries_;
   std::size_t removed_ = 0;
-  QHash<QString, Chain> chains_;
+  // By the hash: the paths themselves would take twice the room.
+  QHash<quint32, Chain> chains_;
 };
