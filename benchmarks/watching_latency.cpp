@@ -19,7 +19,8 @@ namespace {
 // Time from a change to its report, over 16 files or folders in turn.
 class LatencyWork : public Work {
  public:
-  using Work::Work;
+  LatencyWork(const std::string& candidate, const std::string& folder, bool pauses = true)
+      : Work(candidate, folder), pauses_(pauses) {}
 
   bool begin() override {
     for (int i = 0; i < Targets; ++i) {
@@ -36,7 +37,8 @@ class LatencyWork : public Work {
       const auto end = Clock::now() + 250ms;
       for (int i = 0; i < 100 && Clock::now() < end; ++i) {
         // Nobody is busy when the change comes, and nothing comes at regular times.
-        std::this_thread::sleep_for(std::chrono::microseconds(pause_(random_)));
+        if (pauses_)
+          std::this_thread::sleep_for(std::chrono::microseconds(pause_(random_)));
         if (const auto time = timeOfOne())
           figures["s"].push_back(*time);
         else
@@ -80,6 +82,7 @@ class LatencyWork : public Work {
     changed_.notify_one();
   }
 
+  const bool pauses_;
   int count_ = 0;
   std::minstd_rand random_{1};
   std::uniform_int_distribution<int> pause_{100, 400};
@@ -127,6 +130,8 @@ std::unique_ptr<Work> makeLatencyWork(const std::string& name, const std::string
                                       const std::string& folder) {
   if (name == "Write")
     return std::make_unique<WriteWork>(candidate, folder);
+  if (name == "WriteAtOnce")
+    return std::make_unique<WriteWork>(candidate, folder, false);
   if (name == "AddFile")
     return std::make_unique<AddFileWork>(candidate, folder);
   return nullptr;
