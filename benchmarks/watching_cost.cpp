@@ -42,10 +42,12 @@ class AddingWork final : public Work {
     ::malloc_trim(0);
     const double heap = heapBytes();
     const double memory = privateBytes();
+    const double processor = processorSecondsOf(*watching_);
     const auto begin = Clock::now();
     const int added =
         inSteps([&](const PathRange& range) { return watching_->add(range); }, paths_.count());
     const auto middle = Clock::now();
+    const double processorUsed = processorSecondsOf(*watching_) - processor;
     const double heapUsed = heapBytes() - heap;
     const double memoryUsed = privateBytes() - memory;
     const auto beginOfRemoving = Clock::now();
@@ -57,6 +59,7 @@ class AddingWork final : public Work {
         added);
     const auto end = Clock::now();
     return {{"s", {seconds(middle - begin) / added}},
+            {"processor_s", {processorUsed / added}},
             {"remove_s", {seconds(end - beginOfRemoving) / removed}},
             {"added", {double(added)}},
             {"removed", {double(removed)}},
