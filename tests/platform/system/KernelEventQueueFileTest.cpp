@@ -107,6 +107,146 @@ TEST(KernelEventQueueFile, TellsTheRemovalOfItsNameOfTwo) {
   EXPECT_EQ(probe.flags(), VnodeDelete);
 }
 
+TEST(KernelEventQueueFile, TellsEachOfTwoWatchedNamesItsOwnRemoval) {
+  for (const bool held : {false, true}) {
+    QueueProbe probe;
+    const int a = probe.watch(probe.file("a"));
+    probe.link("a", "b");
+    EXPECT_EQ(probe.flags(), VnodeLink);
+    const int b = probe.watch(probe.path("b"));
+    const int holder = held ? ::open(probe.path("a").constData(), O_RDONLY | O_CLOEXEC) : -1;
+    probe.unlink("b");
+    EXPECT_EQ(probe.flagsByDescriptor(),
+              (FlagsByDescriptor{{a, VnodeLink}, {b, VnodeDelete | VnodeLink}}))
+        << held;
+    probe.unlink("a");
+    EXPECT_EQ(probe.flagsByDescriptor(), (FlagsByDescriptor{{a, VnodeDelete}, {b, VnodeDelete}}))
+        << held;
+    if (held)
+      ::close(holder);
+    EXPECT_EQ(probe.flags(), 0U) << held;
+  }
+}
+
+TEST(KernelEventQueueFile, TellsAnAtomicSaveOverOneOfTwoWatchedNames) {
+  QueueProbe probe;
+  probe.file("a");
+  probe.link("a", "b");
+  const int a = probe.watch(probe.path("a"), 0x2B);
+  const int b = probe.watch(probe.path("b"), 0x2B);
+  probe.file("new", "second");
+  probe.rename("new", "b");
+  EXPECT_EQ(probe.flagsByDescriptor(), (FlagsByDescriptor{{b, VnodeDelete}}));
+  probe.write("a", "FIRST");
+  EXPECT_EQ(probe.flagsByDescriptor(), (FlagsByDescriptor{{a, VnodeWrite}, {b, VnodeWrite}}));
+}
+
+TEST(KernelEventQueueFile, FindsItAgainInAFolderNearbyThatIsNotWatched) {
+  for (const char* place : {"folder/within/a", "a", "beside/a"}) {
+    QueueProbe probe;
+    probe.folder("folder");
+    probe.folder("folder/within");
+    probe.folder("beside");
+    probe.watch(probe.file("folder/a"));
+    probe.rename("folder/a", place);
+    EXPECT_EQ(probe.flags(), VnodeRename) << place;
+    probe.append(place, "more");
+    EXPECT_EQ(probe.flags(), VnodeWrite | VnodeExtend) << place;
+    ASSERT_EQ(::chmod(probe.path(place).constData(), 0600), 0);
+    EXPECT_EQ(probe.flags(), VnodeAttrib) << place;
+    const int holder = ::open(probe.path(place).constData(), O_RDONLY | O_CLOEXEC);
+    probe.unlink(place);
+    EXPECT_EQ(probe.flags(), VnodeDelete) << place;
+    ::close(holder);
+    EXPECT_EQ(probe.flags(), 0U) << place;
+  }
+}
+
+// Where a file cannot be looked at, its removal while it is held open looks like a change of its
+// attributes, and a removal must never be told as one.
+TEST(KernelEventQueueFile, TellsLinksOfAFileThatIsNowhereNear) {
+  QueueProbe probe;
+  probe.folder("folder");
+  probe.folder("far");
+  probe.folder("far/off");
+  probe.watch(probe.file("folder/a"));
+  probe.rename("folder/a", "far/off/a");
+  EXPECT_EQ(probe.flags(), VnodeRename);
+  ASSERT_EQ(::chmod(probe.path("far/off/a").constData(), 0600), 0);
+  EXPECT_EQ(probe.flags(), VnodeLink);
+  probe.write("far/off/a", "FIRST");
+  EXPECT_EQ(probe.flags(), VnodeWrite);
+  const int holder = ::open(probe.path("far/off/a").constData(), O_RDONLY | O_CLOEXEC);
+  probe.unlink("far/off/a");
+  EXPECT_EQ(probe.flags(), VnodeLink);
+  ::close(holder);
+  EXPECT_EQ(probe.flags(), VnodeDelete);
+}
+
+TEST(KernelEventQueueFile, KnowsItsPlaceAgainWhenItIsOpenedThere) {
+  QueueProbe probe;
+  probe.folder("folder");
+  probe.folder("far");
+  probe.folder("far/off");
+  const int old = probe.watch(probe.file("folder/a"));
+  probe.rename("folder/a", "far/off/a");
+  EXPECT_EQ(probe.flags(), VnodeRename);
+  const int anew = probe.watch(probe.path("far/off/a"));
+  const int holder = ::open(probe.path("far/off/a").constData(), O_RDONLY | O_CLOEXEC);
+  probe.unlink("far/off/a");
+  EXPECT_EQ(probe.flagsByDescriptor(),
+            (FlagsByDescriptor{{old, VnodeDelete}, {anew, VnodeDelete}}));
+  ::close(holder);
+}
+
+TEST(KernelEventQueueFile, TellsADeletionInAFolderThatWasRenamed) {
+  for (const char* renamed : {"up", "up/folder"}) {
+    QueueProbe probe;
+    probe.folder("up");
+    probe.folder("up/folder");
+    probe.watch(probe.file("up/folder/a"));
+    probe.rename(renamed, "away");
+    const char* now = qstrlen(renamed) == 2 ? "away/folder/a" : "away/a";
+    probe.append(now, "more");
+    EXPECT_TRUE(probe.flags() & VnodeWrite) << renamed;
+    const int holder = ::open(probe.path(now).constData(), O_RDONLY | O_CLOEXEC);
+    probe.unlink(now);
+    EXPECT_EQ(probe.flags(), VnodeDelete) << renamed;
+    ::close(holder);
+    EXPECT_EQ(probe.flags(), 0U) << renamed;
+  }
+}
+
+TEST(KernelEventQueueFile, LooksAtItInItsFolderThatWasRenamed) {
+  QueueProbe probe;
+  probe.folder("folder");
+  probe.watch(probe.file("folder/a"));
+  probe.rename("folder", "other");
+  probe.append("other/a", "more");
+  EXPECT_EQ(probe.flags(), VnodeWrite | VnodeExtend);
+  probe.link("other/a", "other/b");
+  EXPECT_EQ(probe.flags(), VnodeLink);
+}
+
+TEST(KernelEventQueueFile, TakesANewFolderUnderAnOldPathForAnother) {
+  QueueProbe probe;
+  probe.folder("up");
+  probe.folder("up/folder");
+  const int old = probe.watch(probe.file("up/folder/a"));
+  probe.rename("up", "away");
+  probe.folder("up");
+  probe.folder("up/folder");
+  const int anew = probe.watch(probe.file("up/folder/b"));
+  const int holder = ::open(probe.path("up/folder/b").constData(), O_RDONLY | O_CLOEXEC);
+  probe.rename("up/folder/b", "up/folder/c");
+  EXPECT_EQ(probe.flagsByDescriptor(), (FlagsByDescriptor{{anew, VnodeRename}}));
+  probe.unlink("up/folder/c");
+  probe.unlink("away/folder/a");
+  EXPECT_EQ(probe.flagsByDescriptor(),
+            (FlagsByDescriptor{{old, VnodeDelete}, {anew, VnodeDelete}}));
+  ::close(holder);
+}
+
 TEST(KernelEventQueueFile, TellsADeletionAtOnceWhileTheFileIsHeldOpen) {
   QueueProbe probe;
   const int holder = ::open(probe.file("a").constData(), O_RDWR | O_CLOEXEC);

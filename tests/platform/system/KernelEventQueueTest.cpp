@@ -25,6 +25,26 @@ int addWatchUntilFull(int instance, const char* path, std::uint32_t mask) {
   return ::inotify_add_watch(instance, path, mask);
 }
 
+int refusal = 0;
+
+int refuseWatch(int, const char*, std::uint32_t) {
+  errno = refusal;
+  return -1;
+}
+
+int refuseFolders(int instance, const char* path, std::uint32_t mask) {
+  if (mask & IN_ONLYDIR) {
+    errno = refusal;
+    return -1;
+  }
+  return ::inotify_add_watch(instance, path, mask);
+}
+
+int refuseOpening(const char*) {
+  errno = refusal;
+  return -1;
+}
+
 int refuseInstance(int) {
   errno = EMFILE;
   return -1;
@@ -154,9 +174,12 @@ TEST(KernelEventQueue, HasADescriptorUntilItIsClosed) {
 }
 
 TEST(KernelEventQueue, IsNothingWhereTheKernelGivesNone) {
+  expectLog(u"fs.inotify.max_user_instances"_s);
   InotifyCalls calls;
   calls.makeInstance = refuseInstance;
   EXPECT_EQ(InotifyEventQueue::make(calls), nullptr);
+  EXPECT_EQ(errno, EMFILE);
+  expectLog(u"The kernel refuses"_s);
   calls = InotifyCalls();
   calls.makeWakeUp = refuseWakeUp;
   EXPECT_EQ(InotifyEventQueue::make(calls), nullptr);
@@ -170,14 +193,109 @@ TEST(KernelEventQueue, NamesTheLimitOnceWhereTheKernelRefusesMoreWatches) {
   probe.queue = InotifyEventQueue::make(calls);
   allowedWatches = 2; // the file and its folder
   probe.watch(probe.file("a"));
+  probe.folder("other");
   for (const int allowed : {0, 1}) {
     allowedWatches = allowed;
     errno = 0;
-    EXPECT_EQ(probe.queue->openForEvents(probe.file("b")), -1) << allowed;
+    EXPECT_EQ(probe.queue->openForEvents(probe.file("other/b")), -1) << allowed;
     EXPECT_EQ(errno, ENOSPC) << allowed;
   }
+  allowedWatches = 0;
+  EXPECT_EQ(probe.queue->openForEvents(probe.file("c")), -1);
+  EXPECT_EQ(errno, ENOSPC);
   probe.write("a", "FIRST");
   EXPECT_EQ(probe.flags(), VnodeWrite);
+}
+
+TEST(KernelEventQueue, NamesTheLimitOnceWhereTheKernelOpensNoMoreFiles) {
+  expectLog(u"The kernel refuses"_s);
+  QueueProbe probe;
+  InotifyCalls calls;
+  calls.openPath = refuseOpening;
+  probe.queue = InotifyEventQueue::make(calls);
+  refusal = EMFILE;
+  for (int i = 0; i < 2; ++i) {
+    errno = 0;
+    EXPECT_EQ(probe.queue->openForEvents(probe.file("a")), -1);
+    EXPECT_EQ(errno, EMFILE);
+  }
+}
+
+TEST(KernelEventQueue, TakesWhatTheKernelDoesNotWatchForWhatCannotBeOpened) {
+  for (const int error : {ENOMEM, EACCES}) {
+    QueueProbe probe;
+    InotifyCalls calls;
+    calls.addWatch = refuseWatch;
+    probe.queue = InotifyEventQueue::make(calls);
+    refusal = error;
+    errno = 0;
+    EXPECT_EQ(probe.queue->openForEvents(probe.file("a")), -1) << error;
+    EXPECT_EQ(errno, error);
+  }
+  QueueProbe probe;
+  InotifyCalls calls;
+  calls.addWatch = refuseFolders;
+  probe.queue = InotifyEventQueue::make(calls);
+  refusal = ENOMEM;
+  errno = 0;
+  EXPECT_EQ(probe.queue->openForEvents(probe.file("a")), -1);
+  EXPECT_EQ(errno, ENOMEM);
+}
+
+TEST(KernelEventQueue, WatchesFilesInAFolderThatMayNotBeRead) {
+  QueueProbe probe;
+  InotifyCalls calls;
+  calls.addWatch = refuseFolders;
+  probe.queue = InotifyEventQueue::make(calls);
+  refusal = EACCES;
+  probe.watch(probe.file("a"));
+  probe.append("a", "more");
+  EXPECT_EQ(probe.flags(), VnodeWrite | VnodeExtend);
+  const int holder = ::open(probe.path("a").constData(), O_RDONLY | O_CLOEXEC);
+  probe.unlink("a");
+  EXPECT_EQ(probe.flags(), VnodeDelete);
+  ::close(holder);
+}
+
+TEST(KernelEventQueue, LetsNoBusyFileKeepOthersWaiting) {
+  QueueProbe probe;
+  const int busy = probe.watch(probe.file("busy"));
+  const int a = probe.watch(probe.file("a"));
+  const int b = probe.watch(probe.file("b"));
+  const auto next = [&probe] {
+    return std::get<KernelEvent>(probe.queue->wait(std::chrono::nanoseconds(0))).descriptor;
+  };
+  probe.write("busy", "FIRST");
+  probe.write("a", "FIRST");
+  EXPECT_EQ(next(), busy);
+  probe.write("busy", "FIRST");
+  probe.write("b", "FIRST");
+  EXPECT_EQ(next(), a);
+  probe.write("busy", "FIRST");
+  EXPECT_EQ(next(), busy);
+  probe.write("busy", "FIRST");
+  EXPECT_EQ(next(), b);
+  EXPECT_EQ(next(), busy);
+  EXPECT_EQ(probe.flags(), 0U);
+}
+
+TEST(KernelEventQueue, KeepsTheOrderOfManyFilesThroughSeveralReadsOfTheKernelsQueue) {
+  constexpr int Count = 3000;
+  QueueProbe probe;
+  std::vector<int> descriptors;
+  for (int i = 0; i < Count; ++i)
+    descriptors.push_back(probe.watch(probe.file(QByteArray::number(i).constData())));
+  // The folder is told of none of them, each of them of more than 20 bytes.
+  for (int i = Count - 1; i >= 0; --i)
+    for (int times = 0; times < 2; ++times)
+      probe.write(QByteArray::number((i + times) % Count).constData(), "FIRST");
+  std::vector<int> found;
+  for (const auto& event : probe.events())
+    found.push_back(event.descriptor);
+  std::vector<int> expected = {descriptors[Count - 1], descriptors[0]};
+  for (int i = Count - 2; i > 0; --i)
+    expected.push_back(descriptors[std::size_t(i)]);
+  EXPECT_EQ(found, expected);
 }
 
 TEST(KernelEventQueue, LosesNothingWhenTheKernelsOwnQueueOverflows) {
@@ -194,6 +312,13 @@ TEST(KernelEventQueue, LosesNothingWhenTheKernelsOwnQueueOverflows) {
   const int removed = probe.watch(probe.file("removed"));
   const int folder = probe.watch(probe.folder("folder"));
   const int same = probe.watch(probe.file("same"));
+  const timespec old[2] = {{1000, 0}, {1000, 0}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, probe.file("written").constData(), old, 0), 0);
+  const int written = probe.watch(probe.path("written"));
+  const int replaced = probe.watch(probe.file("replaced"));
+  const int renamed = probe.watch(probe.file("renamed"));
+  const int filled = probe.watch(probe.folder("filled"));
+  const int emptied = probe.watch(probe.folder("emptied"));
   const QByteArray first = probe.path("x");
   const QByteArray second = probe.path("y");
   for (int i = 0; i <= most; ++i)
@@ -203,6 +328,12 @@ TEST(KernelEventQueue, LosesNothingWhenTheKernelsOwnQueueOverflows) {
   ASSERT_EQ(::chmod(probe.path("moded").constData(), 0600), 0);
   probe.unlink("removed");
   probe.folder("folder/new");
+  probe.write("written", "FIRST");
+  probe.file("new", "second");
+  probe.rename("new", "replaced");
+  probe.rename("renamed", "name");
+  probe.file("filled/new");
+  probe.rmdir("emptied");
   for (const auto& event : probe.events())
     found[event.descriptor] |= event.flags;
   EXPECT_EQ(found[x], VnodeAttrib);
@@ -213,6 +344,14 @@ TEST(KernelEventQueue, LosesNothingWhenTheKernelsOwnQueueOverflows) {
   EXPECT_TRUE(found[removed] & VnodeDelete);
   EXPECT_EQ(found[folder], VnodeWrite | VnodeLink);
   EXPECT_EQ(found[same], 0U);
+  EXPECT_EQ(found[written], VnodeWrite);
+  EXPECT_TRUE(found[replaced] & VnodeDelete);
+  EXPECT_EQ(found[renamed], VnodeRename);
+  EXPECT_EQ(found[filled], VnodeWrite);
+  EXPECT_TRUE(found[emptied] & VnodeDelete);
+  // All is as before from here on.
+  probe.append("name", "more");
+  EXPECT_EQ(probe.flagsByDescriptor(), (FlagsByDescriptor{{renamed, VnodeWrite | VnodeExtend}}));
 }
 
 TEST(KernelEventQueue, TakesLessThan512BytesAPathAndNoOpenFile) {

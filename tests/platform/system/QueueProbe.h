@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
+#include <map>
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -17,6 +18,8 @@
 namespace zq::testing {
 
 constexpr std::uint32_t AllEvents = 0x7F;
+
+using FlagsByDescriptor = std::map<int, std::uint32_t>;
 
 class QueueProbe {
  public:
@@ -67,6 +70,12 @@ class QueueProbe {
         return found;
       found.push_back(*event);
     }
+  }
+  FlagsByDescriptor flagsByDescriptor() const {
+    FlagsByDescriptor found;
+    for (const auto& event : events())
+      found[event.descriptor] |= event.flags;
+    return found;
   }
   // The flags of the one event that is pending; 0 for none, all bits for several.
   std::uint32_t flags() const {

@@ -8,6 +8,7 @@ set(system_TESTS
     KernelEventQueueFileTest.cpp
     KernelEventQueueFolderTest.cpp
     KernelEventQueuePathTest.cpp
+    KernelEventQueueRoundTest.cpp
     KernelEventQueueTest.cpp
     KernelEventQueueThreadTest.cpp
     NotificationCenterTest.cpp

@@ -47,6 +47,10 @@ bool FileSnapshot::isRegularFile() const {
   return S_ISREG(mode);
 }
 
+bool FileSnapshot::isSymbolicLink() const {
+  return S_ISLNK(mode);
+}
+
 bool FileSnapshot::isSameFile(const FileSnapshot& other) const {
   return inode == other.inode && device == other.device && birth == other.birth;
 }

@@ -27,6 +27,7 @@ struct FileSnapshot {
 
   bool isFolder() const;
   bool isRegularFile() const;
+  bool isSymbolicLink() const;
 
   // Whether both were taken of the very same file. The birth tells a new file from an old one whose
   // number it has inherited.

@@ -1,11 +1,8 @@
 #include "zqticker/platform/system/InodeTable_p.h"
 
-#include "zqticker/platform/system/KernelEventQueue.h"
-
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <sys/eventfd.h>
 #include <sys/inotify.h>
 #include <unistd.h>
 #include <utility>
@@ -13,29 +10,12 @@
 namespace zq::platform {
 namespace {
 
-enum Seen : std::uint32_t {
-  SeenWritten = 0x001,
-  SeenAttributes = 0x002, // or names
-  SeenRenamed = 0x004,
-  SeenDeleted = 0x008,
-  SeenUnmounted = 0x010,
-  SeenEntries = 0x020,
-  SeenSubfolders = 0x040,
-  SeenNameTouched = 0x080, // by what happened in its folder
-  SeenNameTaken = 0x100,   // by another file, which has its place in the table already
-  SeenLoss = 0x200,
-};
-
 constexpr std::uint32_t OfItself = IN_ATTRIB | IN_MOVE_SELF | IN_DELETE_SELF;
 constexpr std::uint32_t OfFile = OfItself | IN_MODIFY;
 constexpr std::uint32_t OfEntries = IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 constexpr std::uint32_t OfFolder = OfItself | OfEntries | IN_CREATE | IN_ONLYDIR;
 // Without the attributes: those of its entries would come as well.
 constexpr std::uint32_t OfFolderOfName = OfEntries | IN_MOVE_SELF | IN_DELETE_SELF | IN_ONLYDIR;
-
-std::uint32_t when(bool condition, std::uint32_t flag) {
-  return condition ? flag : 0;
-}
 
 QByteArray linkOf(int file) {
   return "/proc/self/fd/" + QByteArray::number(file);
@@ -49,70 +29,133 @@ QByteArray pathOf(int file) {
   return QByteArray(path.data(), length);
 }
 
+QByteArray folderOf(const QByteArray& path) {
+  const auto slash = path.lastIndexOf('/');
+  return slash == 0 ? QByteArray("/") : path.left(slash);
+}
+
+QByteArray nameOf(const QByteArray& path) {
+  return path.mid(path.lastIndexOf('/') + 1);
+}
+
 } // namespace
 
-InotifyCalls::InotifyCalls()
-    : makeInstance(::inotify_init1), addWatch(::inotify_add_watch), makeWakeUp(::eventfd) {}
+std::shared_ptr<Inode> InodeTable::watchInKnownFolder(const QByteArray& path) {
+  if (!path.startsWith('/') || path.endsWith('/') || path.endsWith("/.") || path.endsWith("/.."))
+    return nullptr;
+  const QByteArray folderPath = folderOf(path);
+  Inode* known = folders_.value(folderPath);
+  if (!known || known->watch < 0)
+    return nullptr;
+  const auto its = FileSnapshot::of(folderPath);
+  const auto before = FileSnapshot::of(path);
+  if (!its || !its->isSameFile(known->last) || !before || before->isSymbolicLink())
+    return nullptr;
+  const auto folder = known->shared_from_this();
+  const int watch = watchFile(path.constData(), *before, IN_DONT_FOLLOW);
+  if (watch < 0)
+    return nullptr;
+  const auto after = FileSnapshot::of(path);
+  if (after && after->isSameFile(*before))
+    return inodeOfFile(watch, *after, folder, nameOf(path));
+  if (!firstOfWatch(watch)) // of one that has just taken the place of the other, or left it
+    ::inotify_rm_watch(instance_, watch);
+  return nullptr;
+}
 
 std::shared_ptr<Inode> InodeTable::watch(int file) {
   const auto snapshot = FileSnapshot::of(file);
   if (!snapshot)
     return nullptr;
-  const std::uint32_t mask = snapshot->isFolder() ? OfFolder : OfFile;
-  const int watch = calls_.addWatch(instance_, linkOf(file).constData(), mask | IN_MASK_ADD);
-  if (watch < 0)
-    return nullptr;
-  auto inode = inodeOfWatch(watch, *snapshot);
-  if (!inode->firstRegistration)
-    inode->last = *snapshot; // it may have been the folder of others
-  inode->deleted = false;
-  if (!inode->folder && snapshot->names > 0 && !setName(inode, pathOf(file))) {
-    inode.reset();
-    errno = ENOSPC;
-  }
-  return inode;
-}
-
-std::shared_ptr<Inode> InodeTable::inodeOfWatch(int watch, const FileSnapshot& snapshot) {
-  auto& known = byWatch_[watch];
-  auto inode = known.lock();
-  if (!inode) {
-    inode.reset(new Inode, [this](Inode* unused) {
-      end(*unused);
-      delete unused;
-    });
-    inode->watch = watch;
-    inode->last = snapshot;
-    known = inode;
-  }
-  return inode;
-}
-
-// False where the kernel refuses the watch on the folder for want of room.
-bool InodeTable::setName(const std::shared_ptr<Inode>& inode, const QByteArray& path) {
-  const auto slash = path.lastIndexOf('/');
-  if (slash < 0 || path.size() == 1)
-    return true;
-  const QByteArray folderPath = slash == 0 ? QByteArray("/") : path.left(slash);
-  const auto snapshot = FileSnapshot::of(folderPath);
-  if (!snapshot)
-    return true;
-  const int watch =
-      calls_.addWatch(instance_, folderPath.constData(), OfFolderOfName | IN_MASK_ADD);
-  if (watch < 0 && errno == ENOSPC)
-    return false;
+  const QByteArray path = snapshot->names > 0 ? pathOf(file) : QByteArray();
   std::shared_ptr<Inode> folder;
-  if (watch >= 0) {
-    folder = inodeOfWatch(watch, *snapshot);
-  } else { // it may be entered, not read: files in it can be looked at all the same
-    folder = std::make_shared<Inode>();
-    folder->last = *snapshot;
+  if (path.size() > 1) {
+    errno = 0;
+    folder = folderAt(folderOf(path));
+    if (!folder && (errno == ENOSPC || errno == ENOMEM))
+      return nullptr;
   }
-  if (folder == inode)
-    return true;
-  folder->path = folderPath;
-  setName(*inode, folder, path.mid(slash + 1));
-  return true;
+  const int watch = watchFile(linkOf(file).constData(), *snapshot, 0);
+  if (watch < 0) {
+    const int error = errno;
+    folder.reset();
+    errno = error;
+    return nullptr;
+  }
+  return inodeOfFile(watch, *snapshot, folder, folder ? nameOf(path) : QByteArray());
+}
+
+int InodeTable::watchFile(const char* path, const FileSnapshot& snapshot, std::uint32_t how) const {
+  const std::uint32_t mask = snapshot.isFolder() ? OfFolder : OfFile;
+  return calls_.addWatch(instance_, path, mask | how | IN_MASK_ADD);
+}
+
+// Null where there is none, with errno where the kernel refuses its watch.
+std::shared_ptr<Inode> InodeTable::folderAt(const QByteArray& path) {
+  const auto snapshot = FileSnapshot::of(path);
+  if (!snapshot)
+    return nullptr;
+  Inode* known = folders_.value(path);
+  if (known && known->last.isSameFile(*snapshot))
+    return known->shared_from_this();
+  const int watch = calls_.addWatch(instance_, path.constData(), OfFolderOfName | IN_MASK_ADD);
+  // What may be entered but not read gets none: files in it can be looked at all the same.
+  if (watch < 0 && errno != EACCES)
+    return nullptr;
+  known = firstOfWatch(watch);
+  auto folder = known ? known->shared_from_this() : newInode(watch, *snapshot);
+  setPath(*folder, path);
+  return folder;
+}
+
+std::shared_ptr<Inode> InodeTable::inodeOfFile(int watch, const FileSnapshot& snapshot,
+                                               const std::shared_ptr<Inode>& folder,
+                                               const QByteArray& name) {
+  Inode* found = nullptr;
+  for (auto* each = firstOfWatch(watch); each; each = each->nextOfWatch) {
+    if (snapshot.isFolder() || (each->folder == folder && each->name == name)) {
+      found = each;
+      break;
+    }
+    if (each->name.isEmpty() && !each->deleted)
+      found = each;
+  }
+  auto inode = found ? found->shared_from_this() : newInode(watch, snapshot);
+  if (!inode->firstRegistration)
+    inode->last = snapshot; // it may have been the folder of others
+  inode->deleted = false;
+  if (inode->name.isEmpty() && folder && folder != inode)
+    setName(*inode, folder, name);
+  return inode;
+}
+
+std::shared_ptr<Inode> InodeTable::newInode(int watch, const FileSnapshot& snapshot) {
+  auto inode = std::make_shared<Inode>(*this);
+  inode->last = snapshot;
+  inode->watch = watch;
+  if (watch < 0)
+    return inode;
+  Inode** link = &byWatch_[watch];
+  while (*link)
+    link = &(*link)->nextOfWatch;
+  *link = inode.get();
+  return inode;
+}
+
+Inode* InodeTable::firstOfWatch(int watch) const {
+  const auto found = byWatch_.find(watch);
+  return found == byWatch_.end() ? nullptr : found->second;
+}
+
+std::vector<Inode*> InodeTable::named(const Inode& folder, const QByteArray& name) const {
+  const auto [begin, end] = byName_.equal_range(Name{&folder, name});
+  return {begin, end};
+}
+
+void InodeTable::forgetWatch(int watch) {
+  for (auto* each = firstOfWatch(watch); each; each = std::exchange(each->nextOfWatch, nullptr))
+    each->watch = -1;
+  byWatch_.erase(watch);
 }
 
 void InodeTable::setName(Inode& inode, const std::shared_ptr<Inode>& folder,
@@ -120,240 +163,72 @@ void InodeTable::setName(Inode& inode, const std::shared_ptr<Inode>& folder,
   forgetName(inode);
   inode.folder = folder;
   inode.name = name;
-  folder->entries[name] = &inode;
+  byName_.insert(&inode);
+}
+
+void InodeTable::setName(Inode& inode, const QByteArray& path) {
+  if (const auto folder = folderAt(folderOf(path)))
+    setName(inode, folder, nameOf(path));
+  if (inode.last.isFolder())
+    setPath(inode, path);
 }
 
 void InodeTable::forgetName(Inode& inode) {
-  if (!inode.folder)
+  if (inode.name.isEmpty())
     return;
-  const auto found = inode.folder->entries.find(inode.name);
-  if (found != inode.folder->entries.end() && *found == &inode)
-    inode.folder->entries.erase(found);
+  auto [each, end] = byName_.equal_range(&inode);
+  while (each != end && *each != &inode)
+    ++each;
+  if (each != end)
+    byName_.erase(each);
   inode.name.clear();
+}
+
+void InodeTable::forgetPlace(Inode& inode) {
+  forgetName(inode);
   inode.folder.reset();
 }
 
+void InodeTable::setPath(Inode& folder, const QByteArray& path) {
+  const auto old = folders_.constFind(folder.path);
+  if (old != folders_.constEnd() && *old == &folder)
+    folders_.erase(old);
+  folder.path = path;
+  if (!path.isEmpty())
+    folders_.insert(path, &folder);
+}
+
 void InodeTable::end(Inode& inode) {
-  forgetName(inode);
-  std::erase(noted_, &inode);
+  forgetPlace(inode);
+  if (!inode.path.isEmpty())
+    setPath(inode, {});
+  if (inode.seen != 0)
+    std::erase(noted_, &inode);
   if (inode.watch < 0)
     return;
-  byWatch_.erase(inode.watch);
+  const auto found = byWatch_.find(inode.watch);
+  Inode** link = &found->second;
+  while (*link != &inode)
+    link = &(*link)->nextOfWatch;
+  *link = inode.nextOfWatch;
+  if (found->second)
+    return;
+  byWatch_.erase(found);
   ::inotify_rm_watch(instance_, inode.watch);
 }
 
 void InodeTable::note(Inode& inode, std::uint32_t what) {
-  if (!inode.firstRegistration)
+  if (!inode.firstRegistration || what == 0)
     return;
   if (inode.seen == 0)
     noted_.push_back(&inode);
   inode.seen |= what;
 }
 
-void InodeTable::note(const inotify_event& event) {
-  if (event.mask & IN_Q_OVERFLOW) {
-    for (const auto& [watch, known] : byWatch_)
-      if (const auto inode = known.lock())
-        note(*inode, SeenLoss);
-    return;
-  }
-  const auto found = byWatch_.find(event.wd);
-  const auto inode = found == byWatch_.end() ? nullptr : found->second.lock();
-  if (!inode)
-    return;
-  if (event.len > 0) {
-    noteEntry(*inode, event);
-    return;
-  }
-  std::uint32_t what = 0;
-  what |= when(event.mask & IN_MODIFY, SeenWritten);
-  what |= when(event.mask & IN_ATTRIB, SeenAttributes);
-  what |= when(event.mask & IN_MOVE_SELF, SeenRenamed);
-  what |= when(event.mask & IN_DELETE_SELF, SeenDeleted);
-  what |= when(event.mask & IN_UNMOUNT, SeenUnmounted);
-  if (what != 0)
-    note(*inode, what);
-  if (event.mask & (IN_MOVE_SELF | IN_DELETE_SELF | IN_UNMOUNT))
-    inode->path.clear();
-  if (event.mask & IN_IGNORED) {
-    byWatch_.erase(found);
-    inode->watch = -1;
-  }
-}
-
-void InodeTable::noteEntry(Inode& folder, const inotify_event& event) {
-  if (!(event.mask & (OfEntries | IN_CREATE)))
-    return; // the attributes of an entry
-  note(folder, SeenEntries);
-  if (event.mask & IN_ISDIR)
-    noteFolderMove(folder, event);
-
-  const QByteArray name(event.name);
-  const auto entry = folder.entries.find(name);
-  if (entry != folder.entries.end()) {
-    Inode& inode = **entry;
-    note(inode, SeenNameTouched);
-    FileSnapshot found;
-    // A note can be older than the name.
-    if (event.mask & IN_MOVED_FROM && look(inode, found) != Place::Same) {
-      entryMove_ = event.cookie;
-      movedEntry_.reset();
-      if (const auto known = byWatch_.find(inode.watch); known != byWatch_.end())
-        movedEntry_ = known->second;
-      movedFrom_ = inode.folder;
-      forgetName(inode);
-    }
-  }
-  if (event.mask & IN_MOVED_TO && event.cookie == entryMove_)
-    noteArrival(folder, name);
-}
-
-void InodeTable::noteArrival(Inode& folder, const QByteArray& name) {
-  const auto moved = movedEntry_.lock();
-  const auto known = byWatch_.find(folder.watch);
-  if (!moved || moved->folder || known == byWatch_.end())
-    return;
-  if (const auto replaced = folder.entries.find(name); replaced != folder.entries.end()) {
-    Inode& old = **replaced;
-    FileSnapshot found;
-    if (look(old, found) == Place::Same)
-      return; // the note is older than the name
-    note(old, SeenNameTaken);
-    forgetName(old);
-  }
-  setName(*moved, known->second.lock(), name);
-  movedEntry_.reset();
-  movedFrom_.reset();
-}
-
-// A subfolder that is renamed inside the folder leaves the number of subfolders as it was, unless
-// it takes the place of another; a look at the number tells.
-void InodeTable::noteFolderMove(Inode& folder, const inotify_event& event) {
-  const bool inside = event.mask & IN_MOVED_TO && folderMove_ == event.cookie &&
-                      movedOutOf_.lock().get() == &folder;
-  if (inside) {
-    movedOutOf_.reset();
-    return;
-  }
-  settleFolderMove();
-  if (event.mask & IN_MOVED_FROM) {
-    folderMove_ = event.cookie;
-    movedOutOf_ = byWatch_[event.wd];
-  } else {
-    note(folder, SeenSubfolders);
-  }
-}
-
-void InodeTable::settleFolderMove() {
-  if (const auto folder = movedOutOf_.lock())
-    note(*folder, SeenSubfolders);
-  movedOutOf_.reset();
-}
-
-void InodeTable::endBatch() {
-  settleFolderMove();
-}
-
-InodeTable::Place InodeTable::look(const Inode& inode, FileSnapshot& found) const {
-  if (!inode.folder || inode.folder->path.isEmpty())
-    return Place::Unknown;
-  const QByteArray& folder = inode.folder->path;
-  const auto there = FileSnapshot::of(folder == "/" ? QByteArray(folder + inode.name)
-                                                    : QByteArray(folder + '/' + inode.name));
-  if (there && there->isSameFile(inode.last)) {
-    found = *there;
-    return Place::Same;
-  }
-  // A folder further up may have been renamed.
-  const auto its = FileSnapshot::of(folder);
-  return its && its->isSameFile(inode.folder->last) ? Place::Gone : Place::Unknown;
-}
-
-std::uint32_t InodeTable::evaluate(Inode& inode, const std::function<void()>& readMore) {
-  FileSnapshot found;
-  Place place = Place::Unknown;
-  if (inode.seen & SeenNameTaken) {
-    place = Place::Gone;
-  } else if (!(inode.seen & (SeenDeleted | SeenUnmounted)) && !inode.deleted) {
-    place = look(inode, found);
-    // Gone may mean a rename whose event is on its way, Unknown a deletion.
-    if (place == Place::Gone || (place == Place::Unknown && inode.seen & SeenAttributes)) {
-      readMore();
-      place = look(inode, found);
-    }
-  }
-  const std::uint32_t seen = std::exchange(inode.seen, 0);
-
-  std::uint32_t flags = 0;
-  flags |= when(seen & (SeenWritten | SeenEntries), VnodeWrite);
-  flags |= when(seen & SeenSubfolders, VnodeLink);
-  flags |= when(seen & SeenRenamed, VnodeRename);
-  flags |= when(seen & SeenUnmounted, VnodeRevoke);
-  if (seen & SeenDeleted && !inode.deleted) {
-    inode.deleted = true;
-    forgetName(inode);
-    return flags | VnodeDelete;
-  }
-  if (inode.deleted || seen & SeenUnmounted)
-    return flags;
-  switch (place) {
-  case Place::Same:
-    return flags | evaluateFound(inode, seen, found);
-  case Place::Gone:
-    return flags | evaluateGone(inode, seen);
-  case Place::Unknown:
-    break;
-  }
-  return flags | when(seen & SeenAttributes, VnodeAttrib);
-}
-
-std::uint32_t InodeTable::evaluateFound(Inode& inode, std::uint32_t seen,
-                                        const FileSnapshot& found) {
-  const FileSnapshot last = std::exchange(inode.last, found);
-  if (found.names == 0) {
-    inode.deleted = true;
-    return VnodeDelete;
-  }
-  const bool otherNames = found.names != last.names;
-  const bool otherContents = found.hasOtherContents(last);
-  std::uint32_t flags = 0;
-  if (otherNames && seen & (SeenAttributes | SeenEntries | SeenLoss))
-    flags |= VnodeLink;
-  if (found.isRegularFile() && found.size > last.size && seen & (SeenWritten | SeenLoss))
-    flags |= VnodeExtend;
-  if (seen & SeenAttributes &&
-      (!otherNames || found.hasOtherOwnersOrMode(last) || (otherContents && !(seen & SeenWritten))))
-    flags |= VnodeAttrib;
-  if (seen & SeenLoss) {
-    flags |= when(otherContents, VnodeWrite);
-    const bool stateOnly = found.stateChanged != last.stateChanged && !otherContents && !otherNames;
-    flags |= when(stateOnly || found.hasOtherOwnersOrMode(last), VnodeAttrib);
-  }
-  return flags;
-}
-
-std::uint32_t InodeTable::evaluateGone(Inode& inode, std::uint32_t seen) {
-  forgetName(inode);
-  std::uint32_t flags = VnodeDelete;
-  // Where events were lost nobody can tell a removal from a rename.
-  if (seen & SeenLoss)
-    return flags | VnodeRename;
-  if (!inode.last.isFolder() && inode.last.names > 1) {
-    --inode.last.names;
-    return flags | VnodeLink;
-  }
-  inode.deleted = true;
-  return flags;
-}
-
-std::uint32_t InodeTable::compareContents(Inode& inode) {
-  FileSnapshot found;
-  if (inode.deleted || !inode.last.isRegularFile() || look(inode, found) != Place::Same ||
-      !found.hasOtherContents(inode.last))
-    return 0;
-  const bool grown = found.size > inode.last.size;
-  inode.last = found;
-  return grown ? VnodeWrite | VnodeExtend : VnodeWrite;
+void InodeTable::noteLoss() {
+  for (const auto& [watch, first] : byWatch_)
+    for (auto* each = first; each; each = each->nextOfWatch)
+      note(*each, SeenLoss);
 }
 
 } // namespace zq::platform

@@ -2,12 +2,12 @@
 
 #include "zqticker/platform/system/inotify_limits_p.h"
 
+#include "zqticker/platform/system/inotify_limits_p.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
 #include <ctime>
-#include <fcntl.h>
-#include <limits>
 #include <poll.h>
 #include <sys/eventfd.h>
 #include <sys/inotify.h>
@@ -21,8 +21,10 @@ namespace {
 constexpr int FirstDescriptor = 0x0100'0000;
 constexpr int LargestRead = 64 * 1024;
 constexpr int MostReadsInARow = 16;
-// Files looked at before the lock is given free.
-constexpr int FilesAtATime = 64;
+// Files looked at before the lock is given free and events are taken.
+constexpr int FilesAtATime = 16;
+constexpr std::size_t LeastFilesOfARound = 64;
+constexpr std::chrono::seconds TimeBetweenRounds(5);
 // The part of the time that may be spent on looking at files.
 constexpr int LookingPart = 100;
 
@@ -35,12 +37,17 @@ int fail(int error) {
 
 Ref<InotifyEventQueue> InotifyEventQueue::make(InotifyCalls calls) {
   const int instance = calls.makeInstance(IN_NONBLOCK | IN_CLOEXEC);
-  if (instance < 0)
+  if (instance < 0) {
+    const int error = errno;
+    logInotifyLimit(error);
+    errno = error;
     return nullptr;
+  }
   const int wakeUp = calls.makeWakeUp(0, EFD_NONBLOCK | EFD_CLOEXEC);
   if (wakeUp < 0) {
     const int error = errno;
     ::close(instance);
+    logInotifyLimit(error);
     errno = error;
     return nullptr;
   }
@@ -48,8 +55,10 @@ Ref<InotifyEventQueue> InotifyEventQueue::make(InotifyCalls calls) {
 }
 
 InotifyEventQueue::InotifyEventQueue(int instance, int wakeUp, InotifyCalls calls)
-    : instance_(instance), wakeUp_(wakeUp), inodes_(instance, calls),
-      nextDescriptor_(FirstDescriptor) {}
+    : calls_(calls), instance_(instance), wakeUp_(wakeUp), inodes_(instance, calls),
+      notes_(inodes_), changes_(inodes_), nextDescriptor_(FirstDescriptor) {
+  round_.begin = calls_.now();
+}
 
 InotifyEventQueue::~InotifyEventQueue() {
   if (!closed_)
@@ -64,26 +73,25 @@ int InotifyEventQueue::descriptor() const {
 int InotifyEventQueue::openForEvents(const QByteArray& path) {
   if (path.contains('\0'))
     return fail(ENOENT);
-  const int file = ::open(path.constData(), O_PATH | O_CLOEXEC);
-  if (file < 0)
-    return -1;
-  int descriptor = -1;
-  int error = EBADF;
   {
     const std::lock_guard lock(mutex_);
-    if (!closed_) {
-      auto inode = inodes_.watch(file);
-      error = errno;
-      if (inode)
-        descriptor = startRegistration(std::move(inode));
-      else if (error == ENOSPC)
-        reportLimit();
-    }
+    if (auto inode = closed_ ? nullptr : inodes_.watchInKnownFolder(path))
+      return startRegistration(std::move(inode));
   }
+  const int file = calls_.openPath(path.constData());
+  int error = errno;
+  const std::lock_guard lock(mutex_);
+  if (file < 0) {
+    reportLimit(error);
+    return fail(error);
+  }
+  auto inode = closed_ ? nullptr : inodes_.watch(file);
+  error = closed_ ? EBADF : errno;
   ::close(file);
-  if (descriptor < 0)
-    errno = error;
-  return descriptor;
+  if (inode)
+    return startRegistration(std::move(inode));
+  reportLimit(error);
+  return fail(error);
 }
 
 int InotifyEventQueue::startRegistration(std::shared_ptr<Inode> inode) {
@@ -105,9 +113,9 @@ void InotifyEventQueue::endRegistration(std::map<int, Registration>::iterator fo
   registrations_.erase(found);
 }
 
-void InotifyEventQueue::reportLimit() {
-  if (!std::exchange(limitReported_, true))
-    logInotifyLimit(ENOSPC);
+void InotifyEventQueue::reportLimit(int error) {
+  if (!limitReported_)
+    limitReported_ = logInotifyLimit(error);
 }
 
 int InotifyEventQueue::add(int descriptor, std::uint32_t mask, const QString& userData) {
@@ -154,7 +162,6 @@ void InotifyEventQueue::closeEverything() {
   while (!registrations_.empty())
     endRegistration(registrations_.begin());
   pending_.clear();
-  inodes_.end();
   ::close(wakeUp_);
   ::close(instance_);
 }
@@ -167,7 +174,7 @@ InotifyEventQueue::wait(std::chrono::nanoseconds timeout) {
       return Stopped();
     ++waiters_;
   }
-  auto answer = waitUntil(Clock::now(), timeout);
+  auto answer = waitUntil(calls_.now(), timeout);
   const std::lock_guard lock(mutex_);
   if (--waiters_ == 0 && closed_)
     closeEverything();
@@ -177,24 +184,31 @@ InotifyEventQueue::wait(std::chrono::nanoseconds timeout) {
 std::variant<KernelEvent, KernelEventQueue::TimedOut, KernelEventQueue::Stopped>
 InotifyEventQueue::waitUntil(Clock::time_point begin, std::chrono::nanoseconds timeout) {
   KernelEvent event;
+  // A round is due by time as well: events may come so fast that no wait ever times out.
+  bool timedOut = false;
+  if (begin - round_.begin >= TimeBetweenRounds)
+    beginRound();
   for (;;) {
     if (stopped_)
       return Stopped();
+    const bool looking = !round_.isOver();
+    if (looking)
+      lookAtSome();
     {
       const std::lock_guard lock(mutex_);
       collect();
       if (takePending(event))
         return event;
     }
-    if (!sleep(begin, timeout))
-      break;
+    if (looking)
+      continue;
+    if (timedOut)
+      return TimedOut();
+    if (!sleep(begin, timeout)) {
+      timedOut = true;
+      beginRound();
+    }
   }
-  lookAround((Clock::now() - begin) / LookingPart);
-  const std::lock_guard lock(mutex_);
-  collect();
-  if (takePending(event))
-    return event;
-  return TimedOut();
 }
 
 // Whether something came before the time was over.
@@ -202,7 +216,7 @@ bool InotifyEventQueue::sleep(Clock::time_point begin, std::chrono::nanoseconds 
   std::array<pollfd, 2> watched = {{{instance_, POLLIN, 0}, {wakeUp_, POLLIN, 0}}};
   timespec left{};
   if (timeout >= timeout.zero()) {
-    const auto rest = std::max(timeout - (Clock::now() - begin), timeout.zero());
+    const auto rest = std::max(timeout - (calls_.now() - begin), timeout.zero());
     left.tv_sec = time_t(rest.count() / 1'000'000'000);
     left.tv_nsec = long(rest.count() % 1'000'000'000);
   }
@@ -221,11 +235,11 @@ void InotifyEventQueue::readEvents() {
       break;
     for (const char* at = buffer.data(); at < buffer.data() + length;) {
       const auto& event = *reinterpret_cast<const inotify_event*>(at);
-      inodes_.note(event);
+      notes_.note(event);
       at += sizeof(inotify_event) + event.len;
     }
   }
-  inodes_.endBatch();
+  notes_.endBatch();
 }
 
 void InotifyEventQueue::collect() {
@@ -234,7 +248,7 @@ void InotifyEventQueue::collect() {
   // Reading more while one is evaluated can lengthen the list.
   for (std::size_t i = 0; i < noted.size(); ++i) {
     Inode& inode = *noted[i];
-    deliver(inode, inodes_.evaluate(inode, [this] { readEvents(); }));
+    deliver(inode, changes_.evaluate(inode, [this] { readEvents(); }));
   }
   noted.clear();
 }
@@ -264,28 +278,30 @@ bool InotifyEventQueue::takePending(KernelEvent& event) {
   return false;
 }
 
-// Goes on where the last round has ended.
-void InotifyEventQueue::lookAround(Clock::duration budget) {
-  const auto end = Clock::now() + budget;
-  std::size_t left = std::numeric_limits<std::size_t>::max();
-  while (lookAtSome(left) && !stopped_ && Clock::now() < end) {
-  }
+void InotifyEventQueue::beginRound() {
+  const auto now = calls_.now();
+  const std::lock_guard lock(mutex_);
+  round_.budget = std::min<Clock::duration>(now - round_.begin, TimeBetweenRounds) / LookingPart;
+  round_.begin = now;
+  round_.left = registrations_.size();
+  round_.least = LeastFilesOfARound;
 }
 
-// Whether some are left of the round.
-bool InotifyEventQueue::lookAtSome(std::size_t& left) {
+void InotifyEventQueue::lookAtSome() {
+  const auto begin = calls_.now();
   const std::lock_guard lock(mutex_);
-  left = std::min(left, registrations_.size());
-  auto at = registrations_.upper_bound(lastLookedAt_);
-  for (int i = 0; i < FilesAtATime && left > 0; ++i, --left, ++at) {
+  round_.left = std::min(round_.left, registrations_.size());
+  auto at = registrations_.upper_bound(round_.lastLookedAt);
+  for (int i = 0; i < FilesAtATime && round_.left > 0; ++i, ++at) {
     if (at == registrations_.end())
       at = registrations_.begin();
-    lastLookedAt_ = at->first;
-    Inode& inode = *at->second.inode;
-    if (const std::uint32_t flags = inodes_.compareContents(inode))
-      deliver(inode, flags);
+    round_.lastLookedAt = at->first;
+    --round_.left;
+    round_.least -= round_.least > 0 ? 1 : 0;
+    if (at->second.mask & (VnodeWrite | VnodeExtend))
+      deliver(*at->second.inode, changes_.compareContents(*at->second.inode));
   }
-  return left > 0;
+  round_.budget -= calls_.now() - begin;
 }
 
 } // namespace zq::platform

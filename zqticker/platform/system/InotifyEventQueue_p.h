@@ -1,7 +1,8 @@
 // The event queue on inotify.
 #pragma once
 
-#include "zqticker/platform/system/InodeTable_p.h"
+#include "zqticker/platform/system/InodeChanges_p.h"
+#include "zqticker/platform/system/InotifyNotes_p.h"
 #include "zqticker/platform/system/KernelEventQueue.h"
 
 #include <atomic>
@@ -42,9 +43,20 @@ class InotifyEventQueue final : public KernelEventQueue {
  private:
   using Clock = std::chrono::steady_clock;
 
+  // A look at files for what causes no event. Goes on where the last one has ended.
+  struct Round {
+    Clock::time_point begin;
+    std::size_t left = 0;  // registrations not looked at
+    std::size_t least = 0; // looked at whatever the time
+    Clock::duration budget{};
+    int lastLookedAt = 0;
+
+    bool isOver() const { return left == 0 || (least == 0 && budget <= budget.zero()); }
+  };
+
   int startRegistration(std::shared_ptr<Inode> inode);
   void endRegistration(std::map<int, Registration>::iterator found);
-  void reportLimit();
+  void reportLimit(int error);
   std::variant<KernelEvent, TimedOut, Stopped> waitUntil(Clock::time_point begin,
                                                          std::chrono::nanoseconds timeout);
   bool sleep(Clock::time_point begin, std::chrono::nanoseconds timeout);
@@ -52,10 +64,11 @@ class InotifyEventQueue final : public KernelEventQueue {
   void collect();
   void deliver(Inode& inode, std::uint32_t flags);
   bool takePending(KernelEvent& event);
-  void lookAround(Clock::duration budget);
-  bool lookAtSome(std::size_t& left);
+  void beginRound();
+  void lookAtSome();
   void closeEverything();
 
+  const InotifyCalls calls_;
   mutable std::mutex mutex_;
   std::atomic<bool> stopped_ = false;
   // Constant while a wait runs.
@@ -66,10 +79,12 @@ class InotifyEventQueue final : public KernelEventQueue {
   int waiters_ = 0;
   bool limitReported_ = false;
   InodeTable inodes_;
+  InotifyNotes notes_;
+  InodeChanges changes_;
   std::map<int, Registration> registrations_;
   int nextDescriptor_;
   std::deque<int> pending_; // in the order in which they became so; ended ones among them
-  int lastLookedAt_ = 0;
+  Round round_;
 };
 
 } // namespace zq::platform

@@ -35,7 +35,7 @@ struct KernelEvent {
 // Thread: any; one thread at a time waits.
 class ZQTICKER_EXPORT KernelEventQueue {
  public:
-  // A queue, or null where the kernel gives none.
+  // A queue, or null with errno where the kernel gives none; a limit that is the reason is logged.
   static Ref<KernelEventQueue> make();
 
   virtual ~KernelEventQueue();
@@ -48,7 +48,12 @@ class ZQTICKER_EXPORT KernelEventQueue {
   // A descriptor of what is at `path`, for events only: it can be passed to this queue's functions
   // alone, does not count as an open file and holds back neither a deletion nor an unmounting.
   // Symbolic links are followed. Never blocks on what is there. -1 with errno where nothing can be
-  // watched at `path`.
+  // watched at `path`; where one of the kernel's limits is the reason, the first time is logged.
+  //
+  // What moves is followed into folders in which something is watched, and into those nearby: the
+  // one it has left, the one above, and the folders within both. Anywhere else it cannot be looked
+  // at: growth is then not told, a change of attributes or of names is told as VnodeLink, and its
+  // removal when nobody holds it open any more.
   virtual int openForEvents(const QByteArray& path) = 0;
 
   // Asks for the events in `mask`, VnodeEvent values, from now on. A second call for a descriptor
@@ -62,8 +67,13 @@ class ZQTICKER_EXPORT KernelEventQueue {
   struct Stopped {};
 
   // Takes the first pending event; waits for one where none is pending, without an end when
-  // `timeout` is negative. Before it answers TimedOut it looks at sizes and times of watched files
-  // as well, for at most a hundredth of the time: stores through a memory map cause no event.
+  // `timeout` is negative. Where the kernel has lost events, what has changed is told all the same;
+  // what is gone then is told as deleted and renamed, unless it is found nearby.
+  //
+  // Stores through a memory map cause no event: before it answers TimedOut, and every 5 seconds
+  // while events keep coming, it looks at the sizes and times of watched files for at most a
+  // hundredth of the time (that is 50 ms, about 40,000 files), at 64 files whatever the time. With
+  // more files each round goes on where the last one has ended.
   virtual std::variant<KernelEvent, TimedOut, Stopped> wait(std::chrono::nanoseconds timeout) = 0;
 
   // Makes every wait, running or later, answer Stopped.

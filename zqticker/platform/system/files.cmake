@@ -18,8 +18,12 @@ set(system_PRIVATE_HEADERS
     HTTPCacheEntry_p.h
     HTTPCacheLoad_p.h
     HTTPCacheStore_p.h
+    InodeChanges_p.h
     InodeTable_p.h
+    Inode_p.h
+    InotifyCalls_p.h
     InotifyEventQueue_p.h
+    InotifyNotes_p.h
     LoadingThread_p.h
     SubscribedFolders_p.h
     SubscriptionLoop_p.h
@@ -32,6 +36,7 @@ set(system_PRIVATE_HEADERS
     http_field_lists_p.h
     http_fields_p.h
     http_freshness_p.h
+    nearby_search_p.h
     inotify_limits_p.h
     redirects_p.h
     user_agent_p.h)
@@ -45,8 +50,12 @@ set(system_SOURCES
     HTTPCacheEntry.cpp
     HTTPCacheLoad.cpp
     HTTPCacheStore.cpp
+    Inode.cpp
+    InodeChanges.cpp
     InodeTable.cpp
+    InotifyCalls.cpp
     InotifyEventQueue.cpp
+    InotifyNotes.cpp
     KernelEventQueue.cpp
     LoadingThread.cpp
     Notification.cpp
@@ -67,6 +76,7 @@ set(system_SOURCES
     http_field_lists.cpp
     http_fields.cpp
     http_freshness.cpp
+    nearby_search.cpp
     inotify_limits.cpp
     redirects.cpp
     url_errors.cpp
