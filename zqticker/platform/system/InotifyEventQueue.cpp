@@ -37,17 +37,12 @@ int fail(int error) {
 
 Ref<InotifyEventQueue> InotifyEventQueue::make(InotifyCalls calls) {
   const int instance = calls.makeInstance(IN_NONBLOCK | IN_CLOEXEC);
-  if (instance < 0) {
-    const int error = errno;
-    logInotifyLimit(error);
-    errno = error;
+  if (instance < 0)
     return nullptr;
-  }
   const int wakeUp = calls.makeWakeUp(0, EFD_NONBLOCK | EFD_CLOEXEC);
   if (wakeUp < 0) {
     const int error = errno;
     ::close(instance);
-    logInotifyLimit(error);
     errno = error;
     return nullptr;
   }

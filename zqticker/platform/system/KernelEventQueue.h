@@ -35,7 +35,7 @@ struct KernelEvent {
 // Thread: any; one thread at a time waits.
 class ZQTICKER_EXPORT KernelEventQueue {
  public:
-  // A queue, or null with errno where the kernel gives none; a limit that is the reason is logged.
+  // A queue, or null with errno where the kernel gives none; nothing is logged.
   static Ref<KernelEventQueue> make();
 
   virtual ~KernelEventQueue();
