@@ -15,11 +15,9 @@ std::optional<ShadowPixels> ShadowCache::find(const QByteArray& key) {
 }
 
 void ShadowCache::insert(const QByteArray& key, const ShadowPixels& pixels) {
-  // A deep copy: the key given may be a buffer that is used again.
-  const QByteArray kept(key.constData(), key.size());
   const QMutexLocker lock(&mutex_);
-  shadows_.insert(kept, new ShadowPixels(pixels),
-                  kept.size() + qsizetype(sizeof(ShadowPixels)) + pixels.image.sizeInBytes());
+  shadows_.insert(key, new ShadowPixels(pixels),
+                  key.size() + qsizetype(sizeof(ShadowPixels)) + pixels.image.sizeInBytes());
   ++insertions_;
 }
 
