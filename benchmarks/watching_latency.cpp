@@ -1,6 +1,7 @@
 #include "benchmarks/watching_work.h"
 
 #include <fcntl.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -19,8 +20,7 @@ namespace {
 // Time from a change to its report, over 16 files or folders in turn.
 class LatencyWork : public Work {
  public:
-  LatencyWork(const std::string& candidate, const std::string& folder, bool pauses = true)
-      : Work(candidate, folder), pauses_(pauses) {}
+  using Work::Work;
 
   bool begin() override {
     for (int i = 0; i < Targets; ++i) {
@@ -37,8 +37,7 @@ class LatencyWork : public Work {
       const auto end = Clock::now() + 250ms;
       for (int i = 0; i < 100 && Clock::now() < end; ++i) {
         // Nobody is busy when the change comes, and nothing comes at regular times.
-        if (pauses_)
-          std::this_thread::sleep_for(std::chrono::microseconds(pause_(random_)));
+        std::this_thread::sleep_for(std::chrono::microseconds(pause_(random_)));
         if (const auto time = timeOfOne())
           figures["s"].push_back(*time);
         else
@@ -82,7 +81,6 @@ class LatencyWork : public Work {
     changed_.notify_one();
   }
 
-  const bool pauses_;
   int count_ = 0;
   std::minstd_rand random_{1};
   std::uniform_int_distribution<int> pause_{100, 400};
@@ -124,14 +122,25 @@ class AddFileWork final : public LatencyWork {
   }
 };
 
+// For this process, its threads and programs that it starts.
+void useOneProcessor() {
+  cpu_set_t processors;
+  CPU_ZERO(&processors);
+  CPU_SET(::sched_getcpu(), &processors);
+  if (::sched_setaffinity(0, sizeof processors, &processors) != 0)
+    std::perror("sched_setaffinity");
+}
+
 } // namespace
 
 std::unique_ptr<Work> makeLatencyWork(const std::string& name, const std::string& candidate,
                                       const std::string& folder) {
   if (name == "Write")
     return std::make_unique<WriteWork>(candidate, folder);
-  if (name == "WriteAtOnce")
-    return std::make_unique<WriteWork>(candidate, folder, false);
+  if (name == "WriteOneProcessor") {
+    useOneProcessor();
+    return std::make_unique<WriteWork>(candidate, folder);
+  }
   if (name == "AddFile")
     return std::make_unique<AddFileWork>(candidate, folder);
   return nullptr;
