@@ -120,8 +120,6 @@ std::optional<QByteArray> TailFile::bytesAt(qint64 place, qint64 count) const {
 }
 
 bool TailFile::isAnotherText() const {
-  if (size() < place_)
-    return true;
   const std::optional<QByteArray> found = bytesAt(place_ - passed_.size(), passed_.size());
   return found && *found != passed_;
 }

@@ -24,7 +24,7 @@ TailFollower::TailFollower(const QString& path, const LineSplitter::Receiver& re
                            }),
       isFull_(std::move(isFull)) {
   slice_.setSingleShot(true);
-  connect(&slice_, &QTimer::timeout, this, &TailFollower::look);
+  connect(&slice_, &QTimer::timeout, this, &TailFollower::readSlice);
 }
 
 TailFollower::~TailFollower() = default;
@@ -42,6 +42,11 @@ void TailFollower::tellProblem() {
 }
 
 void TailFollower::look() {
+  if (!slice_.isActive())
+    readSlice();
+}
+
+void TailFollower::readSlice() {
   hasGiven_ = false;
   if (reader_.readSome())
     slice_.start(isFull_ && isFull_() ? Pause : 0ms);

@@ -33,13 +33,16 @@ class TailFollower : public QObject {
   // Tells it, where it has not been told.
   void tellProblem();
 
-  // Reads what has been appended. Tells a problem, but not that the file is missing.
+  // Reads what has been appended, unless it is about to do so. Tells a problem, but not that the
+  // file is missing.
   void look();
 
   // Lines were given out by `look`.
   Q_SIGNAL void received();
 
  private:
+  void readSlice();
+
   QString path_;
   TailReader reader_;
   std::function<bool()> isFull_;

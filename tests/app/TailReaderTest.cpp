@@ -142,8 +142,9 @@ TEST_F(Tail, GoesOnWithARenamedFileUntilTheNewOneIsWrittenTo) {
   QFile next(log.path());
   ASSERT_TRUE(next.open(QIODevice::WriteOnly));
   EXPECT_EQ(append("three\n"), "three|") << "the writer has not been told yet";
-  log.open();
   EXPECT_EQ(append("four\n"), "four|");
+  log.open();
+  EXPECT_EQ(append("five\n"), "five|");
 }
 
 TEST_F(Tail, KnowsAFileAgainThatGetsItsNameBack) {
@@ -232,6 +233,15 @@ TEST_F(Tail, SeesThatAFileWasEmptiedAlthoughItIsAsLongAgain) {
   EXPECT_EQ(append("two\n"), "two|");
 }
 
+TEST_F(Tail, SeesThatAFileWasEmptiedAlthoughItsLastLineIsTheSame) {
+  log.write("one\n");
+  start();
+  given();
+  EXPECT_EQ(append("two\n"), "two|");
+  log.copyAndEmpty();
+  EXPECT_EQ(append("six\ntwo\n"), "six|two|");
+}
+
 TEST_F(Tail, EndsTheLastLineOfAFileThatIsEmptied) {
   log.write("one\n");
   start();
@@ -306,7 +316,7 @@ TEST_F(Tail, DoesNotSeeZeroBytes) {
   QFile other(log.path());
   ASSERT_TRUE(other.open(QIODevice::ReadWrite) && other.resize(0));
   EXPECT_EQ(read(), "");
-  ASSERT_TRUE(other.seek(200'000) && other.write("two\n") == 4 && other.flush());
+  ASSERT_TRUE(other.seek(4'000'000) && other.write("two\n") == 4 && other.flush());
   EXPECT_EQ(read(), "two|");
   EXPECT_EQ(append(QByteArray("th\0ree\n", 7)), "three|");
 }
@@ -369,6 +379,8 @@ TEST_F(Tail, PassesOverWhatIsTooFarBack) {
   start({LongestLine, 100});
   given();
   EXPECT_EQ(append("two\n" + QByteArray(100, 'x') + "\nthree\n"), "three|");
+  EXPECT_EQ(append("unended"), "");
+  EXPECT_EQ(append("\n" + QByteArray(100, 'x') + "\nfour\n"), "four|");
   EXPECT_EQ(append(QByteArray(50, 'y') + "\nfour\n"), std::string(50, 'y') + "|four|");
 }
 
