@@ -40,6 +40,21 @@ int refuseFolders(int instance, const char* path, std::uint32_t mask) {
   return ::inotify_add_watch(instance, path, mask);
 }
 
+// Another file takes the place of what is watched, just before or just after.
+QByteArray replacement;
+QByteArray replacedPath;
+bool isReplacedBefore = false;
+
+int addWatchWhileReplaced(int instance, const char* path, std::uint32_t mask) {
+  const bool meant = replacedPath == path;
+  if (meant && isReplacedBefore)
+    ::rename(replacement.constData(), path);
+  const int watch = ::inotify_add_watch(instance, path, mask);
+  if (meant && !isReplacedBefore)
+    ::rename(replacement.constData(), path);
+  return watch;
+}
+
 int refuseOpening(const char*) {
   errno = refusal;
   return -1;
@@ -255,6 +270,30 @@ TEST(KernelEventQueue, WatchesFilesInAFolderThatMayNotBeRead) {
   probe.unlink("a");
   EXPECT_EQ(probe.flags(), VnodeDelete);
   ::close(holder);
+}
+
+TEST(KernelEventQueue, WatchesTheFileThatTakesThePlaceOfAnotherMeanwhile) {
+  for (const bool before : {false, true}) {
+    QueueProbe probe;
+    InotifyCalls calls;
+    calls.addWatch = addWatchWhileReplaced;
+    probe.queue = InotifyEventQueue::make(calls);
+    probe.watch(probe.file("known"));
+    replacedPath = probe.file("a");
+    probe.link("a", "kept");
+    replacement = probe.file("new", "second");
+    isReplacedBefore = before;
+    probe.watch(replacedPath);
+    EXPECT_EQ(probe.flags(), 0U) << before;
+    probe.append("a", "more");
+    EXPECT_EQ(probe.flags(), VnodeWrite | VnodeExtend) << before;
+    probe.append("kept", "more");
+    EXPECT_EQ(probe.flags(), 0U) << before;
+    const int holder = ::open(replacedPath.constData(), O_RDONLY | O_CLOEXEC);
+    probe.unlink("a");
+    EXPECT_EQ(probe.flags(), VnodeDelete) << before;
+    ::close(holder);
+  }
 }
 
 TEST(KernelEventQueue, LetsNoBusyFileKeepOthersWaiting) {

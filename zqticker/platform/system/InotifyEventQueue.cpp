@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <ctime>
 #include <poll.h>
 #include <sys/eventfd.h>
@@ -20,6 +21,7 @@ namespace {
 // Far from the numbers of open files, which other calls would take for theirs.
 constexpr int FirstDescriptor = 0x0100'0000;
 constexpr int LargestRead = 64 * 1024;
+constexpr int LargestEvent = sizeof(inotify_event) + NAME_MAX + 1;
 constexpr int MostReadsInARow = 16;
 // Files looked at before the lock is given free and events are taken.
 constexpr int FilesAtATime = 16;
@@ -233,6 +235,8 @@ void InotifyEventQueue::readEvents() {
       notes_.note(event);
       at += sizeof(inotify_event) + event.len;
     }
+    if (length + LargestEvent <= LargestRead)
+      break; // there was room for one more
   }
   notes_.endBatch();
 }
