@@ -89,6 +89,76 @@ TEST(Color, ConvertsEverySpaceToRGB) {
             (std::vector<double>{0, 0, 0, 1}));
 }
 
+TEST(Color, IsMadeFromHueSaturationAndBrightness) {
+  const auto expectRGB = [](const Ref<Color>& color, double red, double green, double blue) {
+    EXPECT_EQ(color->space(), Color::Space::CalibratedRGB);
+    EXPECT_NEAR(color->redComponent(), red, 1e-15);
+    EXPECT_NEAR(color->greenComponent(), green, 1e-15);
+    EXPECT_NEAR(color->blueComponent(), blue, 1e-15);
+  };
+  // One colour of each sixth of the circle, by saturation 0.5 and brightness 0.8: the lowest
+  // channel is 0.4, the one that runs stands at a quarter of the way.
+  expectRGB(Color::calibratedHSB(0.25 / 6, 0.5, 0.8), 0.8, 0.5, 0.4);
+  expectRGB(Color::calibratedHSB(1.25 / 6, 0.5, 0.8), 0.7, 0.8, 0.4);
+  expectRGB(Color::calibratedHSB(2.25 / 6, 0.5, 0.8), 0.4, 0.8, 0.5);
+  expectRGB(Color::calibratedHSB(3.25 / 6, 0.5, 0.8), 0.4, 0.7, 0.8);
+  expectRGB(Color::calibratedHSB(4.25 / 6, 0.5, 0.8), 0.5, 0.4, 0.8);
+  expectRGB(Color::calibratedHSB(5.25 / 6, 0.5, 0.8), 0.8, 0.4, 0.7);
+  expectRGB(Color::calibratedHSB(1, 1, 1), 1, 0, 0);
+  expectRGB(Color::calibratedHSB(0.3, 0, 0.7), 0.7, 0.7, 0.7);
+}
+
+TEST(Color, LimitsHueSaturationAndBrightnessBeforeConverting) {
+  EXPECT_EQ(rgba(*Color::calibratedHSB(0, 0.5, 1.27, 2)), (std::vector<double>{1, 0.5, 0.5, 1}));
+  EXPECT_EQ(rgba(*Color::calibratedHSB(-1, 7, 0.5, -1)), (std::vector<double>{0.5, 0, 0, 0}));
+  EXPECT_EQ(rgba(*Color::calibratedHSB(std::nan(""), std::nan(""), std::nan(""))),
+            (std::vector<double>{0, 0, 0, 1}));
+}
+
+TEST(Color, TellsItsHueSaturationAndBrightness) {
+  for (int sixth = 0; sixth < 6; ++sixth)
+    for (const double part : {0.0, 0.25, 0.75}) {
+      const double hue = (sixth + part) / 6;
+      const Ref<Color> color = Color::calibratedHSB(hue, 0.5, 0.8);
+      EXPECT_NEAR(color->hueComponent(), hue, 1e-12);
+      EXPECT_NEAR(color->saturationComponent(), 0.5, 1e-12);
+      EXPECT_EQ(color->brightnessComponent(), 0.8);
+    }
+  const Ref<Color> gray = Color::deviceWhite(0.3);
+  EXPECT_EQ(gray->hueComponent(), 0);
+  EXPECT_EQ(gray->saturationComponent(), 0);
+  EXPECT_EQ(gray->brightnessComponent(), 0.3);
+  EXPECT_EQ(Color::deviceWhite(0)->saturationComponent(), 0);
+}
+
+TEST(Color, TakesAnotherAlphaInItsOwnSpace) {
+  for (const Ref<Color>& color : {Color::deviceRGB(0.25, 0.5, 0.75), Color::calibratedWhite(0.5),
+                                  Color::sRGB(1, 0, 0), Color::deviceCMYK(0.1, 0.2, 0.3, 0.4)}) {
+    const Ref<Color> faded = color->colorWithAlphaComponent(0.25);
+    EXPECT_EQ(faded->space(), color->space());
+    std::vector<double> components = color->components();
+    components.back() = 0.25;
+    EXPECT_EQ(faded->components(), components);
+    EXPECT_EQ(color->alphaComponent(), 1);
+    EXPECT_EQ(color->colorWithAlphaComponent(7)->alphaComponent(), 1);
+  }
+}
+
+TEST(Color, ANamedOneWithAnotherAlphaIsWhatItShows) {
+  const auto shown = Color::deviceRGB(1, 0, 0, 0.75);
+  const auto named = Color::catalog(u"System"_s, u"textColor"_s, shown);
+  EXPECT_TRUE(named->colorWithAlphaComponent(0.5)->isEqual(*Color::deviceRGB(1, 0, 0, 0.5)));
+  EXPECT_TRUE(Color::catalog(u"System"_s, u"textColor"_s, nullptr)
+                  ->colorWithAlphaComponent(0.5)
+                  ->isEqual(*Color::calibratedWhite(0, 0.5)));
+}
+
+TEST(Color, APatternHasNoAlphaToTake) {
+  const auto pattern = Color::pattern(Image::make(QSizeF(2, 2)));
+  EXPECT_TRUE(pattern->colorWithAlphaComponent(0.5)->isEqual(*pattern));
+  EXPECT_NE(pattern->colorWithAlphaComponent(0.5), pattern);
+}
+
 TEST(Color, ReadsNames) {
   EXPECT_EQ(Color::fromName(u"red"_s)->qColor(), QColor(255, 0, 0));
   EXPECT_EQ(Color::fromName(u"#336699"_s)->redComponent(), 0x33 / 255.0);

@@ -112,6 +112,32 @@ Ref<Color> Color::deviceCMYK(double cyan, double magenta, double yellow, double 
   return make(Space::DeviceCMYK, {cyan, magenta, yellow, black, alpha});
 }
 
+Ref<Color> Color::calibratedHSB(double hue, double saturation, double brightness, double alpha) {
+  const double value = limited(brightness);
+  const double strength = limited(saturation);
+  // The colour circle has six stretches; on each, one channel runs and the other two stand still.
+  constexpr int stretches = 6;
+  const double place = limited(hue) * stretches;
+  const double start = std::floor(place);
+  const double low = value * (1 - strength);
+  const double falling = value * (1 - strength * (place - start));
+  const double rising = value * (1 - strength * (1 - (place - start)));
+  switch (int(start) % stretches) {
+  case 0:
+    return calibratedRGB(value, rising, low, alpha);
+  case 1:
+    return calibratedRGB(falling, value, low, alpha);
+  case 2:
+    return calibratedRGB(low, value, rising, alpha);
+  case 3:
+    return calibratedRGB(low, falling, value, alpha);
+  case 4:
+    return calibratedRGB(rising, low, value, alpha);
+  default:
+    return calibratedRGB(value, low, falling, alpha);
+  }
+}
+
 Ref<Color> Color::catalog(const QString& catalogName, const QString& colorName,
                           const Ref<Color>& fallback) {
   Ref<Color> color = make(Space::Catalog, {});
@@ -169,6 +195,42 @@ double Color::alphaComponent() const {
   if (space_ == Space::Catalog)
     return fallback_ ? fallback_->alphaComponent() : 1;
   return space_ == Space::Pattern ? 1 : components_.back();
+}
+
+double Color::brightnessComponent() const {
+  return std::max({redComponent(), greenComponent(), blueComponent()});
+}
+
+double Color::saturationComponent() const {
+  const double high = brightnessComponent();
+  const double low = std::min({redComponent(), greenComponent(), blueComponent()});
+  return high > 0 ? (high - low) / high : 0;
+}
+
+double Color::hueComponent() const {
+  const double red = redComponent();
+  const double green = greenComponent();
+  const double blue = blueComponent();
+  const double high = std::max({red, green, blue});
+  const double range = high - std::min({red, green, blue});
+  if (range <= 0)
+    return 0;
+  constexpr double stretches = 6;
+  if (high == red)
+    // Purples lie before red, at the end of the circle.
+    return (green - blue) / range / stretches + (green < blue ? 1 : 0);
+  if (high == green)
+    return ((blue - red) / range + 2) / stretches;
+  return ((red - green) / range + 4) / stretches;
+}
+
+Ref<Color> Color::colorWithAlphaComponent(double alpha) const {
+  if (space_ == Space::Catalog)
+    return fallback_ ? fallback_->colorWithAlphaComponent(alpha) : calibratedWhite(0, alpha);
+  auto color = std::make_shared<Color>(*this);
+  if (space_ != Space::Pattern)
+    color->components_.back() = limited(alpha);
+  return color;
 }
 
 QColor Color::qColor() const {

@@ -49,6 +49,10 @@ class ZQTICKER_EXPORT Color : public Object {
   static Ref<Color> calibratedWhite(double white, double alpha = 1);
   static Ref<Color> deviceCMYK(double cyan, double magenta, double yellow, double black,
                                double alpha = 1);
+  // By hue (0 and 1 are red), saturation and brightness, each limited to 0 to 1 before it is
+  // converted.
+  static Ref<Color> calibratedHSB(double hue, double saturation, double brightness,
+                                  double alpha = 1);
   // A named colour of a catalogue. It shows as `fallback`; without one as opaque black.
   static Ref<Color> catalog(const QString& catalogName, const QString& colorName,
                             const Ref<Color>& fallback);
@@ -71,7 +75,16 @@ class ZQTICKER_EXPORT Color : public Object {
   double greenComponent() const;
   double blueComponent() const;
   double alphaComponent() const;
+  // The same as hue, saturation and brightness; 0 to 1. Greys have the hue 0, black the saturation
+  // 0 too.
+  double hueComponent() const;
+  double saturationComponent() const;
+  double brightnessComponent() const;
   QColor qColor() const;
+
+  // A colour of the same space and components with another alpha; of a named colour what it shows.
+  // A pattern, which has no alpha, gives an equal pattern.
+  Ref<Color> colorWithAlphaComponent(double alpha) const;
 
   // Of a named colour; empty, empty and null otherwise.
   const QString& catalogName() const { return catalogName_; }

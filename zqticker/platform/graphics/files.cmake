@@ -1,5 +1,5 @@
 set(graphics_PUBLIC_HEADERS BezierPath.h Color.h Font.h FontManager.h GraphicsContext.h Image.h
-                            ImageRepresentation.h Shadow.h VerticalShading.h)
+                            ImageRepresentation.h Shadow.h SystemColors.h VerticalShading.h)
 set(graphics_PRIVATE_HEADERS
     BitmapRepresentation_p.h
     ColorSpace_p.h
@@ -33,6 +33,7 @@ set(graphics_SOURCES
     ImageRepresentation.cpp
     Shadow.cpp
     ShadowCache.cpp
+    SystemColors.cpp
     TiffFile.cpp
     TiffReader.cpp
     TiffWriter.cpp
