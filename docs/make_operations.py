@@ -142,9 +142,46 @@ def operations_of(body, class_name):
         yield f"{prefix}{operation}", f"{name}({names})"
 
 
-def rows_of(header):
+DEFINITION = re.compile(r"^#define (\w+)\(([\w, ]+)\)((?:[^\n]*\\\n)*[^\n]*)$", re.M)
+
+
+def macros_of(text):
+    """The function-like macros of a header: name -> (parameters, text on one line)."""
+    return {name: (parameters.split(", "), body.replace("\\\n", " "))
+            for name, parameters, body in DEFINITION.findall(text)}
+
+
+def expanded(text, lists):
+    """Declarations that a header makes from a list of attributes, written out."""
+    own = macros_of(text)
+
+    def entries(name):
+        parameter, body = lists[name][0][0], lists[name][1]
+        for inner, arguments in re.findall(r"(\w+)\(([^()]*)\)", body):
+            if inner == parameter:
+                yield [argument.strip() for argument in arguments.split(",")]
+            elif inner in lists:
+                yield from entries(inner)
+
+    def expand(match):
+        if match.group(1) not in lists or match.group(2) not in own:
+            return match.group(0)
+        parameters, body = own[match.group(2)]
+        out = []
+        for arguments in entries(match.group(1)):
+            declaration = body
+            for parameter, argument in zip(parameters, arguments):
+                declaration = re.sub(rf"(?:##)?\b{parameter}(?:##|\b)", argument, declaration)
+            out.append(declaration)
+        return "\n".join(out)
+
+    return re.sub(r"^ *(ZQ_\w+)\((\w+)\)$", expand, text, flags=re.M)
+
+
+def rows_of(header, lists):
     text = re.sub(r"^ *(Q_GADGET|Q_OBJECT|ZQ_OBJECT|Q_CLASSINFO\([^)]*\))$", "", header.read_text(),
                   flags=re.M)
+    text = expanded(text, lists)
     for match in re.finditer(r"(?:class|struct)\s+ZQTICKER_EXPORT\s+\w+[^;{]*\{", text):
         class_name = re.match(r"(?:class|struct)\s+ZQTICKER_EXPORT\s+(\w+)", match.group(0)).group(1)
         rows = list(operations_of(text[match.end():], class_name))
@@ -171,10 +208,15 @@ def rows_of(header):
 
 def page():
     out = [HEAD]
-    for header in sorted((ROOT / "zqticker").rglob("*.h")):
-        if header.name.endswith("_p.h"):
-            continue
-        for class_name, rows in rows_of(header):
+    headers = [header for header in sorted((ROOT / "zqticker").rglob("*.h"))
+               if not header.name.endswith("_p.h")]
+    # Lists of attributes, to which a macro is given for each of them.
+    lists = {}
+    for header in headers:
+        lists.update({name: macro for name, macro in macros_of(header.read_text()).items()
+                      if macro[0] == ["X"]})
+    for header in headers:
+        for class_name, rows in rows_of(header, lists):
             out.append(f"## {class_name}\n")
             out.append(f"`{header.relative_to(ROOT)}`\n")
             out.append("| operation | C++ |\n|---|---|")
