@@ -1,5 +1,6 @@
 #include "app/commands/program.h"
 
+#include "app/commands/AppearanceCommand.h"
 #include "app/commands/ArchiveCommand.h"
 #include "app/commands/FeedCommand.h"
 #include "app/commands/FetchCommand.h"
@@ -8,6 +9,7 @@
 #include "app/commands/SignCommand.h"
 #include "app/commands/StripOptions.h"
 #include "app/commands/WatchCommand.h"
+#include "app/commands/appearance_tables.h"
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
@@ -115,6 +117,15 @@ int runHelp(const QStringList& arguments) {
     print(helpText(feedCheckTable()));
     return Success;
   }
+  if (arguments == QStringList{u"appearance"_s}) {
+    print(helpText(appearanceShowTable()) + u'\n' + helpText(appearanceMakeTable()));
+    return Success;
+  }
+  for (const OptionTable* table : {&appearanceShowTable(), &appearanceMakeTable()})
+    if (arguments == table->command.split(u' ')) {
+      print(helpText(*table));
+      return Success;
+    }
   if (arguments == QStringList{u"archive"_s})
     return archiveCommand({u"--help"_s});
   throw UsageError(quotedForMessage(arguments.join(u' ')) + u": unknown command (see zqticker "
@@ -132,6 +143,21 @@ int runFeed(const QStringList& arguments, char** argv) {
   int argc = 1;
   const QCoreApplication application(argc, argv);
   return feedCheckCommand(arguments.sliced(1));
+}
+
+int runAppearance(const QStringList& arguments, char** argv) {
+  const QString command = arguments.value(0);
+  const bool shows = command == "show"_L1;
+  if (arguments == QStringList{u"--help"_s} || arguments == QStringList{u"-h"_s})
+    return runHelp({u"appearance"_s});
+  if (!shows && command != "make"_L1)
+    throw UsageError(u"appearance: needs \"show\" or \"make\" (see zqticker appearance --help)"_s);
+  if (asksForHelp(shows ? appearanceShowTable() : appearanceMakeTable(), arguments.sliced(1)))
+    return runHelp({u"appearance"_s, command});
+  int argc = 1;
+  const QCoreApplication application(argc, argv);
+  return shows ? showAppearanceCommand(arguments.sliced(1))
+               : makeAppearanceCommand(arguments.sliced(1));
 }
 
 int runNamed(const QString& command, const QStringList& arguments, char** argv) {
@@ -165,6 +191,8 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
   }
   if (command == "feed"_L1)
     return runFeed(arguments, argv);
+  if (command == "appearance"_L1)
+    return runAppearance(arguments, argv);
   if (command == "help"_L1)
     return runHelp(arguments);
   if (command != "run"_L1)

@@ -1,4 +1,5 @@
 set(app_SOURCES
+    AppearanceCommandTest.cpp
     FakeItem.h
     FeedCheckTest.cpp
     FeedDecoderTest.cpp
@@ -33,6 +34,7 @@ set(app_SOURCES
     WatchTest.cpp
     XServer.cpp
     XServer.h
+    appearance_jsonTest.cpp
     feed_datesTest.cpp
     feed_itemsTest.cpp
     feed_textTest.cpp
