@@ -1,0 +1,33 @@
+set(controls_PUBLIC_HEADERS
+    ActionCell.h
+    ButtonCell.h
+    Cell.h
+    ControlView.h
+    Event.h
+    Menu.h
+    TrackingSession.h
+    ViewObject.h
+    control_types.h)
+set(controls_PRIVATE_HEADERS
+    CellTracking_p.h
+    MenuPopUp_p.h
+    cell_coding_p.h
+    cell_drawing_p.h
+    cell_flags_p.h
+    mouse_events_p.h
+    tracking_loop_p.h)
+set(controls_SOURCES
+    ActionCell.cpp
+    ButtonCell.cpp
+    ButtonCellCoding.cpp
+    Cell.cpp
+    CellCoding.cpp
+    CellTracking.cpp
+    ControlView.cpp
+    Menu.cpp
+    MenuPopUp.cpp
+    TrackingSession.cpp
+    ViewObject.cpp
+    cell_drawing.cpp
+    mouse_events.cpp
+    tracking_loop.cpp)
