@@ -5,6 +5,7 @@ set(system_TESTS
     FileSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
+    InodeChangesTest.cpp
     KernelEventQueueFileTest.cpp
     KernelEventQueueFolderTest.cpp
     KernelEventQueuePathTest.cpp

@@ -63,4 +63,11 @@ bool FileSnapshot::hasOtherOwnersOrMode(const FileSnapshot& other) const {
   return mode != other.mode || owner != other.owner || group != other.group;
 }
 
+void FileSnapshot::keepState(const FileSnapshot& older) {
+  names = older.names;
+  owner = older.owner;
+  group = older.group;
+  mode = older.mode;
+}
+
 } // namespace zq::platform

@@ -34,6 +34,9 @@ struct FileSnapshot {
   bool isSameFile(const FileSnapshot& other) const;
   bool hasOtherContents(const FileSnapshot& other) const;
   bool hasOtherOwnersOrMode(const FileSnapshot& other) const;
+
+  // Takes names, owners and mode from an `older` one.
+  void keepState(const FileSnapshot& older);
 };
 
 } // namespace zq::platform

@@ -85,6 +85,8 @@ void InodeChanges::findAgain(Inode& inode) {
 std::uint32_t InodeChanges::evaluateFound(Inode& inode, std::uint32_t seen,
                                           const FileSnapshot& found) {
   const FileSnapshot last = std::exchange(inode.last, found);
+  if (!(seen & (SeenAttributes | SeenEntries | SeenLoss)))
+    inode.last.keepState(last); // changes of it that the look has found already have a note to come
   if (found.names == 0) {
     inode.deleted = true;
     table_.forgetPlace(inode);
@@ -138,6 +140,7 @@ std::uint32_t InodeChanges::compareContents(Inode& inode) {
       !found.hasOtherContents(inode.last))
     return 0;
   const bool grown = found.size > inode.last.size;
+  found.keepState(inode.last);
   inode.last = found;
   return grown ? VnodeWrite | VnodeExtend : VnodeWrite;
 }

@@ -143,8 +143,7 @@ std::shared_ptr<Inode> InodeTable::newInode(int watch, const FileSnapshot& snaps
 }
 
 Inode* InodeTable::firstOfWatch(int watch) const {
-  const auto found = byWatch_.find(watch);
-  return found == byWatch_.end() ? nullptr : found->second;
+  return byWatch_.value(watch);
 }
 
 std::vector<Inode*> InodeTable::named(const Inode& folder, const QByteArray& name) const {
@@ -155,7 +154,7 @@ std::vector<Inode*> InodeTable::named(const Inode& folder, const QByteArray& nam
 void InodeTable::forgetWatch(int watch) {
   for (auto* each = firstOfWatch(watch); each; each = std::exchange(each->nextOfWatch, nullptr))
     each->watch = -1;
-  byWatch_.erase(watch);
+  byWatch_.remove(watch);
 }
 
 void InodeTable::setName(Inode& inode, const std::shared_ptr<Inode>& folder,
@@ -207,11 +206,11 @@ void InodeTable::end(Inode& inode) {
   if (inode.watch < 0)
     return;
   const auto found = byWatch_.find(inode.watch);
-  Inode** link = &found->second;
+  Inode** link = &found.value();
   while (*link != &inode)
     link = &(*link)->nextOfWatch;
   *link = inode.nextOfWatch;
-  if (found->second)
+  if (found.value())
     return;
   byWatch_.erase(found);
   ::inotify_rm_watch(instance_, inode.watch);
@@ -222,11 +221,11 @@ void InodeTable::note(Inode& inode, std::uint32_t what) {
     return;
   if (inode.seen == 0)
     noted_.push_back(&inode);
-  inode.seen |= what;
+  inode.seen |= std::uint16_t(what);
 }
 
 void InodeTable::noteLoss() {
-  for (const auto& [watch, first] : byWatch_)
+  for (Inode* const first : std::as_const(byWatch_))
     for (auto* each = first; each; each = each->nextOfWatch)
       note(*each, SeenLoss);
 }

@@ -6,7 +6,6 @@
 
 #include <QtCore/QHash>
 
-#include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
@@ -81,7 +80,7 @@ class InodeTable {
 
   int instance_;
   InotifyCalls calls_;
-  std::unordered_map<int, Inode*> byWatch_;
+  QHash<int, Inode*> byWatch_;
   std::unordered_multiset<Inode*, NameHash, NameEqual> byName_;
   QHash<QByteArray, Inode*> folders_; // those whose path is known
   std::vector<Inode*> noted_;

@@ -15,7 +15,7 @@ class InodeTable;
 struct Registration;
 
 // What was noted about a file or folder and has not been evaluated yet.
-enum Seen : std::uint32_t {
+enum Seen : std::uint16_t {
   SeenWritten = 0x001,
   SeenAttributes = 0x002, // or names
   SeenRenamed = 0x004,
@@ -52,7 +52,7 @@ struct Inode : std::enable_shared_from_this<Inode> {
   Registration* firstRegistration = nullptr;
   Registration* lastRegistration = nullptr;
   int watch = -1; // -1 where there is none, or no longer
-  std::uint32_t seen = 0;
+  std::uint16_t seen = 0;
   bool deleted = false; // told already
 };
 

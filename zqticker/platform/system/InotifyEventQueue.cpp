@@ -120,8 +120,8 @@ int InotifyEventQueue::add(int descriptor, std::uint32_t mask, const QString& us
   const auto found = registrations_.find(descriptor);
   if (found == registrations_.end())
     return fail(EBADF);
-  found->second.mask = mask;
-  found->second.pending &= mask;
+  found->second.mask = std::uint8_t(mask);
+  found->second.pending &= found->second.mask;
   found->second.userData = userData;
   return 0;
 }
@@ -259,7 +259,7 @@ void InotifyEventQueue::deliver(Inode& inode, std::uint32_t flags) {
       continue;
     if (each->pending == 0)
       pending_.push_back(each->descriptor);
-    each->pending |= asked;
+    each->pending |= std::uint8_t(asked);
   }
 }
 
@@ -270,7 +270,7 @@ bool InotifyEventQueue::takePending(KernelEvent& event) {
     if (found == registrations_.end() || found->second.pending == 0)
       continue;
     event.descriptor = found->first;
-    event.flags = std::exchange(found->second.pending, 0);
+    event.flags = std::exchange(found->second.pending, std::uint8_t(0));
     event.userData = found->second.userData;
     return true;
   }

@@ -19,8 +19,8 @@ struct Registration {
   Registration* previous = nullptr;
   QString userData{};
   int descriptor = -1;
-  std::uint32_t mask = 0;
-  std::uint32_t pending = 0;
+  std::uint8_t mask = 0; // VnodeEvent values
+  std::uint8_t pending = 0;
 };
 
 // One instance of inotify whatever is watched. Descriptors are numbers of its own: an open
