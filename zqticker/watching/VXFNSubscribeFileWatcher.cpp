@@ -2,21 +2,12 @@
 
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/platform/system/Workspace.h"
+#include "zqticker/watching/path_text_p.h"
 #include "zqticker/watching/subscription_owners_p.h"
 #include "zqticker/watching/watching_log_p.h"
 
-#include <QtCore/QFile>
-
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
-
-namespace {
-// Empty for a path that no file can have.
-QByteArray fileSystemRepresentation(const QString& path) {
-  return path.contains(QChar::Null) || !path.isValidUtf16() ? QByteArray()
-                                                            : QFile::encodeName(path);
-}
-} // namespace
 
 void VXFileSubscriptionProc(std::uint32_t message, std::uint32_t, void* reference,
                             DirectorySubscription* handle) {

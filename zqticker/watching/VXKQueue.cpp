@@ -6,11 +6,9 @@
 #include "zqticker/platform/system/Workspace.h"
 #include "zqticker/watching/VXMainThreadProxy.h"
 #include "zqticker/watching/WatchedPaths_p.h"
-#include "zqticker/watching/path_list_p.h"
+#include "zqticker/watching/path_text_p.h"
 #include "zqticker/watching/watcher_thread_p.h"
 #include "zqticker/watching/watching_log_p.h"
-
-#include <QtCore/QFile>
 
 #include <cerrno>
 #include <optional>
@@ -21,12 +19,6 @@ using namespace zq::platform;
 
 namespace {
 constexpr std::uint32_t DefaultMask = VnodeRename | VnodeAttrib | VnodeWrite | VnodeDelete;
-
-// Empty for a path that no file can have.
-QByteArray fileSystemRepresentation(const QString& path) {
-  return path.contains(QChar::Null) || !path.isValidUtf16() ? QByteArray()
-                                                            : QFile::encodeName(path);
-}
 } // namespace
 
 Ref<VXKQueue> VXKQueue::sharedFileWatcher() {

@@ -1,4 +1,6 @@
-#include "zqticker/watching/path_list_p.h"
+#include "zqticker/watching/path_text_p.h"
+
+#include <QtCore/QFile>
 
 #include <algorithm>
 
@@ -42,4 +44,9 @@ QString describePaths(const QStringList& paths) {
     text += u'"';
   }
   return text + "\n)"_L1;
+}
+
+QByteArray fileSystemRepresentation(const QString& path) {
+  return path.contains(QChar::Null) || !path.isValidUtf16() ? QByteArray()
+                                                            : QFile::encodeName(path);
 }
