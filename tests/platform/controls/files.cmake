@@ -1,1 +1,10 @@
-set(controls_TESTS ButtonCellTest.cpp CellTest.cpp TrackingSessionTest.cpp cell_archivesTest.cpp)
+set(controls_TESTS
+    ButtonCellTest.cpp
+    ButtonTest.cpp
+    CellTest.cpp
+    MenuTest.cpp
+    TrackingRectanglesTest.cpp
+    TrackingSessionTest.cpp
+    button_archivesTest.cpp
+    button_pointerTest.cpp
+    cell_archivesTest.cpp)

@@ -239,3 +239,22 @@ TEST(FontManager, MayBeReplaced) {
 }
 
 #include "FontTest.moc"
+
+TEST(Font, OfTheSystemHasASizeForEachControlSize) {
+  EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize::Regular), 13);
+  EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize::Small), 11);
+  EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize::Mini), 9);
+  EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize(7)), 13);
+}
+
+TEST(Font, OfTheSystemIsBoldInTheSameFamily) {
+  const Ref<Font> plain = Font::systemFontOfSize(0);
+  const Ref<Font> bold = Font::boldSystemFontOfSize(0);
+  EXPECT_EQ(bold->pointSize(), 13);
+  EXPECT_EQ(bold->drawnFamily(), plain->drawnFamily());
+  EXPECT_NE(bold->fontName(), plain->fontName());
+  const auto widthIn = [](const Ref<Font>& font) {
+    return sizeWithAttributes(u"mmmmmmmm"_s, {{FontAttributeName, any(font)}}).width();
+  };
+  EXPECT_GT(widthIn(bold), widthIn(plain));
+}

@@ -7,18 +7,20 @@
 #include <QtCore/QPointer>
 #include <QtWidgets/QMenu>
 
-#include <utility>
-
 namespace zq::platform {
 
 struct Menu::Private {
-  std::unique_ptr<QMenu> owned;
+  // Whoever owns it, others may destroy it.
   QPointer<QMenu> menu;
+  bool isOwned = false;
 };
 
 Menu::Menu() : private_(std::make_unique<Private>()) {}
 
-Menu::~Menu() = default;
+Menu::~Menu() {
+  if (private_->isOwned)
+    delete private_->menu.data();
+}
 
 Ref<Menu> Menu::make(QMenu* menu) {
   if (!menu)
@@ -29,9 +31,9 @@ Ref<Menu> Menu::make(QMenu* menu) {
 }
 
 Ref<Menu> Menu::make(std::unique_ptr<QMenu> menu) {
-  const Ref<Menu> made = make(menu.get());
+  const Ref<Menu> made = make(menu.release());
   if (made)
-    made->private_->owned = std::move(menu);
+    made->private_->isOwned = true;
   return made;
 }
 

@@ -1,16 +1,26 @@
 set(controls_PUBLIC_HEADERS
     ActionCell.h
+    Button.h
     ButtonCell.h
+    ButtonObject.h
     Cell.h
     ControlView.h
     Event.h
     Menu.h
     TrackingSession.h
     ViewObject.h
-    control_types.h)
+    control_types.h
+    view_notifications.h)
 set(controls_PRIVATE_HEADERS
+    ButtonAccessible_p.h
+    ButtonPress_p.h
+    Button_p.h
     CellTracking_p.h
     MenuPopUp_p.h
+    PointerMonitor_p.h
+    TrackingRectangles_p.h
+    WindowWatch_p.h
+    callback_border_p.h
     cell_coding_p.h
     cell_drawing_p.h
     cell_flags_p.h
@@ -18,16 +28,26 @@ set(controls_PRIVATE_HEADERS
     tracking_loop_p.h)
 set(controls_SOURCES
     ActionCell.cpp
+    Button.cpp
+    ButtonAccessible.cpp
     ButtonCell.cpp
     ButtonCellCoding.cpp
+    ButtonCoding.cpp
+    ButtonEvents.cpp
+    ButtonObject.cpp
+    ButtonPress.cpp
     Cell.cpp
     CellCoding.cpp
     CellTracking.cpp
     ControlView.cpp
     Menu.cpp
     MenuPopUp.cpp
+    PointerMonitor.cpp
+    TrackingRectangles.cpp
     TrackingSession.cpp
     ViewObject.cpp
+    WindowWatch.cpp
+    callback_border.cpp
     cell_drawing.cpp
     mouse_events.cpp
     tracking_loop.cpp)

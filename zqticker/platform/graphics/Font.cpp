@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/archiving/ClassRegistry.h"
 #include "zqticker/platform/archiving/Coder.h"
+#include "zqticker/platform/controls/control_types.h"
 #include "zqticker/platform/graphics/FontFace_p.h"
 #include "zqticker/platform/objects/Exception.h"
 
@@ -46,6 +47,23 @@ Ref<Font> Font::systemFontOfSize(double size) {
   FontFace::requireApplication();
   return fontWithName(QFontDatabase::systemFont(QFontDatabase::GeneralFont).family(),
                       validSize(size, SystemSize));
+}
+
+Ref<Font> Font::boldSystemFontOfSize(double size) {
+  FontFace::requireApplication();
+  const QString family = QFontDatabase::systemFont(QFontDatabase::GeneralFont).family();
+  return fontWithName(QString(family + " Bold"_L1), validSize(size, SystemSize));
+}
+
+double Font::systemFontSizeForControlSize(ControlSize controlSize) {
+  switch (controlSize) {
+  case ControlSize::Small:
+    return 11;
+  case ControlSize::Mini:
+    return 9;
+  default:
+    return SystemSize;
+  }
 }
 
 bool Font::isNameKnown(const QString& name) {

@@ -9,6 +9,7 @@
 namespace zq::platform {
 
 class FontFace;
+enum class ControlSize : int;
 
 // An immutable font: a name and a size in points, where one point is one unit of user space.
 //
@@ -37,6 +38,11 @@ class ZQTICKER_EXPORT Font : public Object {
   // The desktop's general font; size 0 means its regular size, 13. Raises without a GUI
   // application.
   static Ref<Font> systemFontOfSize(double size);
+  // Its bold style, in the same sizes.
+  static Ref<Font> boldSystemFontOfSize(double size);
+  // The size of the system font in controls of one size: 13 regular, 11 small, 9 mini, and 13 for
+  // others.
+  static double systemFontSizeForControlSize(ControlSize controlSize);
   // Whether the desktop has the font called `name` itself, so that nothing stands in for it.
   static bool isNameKnown(const QString& name);
 

@@ -30,6 +30,12 @@ struct NotificationCenter::Entry {
 NotificationCenter::NotificationCenter() : entries_(std::make_shared<const Entries>()) {}
 NotificationCenter::~NotificationCenter() = default;
 
+NotificationCenter& NotificationCenter::defaultCenter() {
+  // Observers may leave it until the process ends.
+  static auto* const center = new NotificationCenter;
+  return *center;
+}
+
 std::shared_ptr<const NotificationCenter::Entries> NotificationCenter::entries() const {
   const std::lock_guard lock(mutex_);
   return entries_;

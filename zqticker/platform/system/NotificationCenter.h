@@ -29,6 +29,9 @@ class Notification;
 // under way meanwhile.
 class ZQTICKER_EXPORT NotificationCenter {
  public:
+  // The program's own center.
+  static NotificationCenter& defaultCenter();
+
   NotificationCenter();
   ~NotificationCenter();
   NotificationCenter(const NotificationCenter&) = delete;
