@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
+#include "zqticker/platform/controls/control_types.h"
 #include "zqticker/platform/graphics/FontManager.h"
 #include "zqticker/platform/graphics/FontName_p.h"
 #include "zqticker/platform/objects/Exception.h"
@@ -238,8 +239,6 @@ TEST(FontManager, MayBeReplaced) {
   EXPECT_EQ(FontManager::sharedFontManager().convertFontToSize(font, 5)->pointSize(), 5);
 }
 
-#include "FontTest.moc"
-
 TEST(Font, OfTheSystemHasASizeForEachControlSize) {
   EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize::Regular), 13);
   EXPECT_EQ(Font::systemFontSizeForControlSize(ControlSize::Small), 11);
@@ -258,3 +257,5 @@ TEST(Font, OfTheSystemIsBoldInTheSameFamily) {
   };
   EXPECT_GT(widthIn(bold), widthIn(plain));
 }
+
+#include "FontTest.moc"
