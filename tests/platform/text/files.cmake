@@ -1,4 +1,4 @@
-set(text_TESTS AttributedStringTest.cpp ParagraphStyleTest.cpp TextLineTest.cpp
+set(text_TESTS AttributedStringTest.cpp ParagraphStyleTest.cpp TextAttachmentTest.cpp TextLineTest.cpp
                attributed_string_archivesTest.cpp number_parsingTest.cpp text_drawingTest.cpp)
 
 # A process of its own for what one process can do only once.

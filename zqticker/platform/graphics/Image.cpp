@@ -91,6 +91,10 @@ void Image::setSize(QSizeF sizeInPoints) {
   size_ = validSize(sizeInPoints);
 }
 
+void Image::setRepresentations(Representations representations) {
+  representations_ = std::move(representations);
+}
+
 std::optional<QByteArray> Image::TIFFRepresentation() const {
   if (size_.isEmpty() || representations_.empty())
     return std::nullopt;

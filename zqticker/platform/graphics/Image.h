@@ -64,6 +64,8 @@ class ZQTICKER_EXPORT Image : public Object {
   void setSize(QSizeF sizeInPoints);
   // In the order of the file; empty for an image without content.
   const Representations& representations() const { return representations_; }
+  // Shows `representations` from now on, at the size that the image has; none of them may be null.
+  void setRepresentations(Representations representations);
 
   // The picture as TIFF data, one page a representation, each with the resolution that gives this
   // image's size. A recorded drawing is written at two pixels a point, with fewer where it would

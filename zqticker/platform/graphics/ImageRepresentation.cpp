@@ -23,4 +23,13 @@ std::shared_ptr<const ImageRepresentation> ImageRepresentation::make(const QImag
   return std::make_shared<BitmapRepresentation>(bitmap, sizeInPoints);
 }
 
+std::shared_ptr<const ImageRepresentation>
+ImageRepresentation::withSize(const std::shared_ptr<const ImageRepresentation>& representation,
+                              QSizeF sizeInPoints) {
+  if (!representation || !representation->isBitmap() || sizeInPoints.isEmpty())
+    return nullptr;
+  return std::make_shared<BitmapRepresentation>(representation->pixelSize(), sizeInPoints,
+                                                [=] { return representation->bitmap(); });
+}
+
 } // namespace zq::platform

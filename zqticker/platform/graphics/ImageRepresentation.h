@@ -31,6 +31,11 @@ class ZQTICKER_EXPORT ImageRepresentation {
   // A bitmap shown at `sizeInPoints`. Null for a null image and for an empty size.
   static std::shared_ptr<const ImageRepresentation> make(const QImage& bitmap, QSizeF sizeInPoints);
 
+  // The bitmap of `representation` shown at `sizeInPoints`. Null for null, a drawing and an empty
+  // size.
+  static std::shared_ptr<const ImageRepresentation>
+  withSize(const std::shared_ptr<const ImageRepresentation>& representation, QSizeF sizeInPoints);
+
   // A number that no other representation of the process has.
   quint64 identifier() const { return identifier_; }
   // In points.

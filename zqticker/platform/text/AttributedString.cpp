@@ -3,6 +3,7 @@
 #include "zqticker/platform/archiving/ClassRegistry.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
 #include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/text/TextAttachment.h"
 #include "zqticker/platform/text/TextLine_p.h"
 
 #include <algorithm>
@@ -22,6 +23,14 @@ Ref<AttributedString> AttributedString::make(const QString& string, const Attrib
   if (!string.isEmpty())
     text->runs_.push_back({{0, string.size()}, attributes});
   return text;
+}
+
+Ref<AttributedString>
+AttributedString::attributedStringWithAttachment(const Ref<TextAttachment>& attachment) {
+  Attributes attributes;
+  if (attachment)
+    attributes.insert(AttachmentAttributeName, any(attachment));
+  return make(QString(QChar(TextAttachment::AttachmentCharacter)), attributes);
 }
 
 void AttributedString::checkRange(Range range) const {
@@ -52,11 +61,15 @@ Ref<AttributedString> AttributedString::attributedSubstringFromRange(Range range
   checkRange(range);
   auto part = std::make_shared<AttributedString>();
   part->string_ = string_.mid(range.location, range.length);
-  for (const Run& run : runs_) {
-    const qsizetype from = std::max(run.range.location, range.location);
-    const qsizetype to = std::min(run.range.end(), range.end());
-    if (from < to)
-      part->runs_.push_back({{from - range.location, to - from}, run.attributes});
+  // Only the runs inside are looked at: a long text is cut into many parts at no more than its own
+  // length's cost.
+  auto run = std::partition_point(runs_.begin(), runs_.end(), [&](const Run& candidate) {
+    return candidate.range.end() <= range.location;
+  });
+  for (; run != runs_.end() && run->range.location < range.end(); ++run) {
+    const qsizetype from = std::max(run->range.location, range.location);
+    const qsizetype to = std::min(run->range.end(), range.end());
+    part->runs_.push_back({{from - range.location, to - from}, run->attributes});
   }
   return part;
 }

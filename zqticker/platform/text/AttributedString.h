@@ -15,6 +15,7 @@
 namespace zq::platform {
 
 class MutableAttributedString;
+class TextAttachment;
 class TextLine;
 
 // Immutable text whose every UTF-16 code unit has attributes. Ranges and indexes count UTF-16 code
@@ -23,7 +24,10 @@ class TextLine;
 // Text without a font is drawn in Helvetica at 12 points, without a colour in black.
 //
 // One line: line terminators and tabs take the place of one space (CR LF of one together), other
-// control characters take none, a lone surrogate shows as U+FFFD. Bidirectional text is ordered by
+// control characters take none, a lone surrogate shows as U+FFFD. A character U+FFFC with an
+// attachment shows the attachment's picture, its lower edge on the baseline, and takes the
+// picture's size, whatever its font; neither lines under nor through the text pass it. The picture
+// is taken as it is when the text is first measured or drawn. Bidirectional text is ordered by
 // the direction of the whole text: that of the paragraph style where it states one, else that of
 // the first strong character.
 //
@@ -45,6 +49,9 @@ class ZQTICKER_EXPORT AttributedString : public Object {
   ~AttributedString() override;
 
   static Ref<AttributedString> make(const QString& string, const Attributes& attributes = {});
+  // The one character that shows `attachment`; null gives a character that shows none.
+  static Ref<AttributedString>
+  attributedStringWithAttachment(const Ref<TextAttachment>& attachment);
 
   const QString& string() const { return string_; }
   qsizetype length() const { return string_.size(); }
@@ -61,9 +68,9 @@ class ZQTICKER_EXPORT AttributedString : public Object {
 
   // The natural size on one line in points. The width is the sum of the advances, trailing spaces
   // included. The height is the largest ascent plus the largest descent plus the largest leading
-  // of the fonts shown, each run's own and those that stand in for missing characters: for plain
-  // text Font::lineHeight. Empty text has no width and the height of its font's line, which is the
-  // default font's.
+  // of the fonts and pictures shown, each run's own font and those that stand in for missing
+  // characters: for plain text Font::lineHeight. Empty text has no width and the height of its
+  // font's line, which is the default font's.
   QSizeF size() const;
 
   // Draws on one line into the current context. The box of size() stands with the corner of its

@@ -2,8 +2,11 @@
 
 #include "zqticker/platform/graphics/FontFace_p.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/graphics/image_drawing_p.h"
 #include "zqticker/platform/graphics/shadow_drawing_p.h"
 #include "zqticker/platform/text/ParagraphStyle.h"
+#include "zqticker/platform/text/TextAttachment.h"
 #include "zqticker/platform/text/bidi_p.h"
 #include "zqticker/platform/text/emoji_p.h"
 #include "zqticker/platform/text/line_breaks_p.h"
@@ -13,6 +16,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <optional>
 
 namespace zq::platform {
 
@@ -61,12 +65,17 @@ QString onOneLine(const QString& text) {
   return line;
 }
 
+bool isAttachmentCharacter(QChar c) {
+  return c == QChar(TextAttachment::AttachmentCharacter);
+}
+
 // Whether the unit at `i` belongs to the character before it: a run that begins there would tear
 // a letter from its marks, or an emoji from its parts.
 bool continuesCharacter(const QString& text, qsizetype i) {
   constexpr char16_t joiner = 0x200d;
   const QChar c = text[i];
-  if (i == 0)
+  // Pictures stand for themselves.
+  if (i == 0 || isAttachmentCharacter(c) || isAttachmentCharacter(text[i - 1]))
     return false;
   const bool isSkinTone = c == QChar(0xd83c) && i + 1 < text.size() &&
                           text[i + 1] >= QChar(0xdffb) && text[i + 1] <= QChar(0xdfff);
@@ -138,6 +147,7 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
   styles_.front().start = 0;
   styles_.back().end = text_.size();
 
+  markPictures();
   markEmoji();
 
   const std::vector<DirectionRun> directions = directionRuns(text_, directionOf(runs));
@@ -168,6 +178,32 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
   }
 }
 
+void TextLine::markPictures() {
+  const auto isPicture = [](const StyledRange& range) { return range.style.isPicture; };
+  if (std::none_of(styles_.begin(), styles_.end(), isPicture))
+    return;
+  std::vector<StyledRange> marked;
+  for (const StyledRange& styled : styles_) {
+    if (!styled.style.isPicture) {
+      marked.push_back(styled);
+      continue;
+    }
+    for (qsizetype start = styled.start; start < styled.end;) {
+      const bool pictures = isAttachmentCharacter(text_[start]);
+      marked.push_back(styled);
+      marked.back().start = start;
+      while (start < styled.end && isAttachmentCharacter(text_[start]) == pictures)
+        ++start;
+      marked.back().end = start;
+      if (!pictures) {
+        marked.back().style.isPicture = false;
+        marked.back().style.picture.reset();
+      }
+    }
+  }
+  styles_ = std::move(marked);
+}
+
 void TextLine::markEmoji() {
   const std::vector<Range> emoji = emojiRanges(text_);
   if (emoji.empty() || !FontFace::emoji())
@@ -193,6 +229,8 @@ void TextLine::markEmoji() {
 
 void TextLine::cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft) {
   const TextStyle& shown = styles_[style].style;
+  if (shown.isPicture)
+    return placePictures(start, end, style, rightToLeft);
   const QFont font = shown.layoutFont();
   std::vector<qsizetype> breaks{start};
   while (breaks.back() < end)
@@ -231,6 +269,23 @@ void TextLine::add(const TextExtent& extent, const TextStyle& style) {
   leading_ = std::max(leading_, style.face->leading() * style.pointSize);
   // Slanted letters and swashes leave their box by less than this.
   overhang_ = std::max(overhang_, 2 * style.pointSize);
+}
+
+void TextLine::placePictures(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft) {
+  const TextStyle& shown = styles_[style].style;
+  const QSizeF size = shown.picture ? shown.picture->size() : QSizeF(0, 0);
+  const double advance = std::max(0.0, size.width() + shown.kernInEms() * shown.pointSize);
+  for (qsizetype i = 0; i < end - start; ++i) {
+    segments_.push_back(
+        {rightToLeft ? end - 1 - i : start + i, 1, style, rightToLeft, width_, nullptr});
+    width_ += advance;
+  }
+  if (shown.picture) {
+    ascent_ = std::max(ascent_, size.height() + shown.baselineOffset);
+    descent_ = std::max(descent_, -shown.baselineOffset);
+  }
+  // Pictures are moved to whole pixels, and stay as wide as they are where the kern is negative.
+  overhang_ = std::max({overhang_, 1.0, size.width() - advance});
 }
 
 const QTextLayout& TextLine::layoutOf(std::size_t index) const {
@@ -302,6 +357,13 @@ void TextLine::paintGlyphs(GraphicsContext& context, QPointF point) const {
   painter.setPen(Qt::black);
   for (; segment != segments_.end() && segment->x < visible.right() + overhang_; ++segment) {
     const TextStyle& style = styles_[segment->style].style;
+    if (style.isPicture) {
+      painter.setWorldTransform(before);
+      paintPicture(
+          context, style,
+          QPointF(point.x() + segment->x, point.y() + baseline - down * style.baselineOffset));
+      continue;
+    }
     const double pixels = style.pointSize * deviceScale;
     if (style.isEmoji && !(pixels >= minimumEmojiPixels && pixels <= maximumEmojiPixels))
       continue;
@@ -314,6 +376,28 @@ void TextLine::paintGlyphs(GraphicsContext& context, QPointF point) const {
   }
   painter.setPen(pen);
   painter.setWorldTransform(before);
+}
+
+void TextLine::paintPicture(GraphicsContext& context, const TextStyle& style,
+                            QPointF corner) const {
+  if (!style.picture)
+    return;
+  const QSizeF size = style.picture->size();
+  const double down = context.isFlipped() ? 1 : -1;
+  if (const QBrush background = style.format.background(); background.style() != Qt::NoBrush)
+    context.painter()->fillRect(
+        QRectF(corner, QPointF(corner.x() + size.width(), corner.y() - down * size.height()))
+            .normalized(),
+        background);
+  // The line has cast the shadow of all that it shows.
+  std::optional<SavedGraphicsState> state;
+  if (context.shadow()) {
+    state.emplace(&context);
+    context.setShadow(nullptr);
+  }
+  drawContent(context, {size, style.picture->representations()},
+              QTransform(1, 0, 0, -down, corner.x(), corner.y()), QRectF(QPointF(), size),
+              context.compositingOperation(), 1);
 }
 
 } // namespace zq::platform

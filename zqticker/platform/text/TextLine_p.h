@@ -45,7 +45,7 @@ class TextLine {
                    QPointF point);
 
  private:
-  // A stretch of text in one direction and in styles that can be laid out together.
+  // A stretch of text in one direction and in styles that can be laid out together, or a picture.
   struct Segment {
     qsizetype start;
     qsizetype length;
@@ -62,15 +62,20 @@ class TextLine {
     TextStyle style;
   };
 
-  // Splits the styles so that emoji have styles of their own.
+  // Splits the styles so that pictures and emoji have styles of their own.
+  void markPictures();
   void markEmoji();
   void cut(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft);
   void add(const TextExtent& extent, const TextStyle& style);
+  // The same for characters that are pictures.
+  void placePictures(qsizetype start, qsizetype end, std::size_t style, bool rightToLeft);
   const QTextLayout& layoutOf(std::size_t segment) const;
   QList<QTextLayout::FormatRange> formatsOf(const Segment& segment) const;
   // With its shadow, where the context has one.
   void paint(GraphicsContext& context, QPointF point) const;
   void paintGlyphs(GraphicsContext& context, QPointF point) const;
+  // The picture of `style`, its lower left corner at `corner`.
+  void paintPicture(GraphicsContext& context, const TextStyle& style, QPointF corner) const;
 
   // A number that no other line of the process has.
   quint64 identifier_;

@@ -3,6 +3,8 @@
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/FontFace_p.h"
+#include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/text/TextAttachment.h"
 
 #include <QtGui/QBrush>
 
@@ -40,6 +42,15 @@ TextStyle TextStyle::from(const Attributes& attributes) {
   style.kern = numberOf(attributes, KernAttributeName);
   style.baselineOffset = numberOf(attributes, BaselineOffsetAttributeName);
 
+  if (const auto found = attributes.constFind(AttachmentAttributeName);
+      found != attributes.constEnd())
+    if (const auto attachment = objectOf<TextAttachment>(*found)) {
+      style.isPicture = true;
+      // The image may change while the layout is kept.
+      if (const Ref<TextAttachmentCell>& cell = attachment->attachmentCell())
+        style.picture = copyOf(cell->image());
+    }
+
   const Ref<Color> color = colorOf(attributes, ForegroundColorAttributeName);
   style.format.setForeground(color ? color->qColor() : QColor(Qt::black));
   if (const Ref<Color> background = colorOf(attributes, BackgroundColorAttributeName))
@@ -57,19 +68,22 @@ double TextStyle::scale() const {
   return pointSize / FontFace::ReferenceSize;
 }
 
+double TextStyle::kernInEms() const {
+  return std::clamp(kern / pointSize, -MaximumKern, MaximumKern);
+}
+
 QFont TextStyle::layoutFont() const {
   const std::shared_ptr<const FontFace> emoji = isEmoji ? FontFace::emoji() : nullptr;
   QFont font = emoji ? emoji->layoutFont() : face->layoutFont();
-  if (kern != 0) {
-    const double ems = std::clamp(kern / pointSize, -MaximumKern, MaximumKern);
-    font.setLetterSpacing(QFont::AbsoluteSpacing, ems * FontFace::ReferenceSize);
-  }
+  if (kern != 0)
+    font.setLetterSpacing(QFont::AbsoluteSpacing, kernInEms() * FontFace::ReferenceSize);
   return font;
 }
 
 bool TextStyle::measuresLike(const TextStyle& other) const {
-  return face == other.face && isEmoji == other.isEmoji && pointSize == other.pointSize &&
-         kern == other.kern && baselineOffset == other.baselineOffset;
+  return !isPicture && !other.isPicture && face == other.face && isEmoji == other.isEmoji &&
+         pointSize == other.pointSize && kern == other.kern &&
+         baselineOffset == other.baselineOffset;
 }
 
 } // namespace zq::platform

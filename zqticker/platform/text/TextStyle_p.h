@@ -11,10 +11,15 @@
 namespace zq::platform {
 
 class FontFace;
+class Image;
 
 // How a run of text looks.
 struct TextStyle {
   std::shared_ptr<const FontFace> face;
+  // Whether the characters U+FFFC of the run stand for a picture, and which: a copy, null for one
+  // that takes no place.
+  bool isPicture = false;
+  std::shared_ptr<const Image> picture;
   // Whether the run shows in the desktop's font for colour pictures, where there is one.
   bool isEmoji = false;
   double pointSize = 12;
@@ -29,9 +34,11 @@ struct TextStyle {
 
   // Points of a pixel of the layout.
   double scale() const;
+  // The kern, within limits that bear arithmetic.
+  double kernInEms() const;
   // The font of the layout, with the kern.
   QFont layoutFont() const;
-  // Whether text of both styles can be laid out together.
+  // Whether text of both styles can be laid out together; never with pictures.
   bool measuresLike(const TextStyle& other) const;
 };
 

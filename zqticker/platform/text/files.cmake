@@ -1,11 +1,12 @@
-set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h number_parsing.h string_drawing.h
-                        text_attributes.h)
+set(text_PUBLIC_HEADERS AttributedString.h ParagraphStyle.h TextAttachment.h number_parsing.h
+                        string_drawing.h text_attributes.h)
 set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
     AttributedStringCoding.cpp
     MutableAttributedString.cpp
     ParagraphStyle.cpp
+    TextAttachment.cpp
     TextLine.cpp
     TextStyle.cpp
     bidi.cpp

@@ -21,9 +21,10 @@ inline constexpr QLatin1StringView KernAttributeName{"NSKern"};                 
 inline constexpr QLatin1StringView BaselineOffsetAttributeName{"NSBaselineOffset"};
 // Of a Ref<ParagraphStyle>, one line of text honours the writing direction.
 inline constexpr QLatin1StringView ParagraphStyleAttributeName{"NSParagraphStyle"};
+// Ref<TextAttachment>, shown for the characters U+FFFC.
+inline constexpr QLatin1StringView AttachmentAttributeName{"NSAttachment"};
 
 // Attributes that are kept only.
-inline constexpr QLatin1StringView AttachmentAttributeName{"NSAttachment"};
 inline constexpr QLatin1StringView LinkAttributeName{"NSLink"};
 inline constexpr QLatin1StringView OriginalFontAttributeName{"NSOriginalFont"};
 inline constexpr QLatin1StringView LigatureAttributeName{"NSLigature"};
