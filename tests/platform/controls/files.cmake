@@ -3,8 +3,10 @@ set(controls_TESTS
     ButtonTest.cpp
     CellTest.cpp
     MenuTest.cpp
+    TextFieldTest.cpp
     TrackingRectanglesTest.cpp
     TrackingSessionTest.cpp
     button_archivesTest.cpp
     button_pointerTest.cpp
-    cell_archivesTest.cpp)
+    cell_archivesTest.cpp
+    text_wrappingTest.cpp)

@@ -7,6 +7,8 @@ set(controls_PUBLIC_HEADERS
     ControlView.h
     Event.h
     Menu.h
+    TextField.h
+    TextFieldCell.h
     TrackingSession.h
     ViewObject.h
     control_types.h
@@ -25,6 +27,7 @@ set(controls_PRIVATE_HEADERS
     cell_drawing_p.h
     cell_flags_p.h
     mouse_events_p.h
+    text_wrapping_p.h
     tracking_loop_p.h)
 set(controls_SOURCES
     ActionCell.cpp
@@ -43,6 +46,8 @@ set(controls_SOURCES
     Menu.cpp
     MenuPopUp.cpp
     PointerMonitor.cpp
+    TextField.cpp
+    TextFieldCell.cpp
     TrackingRectangles.cpp
     TrackingSession.cpp
     ViewObject.cpp
@@ -50,4 +55,5 @@ set(controls_SOURCES
     callback_border.cpp
     cell_drawing.cpp
     mouse_events.cpp
+    text_wrapping.cpp
     tracking_loop.cpp)
