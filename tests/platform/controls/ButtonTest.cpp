@@ -2,6 +2,7 @@
 
 #include "tests/platform/controls/ButtonProbe.h"
 #include "tests/support/LogWatch.h"
+#include "tests/support/waiting.h"
 #include "zqticker/platform/controls/Menu.h"
 #include "zqticker/platform/controls/TrackingSession.h"
 #include "zqticker/platform/controls/view_notifications.h"
@@ -86,6 +87,9 @@ TEST_F(ButtonTest, TracksAgainWhenThePointerComesBack) {
   EXPECT_FALSE(button->cell()->isHighlighted());
   drag(60, 50);
   EXPECT_EQ(seen.take(), (QStringList{u"pressed"_s, u"released"_s}));
+  // The far edge lies outside.
+  drag(100, 10);
+  EXPECT_FALSE(button->cell()->isHighlighted());
   drag(50, 10);
   EXPECT_TRUE(button->cell()->isHighlighted());
   release(50, 10);
@@ -332,6 +336,51 @@ TEST_F(ButtonTest, StaysHighlightedAsLongAsItsMenu) {
   button->setEnabled(false);
   EXPECT_FALSE(cell->isHighlighted());
   menu->hide();
+}
+
+TEST_F(ButtonTest, TellsNothingMoreWhenItIsDestroyedWhilePressed) {
+  Signals seen(button);
+  press();
+  delete button;
+  EXPECT_EQ(seen.take(), QStringList{u"pressed"_s});
+}
+
+TEST_F(ButtonTest, HoldsAPressUntilItsDeadline) {
+  class HeldCell : public ButtonCell {
+   public:
+    class Session : public TrackingSession {
+     public:
+      using TrackingSession::TrackingSession;
+
+     protected:
+      Result begin() override { return Result::Running; }
+      Result pass(const Event&) override { return Result::Running; }
+      Result deadlineReached() override {
+        cell()->showMenuForEvent(press(), view(), cellFrame());
+        return Result::Yes;
+      }
+      std::optional<double> delaySeconds() const override { return 0.001; }
+    };
+    std::shared_ptr<TrackingSession> makeTrackingSession(const Event& event, const QRectF& inRect,
+                                                         ControlView* ofView,
+                                                         bool untilMouseUp) override {
+      return std::make_shared<Session>(std::static_pointer_cast<Cell>(shared_from_this()), event,
+                                       inRect, ofView, untilMouseUp);
+    }
+  };
+  const auto cell = std::make_shared<HeldCell>();
+  auto owned = std::make_unique<QMenu>();
+  QMenu* menu = owned.get();
+  menu->addAction(u"Item"_s);
+  cell->setMenu(Menu::make(std::move(owned)));
+  button->setCell(cell);
+  press();
+  EXPECT_FALSE(menu->isVisible());
+  EXPECT_TRUE(waitFor([&] { return menu->isVisible(); }));
+  EXPECT_TRUE(cell->isHighlighted());
+  menu->hide();
+  EXPECT_FALSE(cell->isHighlighted());
+  EXPECT_EQ(takeLog(), QStringList());
 }
 
 TEST_F(ButtonTest, DrawsItsCellOverTheWholeOfIt) {

@@ -41,7 +41,7 @@ Button::Button(const Ref<ButtonCell>& cell, QWidget* parent)
 
 Button::~Button() {
   if (private_->press)
-    private_->press->cancel();
+    private_->press->abandon();
   if (private_->isListeningToMonitor)
     PointerMonitor::shared().removeListener();
 }

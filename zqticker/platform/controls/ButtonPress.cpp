@@ -3,6 +3,7 @@
 #include "zqticker/platform/controls/ButtonCell.h"
 #include "zqticker/platform/controls/Button_p.h"
 #include "zqticker/platform/controls/callback_border_p.h"
+#include "zqticker/platform/controls/point_in_rect_p.h"
 #include "zqticker/platform/controls/tracking_loop_p.h"
 
 #include <utility>
@@ -32,7 +33,8 @@ void ButtonPress::feed(const Event& event) {
     settle();
   } else if (isUp_) {
     isOver_ = true;
-  } else if (button_->bounds().contains(button_->convertPointFromWindow(event.locationInWindow))) {
+  } else if (isPointInRect(button_->convertPointFromWindow(event.locationInWindow),
+                           button_->bounds())) {
     track(event);
   }
 }
@@ -46,6 +48,11 @@ void ButtonPress::cancel() {
     session->cancel();
   if (isTracking_)
     endTracking();
+}
+
+void ButtonPress::abandon() {
+  button_ = nullptr;
+  cancel();
 }
 
 // The pointer is inside: highlights the cell and has it track from `event` on.

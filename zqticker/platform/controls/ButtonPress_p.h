@@ -27,6 +27,8 @@ class ButtonPress : public std::enable_shared_from_this<ButtonPress> {
   void feed(const Event& event);
   // Ends the press without a click.
   void cancel();
+  // The same while the button is being destroyed, which is told nothing any more.
+  void abandon();
 
   bool isOver() const { return isOver_; }
   // An action was sent; clicked follows when the present pass is through.

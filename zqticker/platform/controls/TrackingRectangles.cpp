@@ -1,14 +1,14 @@
 #include "zqticker/platform/controls/TrackingRectangles_p.h"
 
+#include "zqticker/platform/controls/point_in_rect_p.h"
+
 #include <algorithm>
 #include <utility>
 
 namespace zq::platform {
 
-// The near edges belong to a rectangle, the far ones do not.
 static bool contains(const QRectF& rect, const std::optional<QPointF>& point) {
-  return point && point->x() >= rect.left() && point->x() < rect.right() &&
-         point->y() >= rect.top() && point->y() < rect.bottom();
+  return point && isPointInRect(*point, rect);
 }
 
 TrackingRectangles::Tag TrackingRectangles::add(const QRectF& rect, bool assumeInside) {

@@ -2,6 +2,7 @@
 
 #include "zqticker/platform/controls/Cell.h"
 #include "zqticker/platform/controls/ControlView.h"
+#include "zqticker/platform/controls/point_in_rect_p.h"
 
 #include <utility>
 
@@ -92,9 +93,7 @@ bool TrackingSession::isInside(const Event& event) const {
   ControlView* view = view_.get();
   if (!view)
     return false;
-  const QPointF point = view->convertPointFromWindow(event.locationInWindow);
-  return point.x() >= cellFrame_.left() && point.x() < cellFrame_.right() &&
-         point.y() >= cellFrame_.top() && point.y() < cellFrame_.bottom();
+  return isPointInRect(view->convertPointFromWindow(event.locationInWindow), cellFrame_);
 }
 
 } // namespace zq::platform

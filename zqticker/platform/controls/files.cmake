@@ -27,6 +27,7 @@ set(controls_PRIVATE_HEADERS
     cell_drawing_p.h
     cell_flags_p.h
     mouse_events_p.h
+    point_in_rect_p.h
     text_wrapping_p.h
     tracking_loop_p.h)
 set(controls_SOURCES
