@@ -68,11 +68,11 @@ Ref<Object> ButtonCell::initWithCoder(Coder& coder) {
   keyEquivalent_ = coder.decodeStringForKey(KeyEquivalentKey).value_or(QString());
   image_ = coder.decodeObjectOfClass<Image>(ImageKey);
   const Any alternate = coder.decodeObjectForKey(AlternateImageKey);
-  alternateImage_ = objectOf(alternate);
   if (alternate.isValid() && !objectOf<Image>(alternate) && !objectOf<Font>(alternate) &&
       !objectOf<ButtonImageSource>(alternate))
     throw ArchiveException(u"an image, the name of one or a font is expected"_s,
                            coder.keyPath(AlternateImageKey));
+  alternateImage_ = objectOf(alternate);
   periodicDelay_ = coder.decodeIntForKey(PeriodicDelayKey);
   periodicInterval_ = coder.decodeIntForKey(PeriodicIntervalKey);
   archivedType_ = std::nullopt;

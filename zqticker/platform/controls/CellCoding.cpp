@@ -73,14 +73,16 @@ Ref<Object> Cell::initWithCoder(Coder& coder) {
   if (coder.containsValueForKey(ControlSizeKey) && (size & 7) == int(controlSize_))
     controlSize_ = ControlSize(size);
 
-  contents_ = coder.decodeObjectForKey(ContentsKey);
-  if (!isContents(contents_))
+  // Checked before they are kept: a cell that kept itself would never be freed.
+  const Any contents = coder.decodeObjectForKey(ContentsKey);
+  if (!isContents(contents))
     throw ArchiveException(u"a cell shows text, a number, a date or an image"_s,
                            coder.keyPath(ContentsKey));
+  contents_ = contents;
   const Any support = coder.decodeObjectForKey(SupportKey);
-  support_ = objectOf(support);
   if (support.isValid() && !objectOf<Font>(support) && !objectOf<Image>(support))
     throw ArchiveException(u"a font or an image is expected"_s, coder.keyPath(SupportKey));
+  support_ = objectOf(support);
   return shared_from_this();
 }
 
