@@ -286,7 +286,7 @@ class ShippedAppearance : public ::testing::TestWithParam<const char*> {
   static double contrast(const Ref<Color>& a, const Ref<Color>& b) {
     EXPECT_EQ(a->alphaComponent(), 1);
     EXPECT_EQ(b->alphaComponent(), 1);
-    const auto [dark, light] = std::minmax(luminance(*a), luminance(*b));
+    const auto [dark, light] = std::minmax({luminance(*a), luminance(*b)});
     return (light + 0.05) / (dark + 0.05);
   }
 };
