@@ -9,6 +9,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
+
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
 using namespace zq::testing;
@@ -114,6 +116,21 @@ Ref<ZQRollOverButtonCell> read(const QByteArray& archive) {
   return KeyedUnarchiver::unarchiveObjectOfClass<ZQRollOverButtonCell>(archive);
 }
 
+QByteArray golden(const QString& name) {
+  QFile file(QStringLiteral(ZQTICKER_SOURCE_DIR "/tests/rollover/golden/") + name);
+  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << file.fileName().toStdString();
+  return file.readAll();
+}
+
+void expectEqualButForBorder(const ZQRollOverButtonAppearance& a,
+                             const ZQRollOverButtonAppearance& b) {
+#define ZQ_COMPARE(Type, property, getter, setter)                                                 \
+  EXPECT_TRUE(#property == "bordered"_L1 || equalAttributes<Type>(a.getter(), b.getter()))         \
+      << #property;
+  ZQ_APPEARANCE_ATTRIBUTES(ZQ_COMPARE)
+#undef ZQ_COMPARE
+}
+
 } // namespace
 
 TEST(RollOverButtonCellArchive, EveryAttributeButTheBorderedFlagComesBack) {
@@ -123,11 +140,7 @@ TEST(RollOverButtonCellArchive, EveryAttributeButTheBorderedFlagComesBack) {
   const auto own = cell->appearance();
   ASSERT_NE(own, nullptr);
   EXPECT_FALSE(own->isBordered());
-  own->setBordered(source->isBordered());
-#define ZQ_COMPARE(Type, property, getter, setter)                                                 \
-  EXPECT_TRUE(equalAttributes<Type>(own->getter(), source->getter())) << #property;
-  ZQ_APPEARANCE_ATTRIBUTES(ZQ_COMPARE)
-#undef ZQ_COMPARE
+  expectEqualButForBorder(*own, *source);
 }
 
 TEST(RollOverButtonCellArchive, TheStateOfTheBaseComesBack) {
@@ -236,4 +249,42 @@ TEST(RollOverButtonCellArchive, ACoderWithoutKeysIsLoggedAndLeftAlone) {
   EXPECT_EQ(fresh->appearance(), nullptr);
   EXPECT_EQ(fresh->title(), u"Play"_s);
   EXPECT_EQ(fresh->alignment(), TextAlignment::Center);
+}
+
+// Archives of another program.
+
+TEST(ForeignRollOverButtonCell, IsReadWithEveryValueAndWrittenAgain) {
+  const auto look =
+      ZQRollOverButtonAppearance::appearanceWithDataRepresentation(golden(u"complete.button"_s));
+  ASSERT_NE(look, nullptr);
+  const auto foreign = read(golden(u"cell.archive"_s));
+  ASSERT_NE(foreign, nullptr);
+  for (const auto& cell : {foreign, reread(foreign)}) {
+    EXPECT_EQ(cell->title(), u"Play"_s);
+    EXPECT_EQ(cell->tag(), 7);
+    EXPECT_EQ(cell->state(), CellState::On);
+    EXPECT_EQ(cell->showsStateBy(), unsigned(ContentsCellMask));
+    EXPECT_EQ(cell->alignment(), TextAlignment::Center);
+    EXPECT_EQ(cell->bezelStyle(), 6);
+    ASSERT_NE(cell->appearance(), nullptr);
+    expectEqualButForBorder(*cell->appearance(), *look);
+    // The archive has the key, which is that of an appearance, and the flag of the platform's cell.
+    EXPECT_FALSE(cell->isBordered());
+  }
+}
+
+TEST(ForeignRollOverButtonCell, HasNoAppearanceWhereTheArchiveHasNone) {
+  const auto cell = read(golden(u"cell-of-the-class.archive"_s));
+  ASSERT_NE(cell, nullptr);
+  EXPECT_EQ(cell->title(), u"Play"_s);
+  EXPECT_EQ(cell->appearance(), nullptr);
+}
+
+TEST(ForeignRollOverButtonCell, IsNotItsOwnColor) {
+  try {
+    read(golden(u"broken-color-is-the-cell.archive"_s));
+    ADD_FAILURE() << "was read";
+  } catch (const ArchiveException& exception) {
+    EXPECT_EQ(exception.keyPath(), u"root.zq_controlColor"_s);
+  }
 }

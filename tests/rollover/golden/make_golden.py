@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Writes the golden appearance files beside this file, with python's own property-list writer.
+"""Writes the golden appearance and cell files beside this file, with python's own property-list writer.
 
 The archives are foreign to the library's writer on purpose: they are what another program sends.
 Run it after a change of the format only; the files are kept in the repository.
@@ -63,6 +63,7 @@ def xml_uids(value):
 
 
 APPEARANCE = ("ZQRollOverButtonAppearance",)
+CELL = ("ZQRollOverButtonCell", "NSButtonCell", "NSActionCell", "NSCell")
 
 
 def complete(archive, names=APPEARANCE, **changed):
@@ -134,6 +135,19 @@ def main():
     a = Archive()
     uid = UID(len(a.objects))
     a.write("broken-color-is-the-appearance.button", a.record(APPEARANCE, zq_controlColor=uid))
+
+    # A text cell, bordered, on, aligned to the left, that shows its state by its contents.
+    a = Archive()
+    flags = {"NSCellFlags": -0x7c000000, "NSCellFlags2": 0,
+             "NSButtonFlags": 0x40800000, "NSButtonFlags2": 6}
+    a.write("cell.archive", complete(a, CELL, NSContents=a.add("Play"), NSTag=7, **flags))
+
+    a = Archive()
+    a.write("cell-of-the-class.archive", a.record(CELL, NSContents=a.add("Play"), **flags))
+
+    a = Archive()
+    uid = UID(len(a.objects))
+    a.write("broken-color-is-the-cell.archive", a.record(CELL, zq_controlColor=uid, **flags))
 
 
 if __name__ == "__main__":
