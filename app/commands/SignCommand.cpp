@@ -3,6 +3,7 @@
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "app/commands/sign_loading.h"
+#include "app/display/SignAction.h"
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
@@ -20,8 +21,6 @@ using namespace platform;
 
 namespace {
 constexpr double SystemFontSize = 13;
-// The kind of action that opens the location in actionString.
-constexpr int OpenLocation = 1;
 
 Attributes styleOf(const SignOptions& options) {
   Attributes style;

@@ -155,6 +155,15 @@ void requireSomethingToShow(const StripOptions& options, const QString& command)
                      u"--stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
 }
 
+// Settings of feeds are for feeds.
+void requireFeeds(const StripOptions& options, const std::vector<ParsedOption>& given) {
+  if (!options.feeds.feeds.empty())
+    return;
+  for (const ParsedOption& option : given)
+    if (option.name == "feed-items"_L1 || option.name == "feed-interval"_L1)
+      throw UsageError(option.text() + u": there is no --feed that it could be for"_s);
+}
+
 void readSize(StripOptions& options, const ParsedOption& option) {
   const QStringList sides = option.values.first().split(u'x');
   bool isWidth = false;
@@ -183,7 +192,8 @@ Edge edgeOf(const ParsedOption& option) {
 
 RunOptions readRunOptions(const QStringList& arguments) {
   RunOptions options;
-  for (const ParsedOption& option : parseOptions(runTable(), arguments))
+  const auto given = parseOptions(runTable(), arguments);
+  for (const ParsedOption& option : given)
     if (option.name == "position"_L1)
       options.edge = edgeOf(option);
     else if (option.name == "watch"_L1)
@@ -191,6 +201,7 @@ RunOptions readRunOptions(const QStringList& arguments) {
     else
       readStripOption(options.strip, option);
   requireSomethingToShow(options.strip, runTable().command);
+  requireFeeds(options.strip, given);
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
   if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)
     throw UsageError(options.strip.isHorizontal
@@ -201,7 +212,8 @@ RunOptions readRunOptions(const QStringList& arguments) {
 
 RenderOptions readRenderOptions(const QStringList& arguments) {
   RenderOptions options;
-  for (const ParsedOption& option : parseOptions(renderTable(), arguments)) {
+  const auto given = parseOptions(renderTable(), arguments);
+  for (const ParsedOption& option : given) {
     if (option.name == "size"_L1)
       readSize(options.strip, option);
     else if (option.name == "frames"_L1)
@@ -218,6 +230,7 @@ RenderOptions readRenderOptions(const QStringList& arguments) {
       readStripOption(options.strip, option);
   }
   requireSomethingToShow(options.strip, renderTable().command);
+  requireFeeds(options.strip, given);
   if (options.output.isEmpty())
     throw UsageError(u"--output: missing; say where the pictures go, a folder or a file.png"_s);
   return options;

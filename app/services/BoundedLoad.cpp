@@ -80,6 +80,11 @@ void BoundedLoad::endTooLarge() {
   end(u"larger than %1 MiB"_s.arg(mostBytes_ / BytesPerMebibyte));
 }
 
+bool BoundedLoad::isRefused() const {
+  const Ref<URLResponse> last = response();
+  return last && last->statusCode() >= FirstErrorStatus;
+}
+
 void BoundedLoad::loaded(const std::optional<QByteArray>& data, const QVariantMap& context) {
   if (hasEnded_)
     return;
@@ -89,7 +94,7 @@ void BoundedLoad::loaded(const std::optional<QByteArray>& data, const QVariantMa
   const Ref<Error> error = objectOf<Error>(context.value(u"error"_s));
   if (!data)
     end(error ? error->localizedDescription() : u"cannot be loaded"_s);
-  else if (response_ && response_->statusCode() >= FirstErrorStatus)
+  else if (isRefused())
     end(u"the server answers with status %1"_s.arg(response_->statusCode()));
   else
     end(QString());

@@ -33,6 +33,8 @@ class BoundedLoad : public QObject, public ZQURLLoaderDelegate {
   // too large the part that came.
   const QByteArray& data() const;
   bool isTooLarge() const { return isTooLarge_; }
+  // Whether the last response says that the request has failed.
+  bool isRefused() const;
 
   // A response has arrived, the body begins anew; then more of the body.
   Q_SIGNAL void responded();

@@ -14,7 +14,6 @@ using namespace platform;
 namespace {
 // A millisecond or two of parsing.
 constexpr qsizetype BytesPerSlice = 64 << 10;
-constexpr int FirstErrorStatus = 400;
 constexpr int GoneStatus = 410;
 
 QString contentTypeOf(const URLResponse& response) {
@@ -47,7 +46,7 @@ void FeedLoad::beginDocument() {
   parser_.reset();
   parsed_ = 0;
   const Ref<URLResponse> response = load_.response();
-  if (response && response->statusCode() < FirstErrorStatus)
+  if (response && !load_.isRefused())
     parser_ = std::make_unique<FeedParser>(response->URL(), contentTypeOf(*response));
 }
 

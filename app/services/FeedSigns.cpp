@@ -1,5 +1,6 @@
 #include "app/services/FeedSigns.h"
 
+#include "app/display/SignAction.h"
 #include "app/display/TickerDisplay.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
@@ -7,11 +8,6 @@
 namespace zq::app {
 
 using namespace platform;
-
-namespace {
-// A sign's action: to open its actionString as a location.
-constexpr std::int32_t OpenLocation = 1;
-} // namespace
 
 FeedSigns::FeedSigns(TickerDisplay& display, LoopRule rule) : display_(display), rule_(rule) {}
 

@@ -220,6 +220,13 @@ TEST(StripOptions, ReadFeeds) {
   EXPECT_EQ(strip("--feed https://example.org/a").feeds.intervalMinutes, std::nullopt);
 }
 
+TEST(StripOptions, RefuseSettingsOfFeedsWithoutAFeed) {
+  EXPECT_EQ(runFailure("--text a --feed-items 3"),
+            "--feed-items 3: there is no --feed that it could be for");
+  EXPECT_EQ(runFailure("--feed-interval 5 --text a"),
+            "--feed-interval 5: there is no --feed that it could be for");
+}
+
 TEST(StripOptions, RefuseWhatIsNoFeed) {
   for (const char* address : {"example.org/feed", "feed.xml", "/tmp/feed.xml", "ftp://example.org/",
                               "javascript:1", "https://", "http:///feed", "https://[x/", "-"}) {
