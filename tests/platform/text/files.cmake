@@ -1,5 +1,15 @@
-set(text_TESTS AttributedStringTest.cpp ParagraphStyleTest.cpp TextAttachmentTest.cpp TextLineTest.cpp
-               attributed_string_archivesTest.cpp number_parsingTest.cpp text_drawingTest.cpp)
+set(text_TESTS
+    AttributedStringTest.cpp
+    CharacterSetTest.cpp
+    ParagraphStyleTest.cpp
+    ScannerTest.cpp
+    TextAttachmentTest.cpp
+    TextLineTest.cpp
+    attributed_string_archivesTest.cpp
+    line_rangesTest.cpp
+    number_parsingTest.cpp
+    string_searchTest.cpp
+    text_drawingTest.cpp)
 
 # A process of its own for what one process can do only once.
 add_executable(zqticker-text-probe ${CMAKE_CURRENT_LIST_DIR}/TextProbe.cpp)
