@@ -152,17 +152,14 @@ void FeedParser::Document::begin(QByteArrayView text) {
 }
 
 void FeedParser::Document::readXml(QByteArrayView text) {
-  const QByteArray mended = mender_.add(text);
-  if (mender_.documentType() == "html") {
-    error_ = u"not a feed: an HTML page"_s;
-    return;
-  }
-  xml_->add(mended);
+  xml_->add(mender_.add(text));
   isDone_ = xml_->isDone();
   error_ = xml_->errorText();
   if (isDone_ || !error_.isEmpty())
     return;
-  if (!mender_.errorText().isEmpty())
+  if (mender_.isPage())
+    error_ = u"not a feed: an HTML page"_s;
+  else if (!mender_.errorText().isEmpty())
     error_ = u"XML error in line %1: %2"_s.arg(line()).arg(mender_.errorText());
 }
 

@@ -130,7 +130,7 @@ QByteArray XmlMender::add(QByteArrayView text) {
   const char* from = text.begin();
   const char* const end = text.end();
   run_ = from;
-  while (from != end && error_.isEmpty()) {
+  while (from != end && error_.isEmpty() && !isPage_) {
     switch (state_) {
     case State::Text:
       from = readText(from, end);
@@ -400,7 +400,7 @@ void XmlMender::endDocumentType() {
   const QByteArray text = std::exchange(pending_, {});
   const auto name = std::find_if_not(text.begin() + qstrlen("<!DOCTYPE"), text.end(), isSpace);
   const auto nameEnd = std::find_if(name, text.end(), [](char c) { return !isInReference(c); });
-  documentType_ = QByteArray(name, nameEnd - name).toLower();
+  isPage_ = QByteArrayView(name, nameEnd - name).compare("html", Qt::CaseInsensitive) == 0;
   declareEntities(text);
 }
 

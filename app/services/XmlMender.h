@@ -20,13 +20,14 @@ namespace zq::app {
 //     the document grow to.
 class XmlMender {
  public:
-  // Mends valid UTF-8 in whole characters. Empty after an error.
+  // Mends valid UTF-8 in whole characters. Empty after an error, and behind the
+  // document type of a page.
   QByteArray add(QByteArrayView text);
 
   // Empty, or what was met, after the text that went before it.
   const QString& errorText() const { return error_; }
-  // The name in the document type, such as "html"; empty without one.
-  const QByteArray& documentType() const { return documentType_; }
+  // Whether the document type is that of HTML. Then nothing is read behind it.
+  bool isPage() const { return isPage_; }
 
  private:
   enum class State {
@@ -78,7 +79,7 @@ class XmlMender {
   bool hasRoot_ = false;
   bool inSubset_ = false;
   bool inComment_ = false;
-  QByteArray documentType_;
+  bool isPage_ = false;
   // What entities of the document stand for.
   struct Entity {
     QByteArray text;
