@@ -121,6 +121,8 @@ def operations_of(body, class_name):
         if match := re.match(r"(public|protected|private):", statement):
             public = match.group(1) == "public"
             continue
+        if OPERATION.search(comment):
+            statement = re.sub(r"^\s*template <[^>]*>", "", statement)
         if not public or statement.lstrip().startswith(("template", "using", "enum", "struct",
                                                          "class", "friend", "typedef")):
             continue
@@ -181,7 +183,7 @@ def expanded(text, lists):
 def rows_of(header, lists):
     text = re.sub(r"^ *(Q_GADGET|Q_OBJECT|ZQ_OBJECT|Q_CLASSINFO\([^)]*\))$", "", header.read_text(),
                   flags=re.M)
-    text = expanded(text, lists)
+    text = re.sub(r"^ *Q_PROPERTY\([^)]*\)$", "", expanded(text, lists), flags=re.M)
     for match in re.finditer(r"(?:class|struct)\s+ZQTICKER_EXPORT\s+\w+[^;{]*\{", text):
         class_name = re.match(r"(?:class|struct)\s+ZQTICKER_EXPORT\s+(\w+)", match.group(0)).group(1)
         rows = list(operations_of(text[match.end():], class_name))

@@ -46,9 +46,10 @@ class ProbeButton : public platform::Button {
 };
 
 // 200 × 100 points, with the button at the top left corner of a 100 × 22 place at (20, 10).
-class ButtonWindow {
+template <class Probe>
+class WindowWith {
  public:
-  ButtonWindow() : window(std::make_unique<QWidget>()), button(new ProbeButton(window.get())) {
+  WindowWith() : window(std::make_unique<QWidget>()), button(new Probe(window.get())) {
     // Of menus and windows without a window system.
     allowLog(QStringLiteral("This plugin does not support"));
     window->setGeometry(40, 40, 200, 100);
@@ -84,7 +85,9 @@ class ButtonWindow {
 
   std::unique_ptr<QWidget> window;
   // Owned by the window; looked at only while it lives.
-  ProbeButton* button;
+  Probe* button;
 };
+
+using ButtonWindow = WindowWith<ProbeButton>;
 
 } // namespace zq::testing

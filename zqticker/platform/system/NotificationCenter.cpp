@@ -77,6 +77,21 @@ void NotificationCenter::removeObserver(const Target& observer) {
     removeIf([&](const Entry& entry) { return entry.identity == identity; });
 }
 
+void NotificationCenter::removeObserver(const Target& observer, const QString& name,
+                                        const Ref<Object>& object) {
+  const void* const identity = observer.identity();
+  if (!identity)
+    return;
+  removeIf([&](const Entry& entry) {
+    return entry.identity == identity && entry.name == name &&
+           (!object || entry.object.lock() == object);
+  });
+}
+
+std::size_t NotificationCenter::registrationCount() const {
+  return entries()->size();
+}
+
 void NotificationCenter::postNotificationName(const QString& name, const Ref<Object>& object,
                                               const QVariantMap& userInfo) {
   QVariantList arguments;

@@ -50,6 +50,15 @@ class ZQTICKER_EXPORT NotificationCenter {
   // Takes back all that was added for `observer`. One that is removed while a post is under way on
   // this thread is not sent any more.
   void removeObserver(const Target& observer);
+  // Takes back what was added for `observer` with this very name, whatever the object, or only
+  // what was added with `object` where there is one.
+  // Operation: removeObserver:name:object:
+  void removeObserver(const Target& observer, const QString& name,
+                      const Ref<Object>& object = nullptr);
+
+  // How many registrations there are, those of observers that have gone included: these are let go
+  // by the next post that they are meant for.
+  std::size_t registrationCount() const;
 
   // Sends a notification to its observers and returns when all have been called. What one of them
   // raises is raised here, and those after it are not called. `object` may be null.

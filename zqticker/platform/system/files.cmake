@@ -1,4 +1,5 @@
 set(system_PUBLIC_HEADERS
+    Bundle.h
     DirectorySubscription.h
     KernelEventQueue.h
     Notification.h
@@ -41,6 +42,7 @@ set(system_PRIVATE_HEADERS
     redirects_p.h
     user_agent_p.h)
 set(system_SOURCES
+    Bundle.cpp
     CachedSource.cpp
     CurlDriver.cpp
     CurlTransfer.cpp
