@@ -3,6 +3,7 @@
 #include "app/commands/failures.h"
 
 #include <QtCore/QSet>
+#include <QtGui/QColor>
 
 #include <algorithm>
 #include <cmath>
@@ -149,6 +150,14 @@ QString wordOf(const ParsedOption& option, const QStringList& allowed) {
   if (!allowed.contains(option.values.first()))
     throw UsageError(option.text() + u": must be "_s + allowed.join(u" or "));
   return option.values.first();
+}
+
+QColor colorOf(const ParsedOption& option) {
+  const QColor color(option.values.first());
+  if (!color.isValid())
+    throw UsageError(option.text() +
+                     u": not a color (write a name such as navy, or #rrggbb, or #aarrggbb)"_s);
+  return color;
 }
 
 } // namespace zq::app

@@ -6,6 +6,8 @@
 
 #include <vector>
 
+class QColor;
+
 namespace zq::app {
 
 // One option. Its name stands without the leading dashes; `values` names its values.
@@ -50,5 +52,6 @@ QString helpText(const OptionTable& table);
 double numberOf(const ParsedOption& option, double least, double most);
 qint64 integerOf(const ParsedOption& option, qint64 least, qint64 most);
 QString wordOf(const ParsedOption& option, const QStringList& allowed);
+QColor colorOf(const ParsedOption& option);
 
 } // namespace zq::app

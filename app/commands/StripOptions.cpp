@@ -42,14 +42,6 @@ QString fileOf(const ParsedOption& option, const QString& value) {
   return value;
 }
 
-QColor colorOf(const ParsedOption& option) {
-  const QColor color(option.values.first());
-  if (!color.isValid())
-    throw UsageError(option.text() +
-                     u": not a color (write a name such as navy, or #rrggbb, or #aarrggbb)"_s);
-  return color;
-}
-
 FontRequest fontOf(const ParsedOption& option) {
   const QString text = option.values.first().simplified();
   if (text.isEmpty())

@@ -48,6 +48,43 @@ OptionTable makeAppearanceMakeTable() {
                     u"A look from its description."_s};
   return table;
 }
+
+OptionTable makeAppearancePreviewTable() {
+  OptionTable table;
+  table.command = u"appearance preview"_s;
+  table.summary = u"Writes pictures of all looks of the buttons that a file describes, for people "
+                  u"to look at."_s;
+  table.operands = {u"FILE"_s};
+  table.options = {
+      {u"output"_s,
+       {u"PNG"_s},
+       u"The picture to write, such as dark.png. Without --scale there are two: dark.png with one "
+       u"pixel a point, and beside it dark@2x.png with two, for finer screens."_s},
+      {u"scale"_s, {u"N"_s}, u"One picture only, with so many pixels a point, 1 to 8."_s},
+      {u"background"_s,
+       {u"COLOR"_s},
+       u"The color behind the buttons. Usual: light grey for light buttons, dark grey for dark "
+       u"ones."_s},
+      {u"help"_s, {}, u"Print this text."_s}};
+  table.notes = {
+      u"FILE is a keyed archive of an appearance, as `appearance make` writes it."_s,
+      u"Each row holds a button in its states: left alone, under the pointer, pressed, on and "
+      u"disabled; first without a menu, then with one, the arrow of which shows where the look "
+      u"says "
+      u"so. The first rows show the look as it is, in three sizes and with a title that is too "
+      u"long, and how far the title stands out from the bezel: 4.5 : 1 is what easy reading needs. "
+      u"The rows below show both outlines with all shading modes, drawn in coordinates that run "
+      u"upwards and (flipped) downwards. A dot marks the look's own."_s,
+      u"Pictures are complete or not there. Exit status: 0, 1 where a file could not be read or "
+      u"written, 2 for a wrong command line."_s};
+  table.examples = {
+      u"zqticker appearance preview dark.button --output dark.png"_s,
+      u"Writes dark.png and dark@2x.png."_s,
+      u"zqticker appearance preview dark.button --background white --scale 2 --output "
+      u"white.png"_s,
+      u"Dark buttons in a light window, finely."_s};
+  return table;
+}
 } // namespace
 
 const OptionTable& appearanceShowTable() {
@@ -57,6 +94,11 @@ const OptionTable& appearanceShowTable() {
 
 const OptionTable& appearanceMakeTable() {
   static const OptionTable table = makeAppearanceMakeTable();
+  return table;
+}
+
+const OptionTable& appearancePreviewTable() {
+  static const OptionTable table = makeAppearancePreviewTable();
   return table;
 }
 

@@ -7,5 +7,6 @@ namespace zq::app {
 
 const OptionTable& appearanceShowTable();
 const OptionTable& appearanceMakeTable();
+const OptionTable& appearancePreviewTable();
 
 } // namespace zq::app

@@ -374,7 +374,7 @@ QString programHelp() {
          u"  fetch       load the contents of an address\n"
          u"  feed        read a feed and tell what is in it: \"feed check URL\"\n"
          u"  watch       print what happens to files, as it happens\n"
-         u"  appearance  show or make the look of buttons: \"appearance show FILE\"\n"
+         u"  appearance  show, make or preview the look of buttons: \"appearance show FILE\"\n"
          u"  help        print this text, or that of a command\n\n"
          u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
          u"version.\n\n"_s +

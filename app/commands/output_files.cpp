@@ -16,22 +16,42 @@ using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
-void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes) {
+namespace {
+std::unique_ptr<QFileDevice> fileAt(const QString& path) {
   const QFileInfo info(path);
-  std::unique_ptr<QFileDevice> file;
   // A rename would put a plain file into the place of a device.
   if (info.exists() && !info.isFile() && !info.isDir())
-    file = std::make_unique<QFile>(path);
-  else
-    file = std::make_unique<QSaveFile>(path);
-  const auto finish = [&] {
-    if (auto* saved = dynamic_cast<QSaveFile*>(file.get()))
-      return saved->commit();
-    return file->flush();
+    return std::make_unique<QFile>(path);
+  return std::make_unique<QSaveFile>(path);
+}
+
+bool finish(QFileDevice& file) {
+  if (auto* saved = dynamic_cast<QSaveFile*>(&file))
+    return saved->commit();
+  return file.flush();
+}
+} // namespace
+
+void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes) {
+  writeOutputFiles(option, {{path, bytes}});
+}
+
+void writeOutputFiles(const QString& option, const std::vector<OutputFile>& files) {
+  std::vector<std::unique_ptr<QFileDevice>> written;
+  const auto require = [&](bool isDone, std::size_t i) {
+    if (!isDone)
+      throw RunTimeError(option + u' ' + quotedForMessage(files[i].path) + u": cannot write: "_s +
+                         written[i]->errorString());
   };
-  if (!file->open(QIODevice::WriteOnly) || file->write(bytes) != bytes.size() || !finish())
-    throw RunTimeError(option + u' ' + quotedForMessage(path) + u": cannot write: "_s +
-                       file->errorString());
+  for (std::size_t i = 0; i < files.size(); ++i) {
+    const OutputFile& file = files[i];
+    written.push_back(fileAt(file.path));
+    require(written[i]->open(QIODevice::WriteOnly) &&
+                written[i]->write(file.bytes) == file.bytes.size() && written[i]->flush(),
+            i);
+  }
+  for (std::size_t i = 0; i < files.size(); ++i)
+    require(finish(*written[i]), i);
 }
 
 void writeStandardOutput(const QByteArray& bytes) {

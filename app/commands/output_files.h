@@ -4,12 +4,21 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <vector>
+
 namespace zq::app {
 
 // Writes `bytes` to the file `path` named by `option` ("--output"): under a temporary name beside
 // it, then renamed. What is no plain file (a device, a pipe) is written directly. RunTimeError
 // naming option and file where that fails; a file that was there before is unchanged then.
 void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes);
+
+// The same for several files that belong together: none is renamed before all are written.
+struct OutputFile {
+  QString path;
+  QByteArray bytes;
+};
+void writeOutputFiles(const QString& option, const std::vector<OutputFile>& files);
 
 // Writes `bytes` to standard output and flushes it. RunTimeError where that fails.
 void writeStandardOutput(const QByteArray& bytes);

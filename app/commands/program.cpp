@@ -68,7 +68,8 @@ bool asksForHelp(const OptionTable& table, const QStringList& arguments) {
   return false;
 }
 
-// A command that draws, but not on a display.
+// A command that draws, but not on a display. Menus exist in an application with widgets only.
+template <class Application = QGuiApplication>
 class OffscreenApplication {
  public:
   explicit OffscreenApplication(char** argv) {
@@ -76,12 +77,12 @@ class OffscreenApplication {
     // Pixels are those asked for, whatever the desktop's scale is.
     for (const char* variable : {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_FONT_DPI"})
       qunsetenv(variable);
-    application_ = std::make_unique<QGuiApplication>(argc_, argv);
+    application_ = std::make_unique<Application>(argc_, argv);
   }
 
  private:
   int argc_ = 1;
-  std::unique_ptr<QGuiApplication> application_;
+  std::unique_ptr<Application> application_;
 };
 
 int runOnDisplay(const QStringList& arguments, char** argv) {
@@ -89,7 +90,7 @@ int runOnDisplay(const QStringList& arguments, char** argv) {
   readRunOptions(arguments);
   if (!hasDisplay()) {
     const QByteArray lost = qgetenv(LostDisplayVariable);
-    const OffscreenApplication application(argv);
+    const OffscreenApplication<> application(argv);
     return runWithoutDisplay(
         arguments, lost.isEmpty() ? u"no display"_s
                                   : u"display %1 does not answer"_s.arg(QString::fromUtf8(lost)));
@@ -117,11 +118,16 @@ int runHelp(const QStringList& arguments) {
     print(helpText(feedCheckTable()));
     return Success;
   }
+  const std::vector<const OptionTable*> appearances{&appearanceShowTable(), &appearanceMakeTable(),
+                                                    &appearancePreviewTable()};
   if (arguments == QStringList{u"appearance"_s}) {
-    print(helpText(appearanceShowTable()) + u'\n' + helpText(appearanceMakeTable()));
+    QStringList texts;
+    for (const OptionTable* table : appearances)
+      texts.append(helpText(*table));
+    print(texts.join(u'\n'));
     return Success;
   }
-  for (const OptionTable* table : {&appearanceShowTable(), &appearanceMakeTable()})
+  for (const OptionTable* table : appearances)
     if (arguments == table->command.split(u' ')) {
       print(helpText(*table));
       return Success;
@@ -146,18 +152,26 @@ int runFeed(const QStringList& arguments, char** argv) {
 }
 
 int runAppearance(const QStringList& arguments, char** argv) {
-  const QString command = arguments.value(0);
-  const bool shows = command == "show"_L1;
   if (arguments == QStringList{u"--help"_s} || arguments == QStringList{u"-h"_s})
     return runHelp({u"appearance"_s});
-  if (!shows && command != "make"_L1)
-    throw UsageError(u"appearance: needs \"show\" or \"make\" (see zqticker appearance --help)"_s);
-  if (asksForHelp(shows ? appearanceShowTable() : appearanceMakeTable(), arguments.sliced(1)))
+  const QString command = arguments.value(0);
+  const OptionTable* table = command == "show"_L1      ? &appearanceShowTable()
+                             : command == "make"_L1    ? &appearanceMakeTable()
+                             : command == "preview"_L1 ? &appearancePreviewTable()
+                                                       : nullptr;
+  if (!table)
+    throw UsageError(u"appearance: needs \"show\", \"make\" or \"preview\" (see zqticker "
+                     u"appearance --help)"_s);
+  const QStringList rest = arguments.sliced(1);
+  if (asksForHelp(*table, rest))
     return runHelp({u"appearance"_s, command});
+  if (command == "preview"_L1) {
+    const OffscreenApplication<QApplication> application(argv);
+    return previewAppearanceCommand(rest);
+  }
   int argc = 1;
   const QCoreApplication application(argc, argv);
-  return shows ? showAppearanceCommand(arguments.sliced(1))
-               : makeAppearanceCommand(arguments.sliced(1));
+  return command == "show"_L1 ? showAppearanceCommand(rest) : makeAppearanceCommand(rest);
 }
 
 int runNamed(const QString& command, const QStringList& arguments, char** argv) {
@@ -166,11 +180,11 @@ int runNamed(const QString& command, const QStringList& arguments, char** argv) 
     const OptionTable& table = renders ? renderTable() : signTable();
     if (asksForHelp(table, arguments))
       return runHelp({command});
-    const OffscreenApplication application(argv);
+    const OffscreenApplication<> application(argv);
     return renders ? renderCommand(arguments) : signCommand(arguments);
   }
   if (command == "archive"_L1) {
-    const OffscreenApplication application(argv);
+    const OffscreenApplication<> application(argv);
     return archiveCommand(arguments);
   }
   if (command == "fetch"_L1) {

@@ -1,58 +1,12 @@
 // The command `appearance` as a user meets it.
-#include "tests/app/Program.h"
+#include "tests/app/AppearanceCommand.h"
 #include "zqticker/platform/archiving/KeyedArchiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/rollover/ZQRollOverButtonAppearance.h"
 
-#include <QtCore/QDir>
-#include <QtCore/QFile>
-#include <QtCore/QTemporaryDir>
-
-#include <gtest/gtest.h>
-
 using namespace Qt::StringLiterals;
 using namespace zq::app::testing;
 using namespace zq::platform;
-
-namespace {
-
-class AppearanceCommand : public ::testing::Test {
- protected:
-  QString path(const QString& name) const { return folder_.filePath(name); }
-  QString write(const QString& name, const QByteArray& bytes) const {
-    QFile file(path(name));
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    return path(name);
-  }
-  static QByteArray contentsOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-  }
-  QStringList entries() const {
-    return QDir(folder_.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::Hidden);
-  }
-  static Outcome run(const QStringList& arguments) {
-    return runZqticker(QStringList{u"appearance"_s} + arguments);
-  }
-  static void expectFailure(const Outcome& outcome, int status, const QByteArray& start) {
-    EXPECT_EQ(outcome.status, status);
-    EXPECT_TRUE(outcome.errors.startsWith(QByteArray("zqticker: " + start)))
-        << outcome.errors.constData();
-    EXPECT_EQ(outcome.errors.count('\n'), 1) << outcome.errors.constData();
-    EXPECT_EQ(outcome.output, "");
-  }
-
-  QTemporaryDir folder_;
-};
-
-QByteArray golden(const QString& name) {
-  QFile file(QStringLiteral(ZQTICKER_SOURCE_DIR "/tests/rollover/golden/") + name);
-  EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
-  return file.readAll();
-}
-
-} // namespace
 
 TEST_F(AppearanceCommand, WhatIsShownMakesTheSameAppearance) {
   for (const auto& name : {u"complete.button"_s, u"complete.xml.button"_s, u"without-keys.button"_s,
@@ -122,9 +76,10 @@ TEST_F(AppearanceCommand, RefusesDescriptionsThatAreTooLarge) {
 }
 
 TEST_F(AppearanceCommand, RefusesWrongCommandLines) {
-  expectFailure(run({}), 2,
-                "appearance: needs \"show\" or \"make\" (see zqticker appearance --help)");
-  expectFailure(run({u"draw"_s}), 2, "appearance: needs \"show\" or \"make\"");
+  const QByteArray needed = "appearance: needs \"show\", \"make\" or \"preview\" (see zqticker "
+                            "appearance --help)";
+  expectFailure(run({}), 2, needed);
+  expectFailure(run({u"draw"_s}), 2, needed);
   expectFailure(run({u"show"_s}), 2, "FILE: missing (see zqticker appearance show --help)");
   expectFailure(run({u"show"_s, u"a"_s, u"b"_s}), 2, "b: unexpected argument");
   expectFailure(run({u"show"_s, u""_s}), 2, "the file name is empty");
@@ -135,10 +90,13 @@ TEST_F(AppearanceCommand, RefusesWrongCommandLines) {
 TEST_F(AppearanceCommand, PrintsItsHelp) {
   const QByteArray show = run({u"show"_s, u"--help"_s}).output;
   const QByteArray make = run({u"make"_s, u"-h"_s}).output;
+  const QByteArray preview = run({u"preview"_s, u"--help"_s}).output;
   EXPECT_TRUE(show.startsWith("Usage: zqticker appearance show [OPTION]... FILE\n"));
   EXPECT_TRUE(make.startsWith("Usage: zqticker appearance make [OPTION]... FILE\n"));
+  EXPECT_TRUE(preview.startsWith("Usage: zqticker appearance preview [OPTION]... FILE\n"));
   for (const QStringList& arguments :
        {QStringList{u"appearance"_s, u"--help"_s}, QStringList{u"help"_s, u"appearance"_s}})
-    EXPECT_EQ(runZqticker(arguments).output, show + '\n' + make);
+    EXPECT_EQ(runZqticker(arguments).output, show + '\n' + make + '\n' + preview);
   EXPECT_EQ(runZqticker({u"help"_s, u"appearance"_s, u"make"_s}).output, make);
+  EXPECT_EQ(runZqticker({u"help"_s, u"appearance"_s, u"preview"_s}).output, preview);
 }

@@ -7,13 +7,11 @@
 #include "zqticker/platform/graphics/Shadow.h"
 #include "zqticker/rollover/ZQRollOverButtonAppearance.h"
 
-#include <QtCore/QFile>
 #include <QtCore/QJsonDocument>
 #include <QtCore/QJsonObject>
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -260,65 +258,3 @@ TEST(WrongAppearanceJson, WrongNumbersAndFlagsAreNamed) {
   EXPECT_EQ(failureOf(R"({"popUpMenuDelay": "soon"})"),
             "popUpMenuDelay: expected a number of seconds, found \"soon\"");
 }
-
-// The looks that are shipped.
-class ShippedAppearance : public ::testing::TestWithParam<const char*> {
- protected:
-  static QByteArray contentsOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
-    return file.readAll();
-  }
-  static QByteArray description() {
-    return contentsOf(QStringLiteral(ZQTICKER_SOURCE_DIR "/app/resources/%1.json")
-                          .arg(QLatin1StringView(GetParam())));
-  }
-
-  // The luminance of an opaque colour, 0 to 1, and the contrast of two, 1 to 21, as the Web Content
-  // Accessibility Guidelines define them.
-  static double luminance(const Color& color) {
-    const auto linear = [](double channel) {
-      return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redComponent()) + 0.7152 * linear(color.greenComponent()) +
-           0.0722 * linear(color.blueComponent());
-  }
-  static double contrast(const Ref<Color>& a, const Ref<Color>& b) {
-    EXPECT_EQ(a->alphaComponent(), 1);
-    EXPECT_EQ(b->alphaComponent(), 1);
-    const auto [dark, light] = std::minmax({luminance(*a), luminance(*b)});
-    return (light + 0.05) / (dark + 0.05);
-  }
-};
-
-TEST_P(ShippedAppearance, StatesEveryAttribute) {
-  EXPECT_EQ(QJsonDocument::fromJson(description()).object().size(), 25);
-}
-
-TEST_P(ShippedAppearance, IsWhatItsDescriptionSays) {
-  const QByteArray file = contentsOf(QStringLiteral(ZQTICKER_BINARY_DIR "/share/zqticker/%1.button")
-                                         .arg(QLatin1StringView(GetParam())));
-  EXPECT_EQ(written(*Appearance::appearanceWithDataRepresentation(file)),
-            written(*appearanceOfJson(description())));
-}
-
-TEST_P(ShippedAppearance, CanBeReadInEveryState) {
-  constexpr double readable = 4.5;
-  constexpr double recognisable = 3;
-  const auto look = appearanceOfJson(description());
-  for (const auto& bezel : {look->controlColor(), look->shadingColor()}) {
-    EXPECT_GE(contrast(look->textColor(), bezel), readable);
-    EXPECT_GE(contrast(look->arrowColor(), bezel), recognisable);
-  }
-  for (const auto& bezel : {look->mouseoverControlColor(), look->mouseoverShadingColor()}) {
-    EXPECT_GE(contrast(look->mouseoverTextColor(), bezel), readable);
-    EXPECT_GE(contrast(look->mouseoverArrowColor(), bezel), recognisable);
-  }
-  for (const auto& bezel : {look->highlightedControlColor(), look->highlightedShadingColor()}) {
-    EXPECT_GE(contrast(look->highlightedTextColor(), bezel), readable);
-    EXPECT_GE(contrast(look->highlightedArrowColor(), bezel), recognisable);
-  }
-}
-
-INSTANTIATE_TEST_SUITE_P(Looks, ShippedAppearance,
-                         ::testing::Values("ControlBarButton", "dark", "light"));

@@ -1,5 +1,9 @@
 set(app_SOURCES
+    AppearanceCommand.h
     AppearanceCommandTest.cpp
+    AppearancePreviewTest.cpp
+    ButtonSampleTest.cpp
+    ContactSheetTest.cpp
     FakeItem.h
     FeedCheckTest.cpp
     FeedDecoderTest.cpp
@@ -25,6 +29,7 @@ set(app_SOURCES
     Program.h
     ProgramTest.cpp
     ScreenTest.cpp
+    ShippedAppearanceTest.cpp
     StripOptionsTest.cpp
     StripQueueTest.cpp
     StripTest.cpp
@@ -35,10 +40,12 @@ set(app_SOURCES
     XServer.cpp
     XServer.h
     appearance_jsonTest.cpp
+    color_contrastTest.cpp
     feed_datesTest.cpp
     feed_itemsTest.cpp
     feed_textTest.cpp
     output_filesTest.cpp
     picture_decodingTest.cpp
     response_hintsTest.cpp
+    shipped_looks.h
     sign_placementTest.cpp)

@@ -54,6 +54,26 @@ TEST(OutputFile, IsNoFolder) {
   EXPECT_THROW(writeOutputFile(u"--output"_s, folder.path(), "bytes"), RunTimeError);
 }
 
+TEST(OutputFiles, AreAllThereOrNone) {
+  const QTemporaryDir folder;
+  const QString first = folder.filePath(u"first"_s);
+  writeOutputFile(u"--output"_s, first, "before");
+  const QString second = folder.filePath(u"missing/second"_s);
+  try {
+    writeOutputFiles(u"--output"_s, {{first, "one"}, {second, "two"}});
+    FAIL() << "nothing was raised";
+  } catch (const RunTimeError& error) {
+    EXPECT_TRUE(error.message().startsWith("--output "_L1 + second + ": cannot write: "_L1))
+        << error.message().toStdString();
+  }
+  EXPECT_EQ(contentsOf(first), "before");
+  EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList{u"first"_s});
+  ASSERT_TRUE(QDir(folder.path()).mkdir(u"missing"_s));
+  writeOutputFiles(u"--output"_s, {{first, "one"}, {second, "two"}});
+  EXPECT_EQ(contentsOf(first), "one");
+  EXPECT_EQ(contentsOf(second), "two");
+}
+
 TEST(OutputFile, GoesThroughAPipeThatIsThereAlready) {
   const QTemporaryDir folder;
   const QByteArray path = folder.filePath(u"pipe"_s).toLocal8Bit();
