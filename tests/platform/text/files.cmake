@@ -1,6 +1,7 @@
 set(text_TESTS
     AttributedStringTest.cpp
     CharacterSetTest.cpp
+    DecimalNumberTest.cpp
     ParagraphStyleTest.cpp
     ScannerTest.cpp
     TextAttachmentTest.cpp
@@ -9,7 +10,8 @@ set(text_TESTS
     line_rangesTest.cpp
     number_parsingTest.cpp
     string_searchTest.cpp
-    text_drawingTest.cpp)
+    text_drawingTest.cpp
+    value_numbersTest.cpp)
 
 # A process of its own for what one process can do only once.
 add_executable(zqticker-text-probe ${CMAKE_CURRENT_LIST_DIR}/TextProbe.cpp)

@@ -8,6 +8,7 @@ set(objects_PUBLIC_HEADERS
     Range.h
     Selector.h
     Target.h
+    ValueTransformer.h
     Weak.h)
 set(objects_PRIVATE_HEADERS)
 set(objects_SOURCES
@@ -18,4 +19,5 @@ set(objects_SOURCES
     Object.cpp
     Selector.cpp
     Target.cpp
+    ValueTransformer.cpp
     Weak.cpp)

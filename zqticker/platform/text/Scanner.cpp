@@ -1,6 +1,7 @@
 #include "zqticker/platform/text/Scanner.h"
 
 #include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/text/DecimalNumber.h"
 #include "zqticker/platform/text/string_search.h"
 
 #include <limits>
@@ -130,6 +131,15 @@ bool Scanner::scanLongLong(qint64* value, bool* isOutOfRange) {
   if (isOutOfRange)
     *isOutOfRange = isBeyond;
   return take(start, at, nullptr);
+}
+
+bool Scanner::scanDecimal(DecimalNumber* value) {
+  const qsizetype start = afterSkipped();
+  DecimalNumber number;
+  const qsizetype length = DecimalNumber::readPrefix(QStringView(string_).sliced(start), number);
+  if (length > 0 && value)
+    *value = number;
+  return take(start, start + length, nullptr);
 }
 
 } // namespace zq::platform

@@ -10,6 +10,8 @@
 
 namespace zq::platform {
 
+class DecimalNumber;
+
 // A string and a location in it, in code units.
 //
 // Every scan… operation first skips the characters to be skipped. One that then consumes nothing
@@ -58,6 +60,9 @@ class ZQTICKER_EXPORT Scanner {
   // A decimal integer: a sign or none, then ASCII digits without anything between. Beyond 64 bits
   // the value is the nearest that there is, and `isOutOfRange` says so.
   bool scanLongLong(qint64* value = nullptr, bool* isOutOfRange = nullptr);
+  // A decimal number: a sign or none, ASCII digits with or without a point among them, an exponent
+  // or none. What DecimalNumber cannot hold is rounded, or not a number.
+  bool scanDecimal(DecimalNumber* value = nullptr);
 
  private:
   qsizetype afterSkipped() const;

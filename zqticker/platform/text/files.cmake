@@ -1,11 +1,24 @@
-set(text_PUBLIC_HEADERS AttributedString.h CharacterSet.h ParagraphStyle.h Scanner.h TextAttachment.h
-                        line_ranges.h number_parsing.h string_drawing.h string_search.h
-                        text_attributes.h)
+set(text_PUBLIC_HEADERS
+    AttributedString.h
+    CharacterSet.h
+    DecimalNumber.h
+    Formatter.h
+    ParagraphStyle.h
+    Scanner.h
+    TextAttachment.h
+    line_ranges.h
+    number_parsing.h
+    string_drawing.h
+    string_search.h
+    text_attributes.h
+    value_numbers.h)
 set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
     AttributedStringCoding.cpp
     CharacterSet.cpp
+    DecimalNumber.cpp
+    Formatter.cpp
     MutableAttributedString.cpp
     ParagraphStyle.cpp
     Scanner.cpp
@@ -18,4 +31,5 @@ set(text_SOURCES
     line_ranges.cpp
     number_parsing.cpp
     string_drawing.cpp
-    string_search.cpp)
+    string_search.cpp
+    value_numbers.cpp)

@@ -4,6 +4,7 @@
 
 #include <clocale>
 #include <cstdlib>
+#include <limits>
 
 namespace zq::platform {
 
@@ -45,15 +46,51 @@ QByteArray numericPrefix(QStringView text) {
   return text.first(end).mid(plus ? 1 : 0).toLatin1();
 }
 
-} // namespace
-
-float floatValue(QStringView text) {
+QStringView skipSpace(QStringView text) {
   qsizetype start = 0;
   while (start < text.size() && text[start].isSpace())
     ++start;
-  // The C library's conversion rounds once and gives infinity and zero at the ends of the range.
-  static const locale_t cLocale = newlocale(LC_ALL_MASK, "C", nullptr);
-  return strtof_l(numericPrefix(text.mid(start)).constData(), nullptr, cLocale);
+  return text.mid(start);
+}
+
+// The C library's conversions round once and give infinity and zero at the ends of the range.
+locale_t cLocale() {
+  static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
+  return locale;
+}
+
+template <class Integer>
+Integer wholeNumber(QStringView text) {
+  constexpr Integer Lowest = std::numeric_limits<Integer>::min();
+  const bool isNegative = text.startsWith(u'-');
+  Integer value = 0; // of the negative number, since there is one more of those
+  for (qsizetype index = isAt(text, 0, u"+-") ? 1 : 0; isDigit(text, index); ++index) {
+    const auto digit = Integer(text[index].unicode() - u'0');
+    if (value < (Lowest + digit) / 10)
+      return isNegative ? Lowest : std::numeric_limits<Integer>::max();
+    value = value * 10 - digit;
+  }
+  if (isNegative)
+    return value;
+  return value == Lowest ? std::numeric_limits<Integer>::max() : -value;
+}
+
+} // namespace
+
+float floatValue(QStringView text) {
+  return strtof_l(numericPrefix(skipSpace(text)).constData(), nullptr, cLocale());
+}
+
+double doubleValue(QStringView text) {
+  return strtod_l(numericPrefix(skipSpace(text)).constData(), nullptr, cLocale());
+}
+
+qlonglong longLongValue(QStringView text) {
+  return wholeNumber<qlonglong>(skipSpace(text));
+}
+
+int intValue(QStringView text) {
+  return wholeNumber<int>(skipSpace(text));
 }
 
 } // namespace zq::platform

@@ -11,5 +11,12 @@ namespace zq::platform {
 // digits, point, digits and exponent, read in single precision. 0 where there is none; infinite
 // where it exceeds the range.
 ZQTICKER_EXPORT float floatValue(QStringView text);
+// The same in double precision.
+ZQTICKER_EXPORT double doubleValue(QStringView text);
+
+// The whole number that `text` begins with, after any white space: a sign and ASCII digits. 0 where
+// there is none; the lowest or the highest number that there is where it exceeds the range.
+ZQTICKER_EXPORT qlonglong longLongValue(QStringView text);
+ZQTICKER_EXPORT int intValue(QStringView text);
 
 } // namespace zq::platform
