@@ -29,7 +29,7 @@ constexpr qsizetype LargestDescription = qsizetype(16) << 20;
 // Pixels a point of the sheets that are written where no scale is asked for.
 constexpr int PlainScale = 1;
 constexpr int FineScale = 2;
-constexpr int LargestScale = 8;
+constexpr int LargestScale = 4;
 
 struct Options {
   QString file;

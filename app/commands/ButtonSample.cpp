@@ -73,7 +73,8 @@ void ButtonSample::draw(QPainter& painter, QSizeF size) const {
   // A type that shows that it is on.
   cell->setButtonType(ButtonType::PushOnPushOff);
   cell->setControlSize(controlSize);
-  cell->setFont(Font::systemFontOfSize(Font::systemFontSizeForControlSize(controlSize)));
+  // What buttons have that are given none.
+  cell->setFont(Font::boldSystemFontOfSize(Font::systemFontSizeForControlSize(controlSize)));
   cell->setMenu(menu);
   cell->setState(state == SampleState::On ? CellState::On : CellState::Off);
   cell->setEnabled(state != SampleState::Disabled);

@@ -60,7 +60,7 @@ OptionTable makeAppearancePreviewTable() {
        {u"PNG"_s},
        u"The picture to write, such as dark.png. Without --scale there are two: dark.png with one "
        u"pixel a point, and beside it dark@2x.png with two, for finer screens."_s},
-      {u"scale"_s, {u"N"_s}, u"One picture only, with so many pixels a point, 1 to 8."_s},
+      {u"scale"_s, {u"N"_s}, u"One picture only, with so many pixels a point, 1 to 4."_s},
       {u"background"_s,
        {u"COLOR"_s},
        u"The color behind the buttons. Usual: light grey for light buttons, dark grey for dark "

@@ -1,9 +1,13 @@
 // Buttons as pictures, and how well their titles can be read.
 #include "app/commands/ButtonSample.h"
 
+#include "tests/app/shipped_looks.h"
+#include "tests/platform/graphics/Canvas.h"
 #include "zqticker/platform/controls/Menu.h"
 #include "zqticker/platform/graphics/Color.h"
+#include "zqticker/rollover/ZQRollOverButton.h"
 #include "zqticker/rollover/ZQRollOverButtonAppearance.h"
+#include "zqticker/rollover/ZQRollOverButtonCell.h"
 
 #include <QtGui/QImage>
 #include <QtGui/QPainter>
@@ -13,7 +17,9 @@
 
 using namespace Qt::StringLiterals;
 using namespace zq::app;
+using namespace zq::app::testing;
 using namespace zq::platform;
+using zq::testing::maximumDifference;
 
 namespace {
 
@@ -76,6 +82,32 @@ TEST(ButtonSample, ThatIsPressedLiesLowerThanOneThatIsOn) {
   EXPECT_EQ(drawn(sample).pixelColor(40, 7), QColor(Qt::blue));
   sample.state = SampleState::Pressed;
   EXPECT_NE(drawn(sample).pixelColor(40, 7), QColor(Qt::blue));
+}
+
+// A sheet shows what people will see in windows.
+TEST(ButtonSample, LooksLikeARealButton) {
+  for (const char* name : ShippedLooks) {
+    SCOPED_TRACE(name);
+    ButtonSample sample{shippedLook(name)};
+    sample.title = u"Button"_s;
+    ZQRollOverButton button({QPointF(), size}, sample.title);
+    const auto cell = std::dynamic_pointer_cast<ZQRollOverButtonCell>(button.cell());
+    ASSERT_TRUE(cell);
+    cell->setAppearance(sample.appearance);
+    cell->setButtonType(ButtonType::PushOnPushOff);
+    for (const SampleState state : SampleStates) {
+      sample.state = state;
+      cell->setMouseOver(state == SampleState::MouseOver);
+      cell->setHighlighted(state == SampleState::Pressed);
+      cell->setState(state == SampleState::On ? CellState::On : CellState::Off);
+      cell->setEnabled(state != SampleState::Disabled);
+      QImage window(80, 40, QImage::Format_RGB32);
+      window.fill(Qt::white);
+      button.render(&window, {10, 5}, {}, QWidget::DrawChildren);
+      sample.isFlipped = button.isFlipped();
+      EXPECT_EQ(maximumDifference(drawn(sample), window), 0) << int(state);
+    }
+  }
 }
 
 TEST(ButtonSample, ShowsTheArrowUnderThePointerAndWherePressed) {
