@@ -88,21 +88,6 @@ void TickerDisplay::setHorizontal(bool horizontal, double time) {
   markForLayout();
 }
 
-void TickerDisplay::setSpeed(double pointsPerSecond, double time) {
-  if (pausedSpeed_)
-    pausedSpeed_ = pointsPerSecond;
-  else
-    strip_.setSpeed(pointsPerSecond, time);
-}
-
-void TickerDisplay::setPaused(bool paused, double time) {
-  if (paused == isPaused())
-    return;
-  const double speed = pausedSpeed_.value_or(strip_.speed());
-  strip_.setSpeed(paused ? 0 : speed, time);
-  pausedSpeed_ = paused ? std::optional(speed) : std::nullopt;
-}
-
 void TickerDisplay::setDefaultFont(Ref<Font> font) {
   font_ = std::move(font);
   markForLayout();
@@ -197,7 +182,7 @@ bool TickerDisplay::removeSign(const QString& identifier, double time) {
   if (!entry)
     return false;
   named_.remove(identifier);
-  strip_.withdraw(entry);
+  strip_.queue().take(entry);
   return true;
 }
 

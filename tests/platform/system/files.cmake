@@ -1,5 +1,4 @@
 set(system_TESTS
-    BundleTest.cpp
     CachedSourceTest.cpp
     DirectorySubscriptionTest.cpp
     DirectorySubscriptionThreadTest.cpp

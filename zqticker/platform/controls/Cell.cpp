@@ -183,10 +183,9 @@ void Cell::drawInteriorWithFrame(const QRectF& frame, ControlView* inView) {
 void Cell::highlight(bool flag, const QRectF&, ControlView* inView) {
   if (flag == isHighlighted())
     return;
-  const Weak<ControlView> view = inView;
   setHighlighted(flag);
-  if (view)
-    view->setNeedsDisplay();
+  if (inView)
+    inView->setNeedsDisplay();
 }
 
 std::shared_ptr<TrackingSession> Cell::makeTrackingSession(const Event& event, const QRectF& inRect,

@@ -1,0 +1,10 @@
+set(calendar_TESTS
+    CalendarDateTest.cpp
+    CalendarTest.cpp
+    CalendarThreadTest.cpp
+    DateFormatterTest.cpp
+    LocaleTest.cpp
+    PosixZoneRuleTest.cpp
+    TimeZoneTest.cpp
+    ZoneRulesTest.cpp
+    other_calendarsTest.cpp)
