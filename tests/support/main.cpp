@@ -1,5 +1,6 @@
 // The main function of every test program: an environment that does not depend on the machine,
-// then a GUI application, then the tests.
+// then a GUI application, then the tests. A run in another locale or time zone asks for it by
+// $ZQTICKER_TEST_LOCALE or $ZQTICKER_TEST_TIME_ZONE.
 #include "tests/support/LogWatch.h"
 
 #include <gtest/gtest.h>
@@ -9,8 +10,10 @@
 
 int main(int argc, char** argv) {
   ::testing::InitGoogleTest(&argc, argv);
-  qputenv("LC_ALL", "C.UTF-8");
-  qputenv("TZ", "UTC");
+  const QByteArray locale = qgetenv("ZQTICKER_TEST_LOCALE");
+  const QByteArray timeZone = qgetenv("ZQTICKER_TEST_TIME_ZONE");
+  qputenv("LC_ALL", locale.isEmpty() ? QByteArray("C.UTF-8") : locale);
+  qputenv("TZ", timeZone.isEmpty() ? QByteArray("UTC") : timeZone);
   qputenv("QT_SCALE_FACTOR", "1");
   qunsetenv("QT_SCREEN_SCALE_FACTORS");
   qunsetenv("QT_QPA_PLATFORMTHEME");
@@ -19,7 +22,8 @@ int main(int argc, char** argv) {
     qunsetenv(variable);
   // Programs that a test starts on a window system of its own get another platform from it.
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  QLocale::setDefault(QLocale::c());
+  if (locale.isEmpty())
+    QLocale::setDefault(QLocale::c());
   QApplication application(argc, argv);
   zq::testing::installLogWatch();
   return RUN_ALL_TESTS();
