@@ -2,6 +2,7 @@ set(system_TESTS
     CachedSourceTest.cpp
     DirectorySubscriptionTest.cpp
     DirectorySubscriptionThreadTest.cpp
+    FileManagerTest.cpp
     FileSourceTest.cpp
     HTTPCacheEntryTest.cpp
     HTTPCacheStoreTest.cpp
@@ -14,6 +15,7 @@ set(system_TESTS
     KernelEventQueueThreadTest.cpp
     NotificationCenterTest.cpp
     SubscribedFoldersTest.cpp
+    TrashTest.cpp
     URLConnectionTest.cpp
     URLRequestTest.cpp
     URLResponseTest.cpp
@@ -24,5 +26,9 @@ set(system_TESTS
     http_datesTest.cpp
     http_freshnessTest.cpp
     inotify_limitsTest.cpp
+    path_componentsTest.cpp
     redirectsTest.cpp
+    running_applicationsTest.cpp
+    standard_errorTest.cpp
+    system_versionTest.cpp
     user_agentTest.cpp)

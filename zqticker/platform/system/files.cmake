@@ -1,6 +1,8 @@
 set(system_PUBLIC_HEADERS
     Bundle.h
     DirectorySubscription.h
+    FileManager.h
+    FourCharacterCode.h
     KernelEventQueue.h
     Notification.h
     NotificationCenter.h
@@ -9,6 +11,8 @@ set(system_PUBLIC_HEADERS
     URLRequest.h
     URLResponse.h
     Workspace.h
+    path_components.h
+    standard_error.h
     url_errors.h)
 set(system_PRIVATE_HEADERS
     CachedSource_p.h
@@ -28,6 +32,7 @@ set(system_PRIVATE_HEADERS
     LoadingThread_p.h
     SubscribedFolders_p.h
     SubscriptionLoop_p.h
+    Trash_p.h
     URLLoading_p.h
     URLSource_p.h
     curl_errors_p.h
@@ -40,6 +45,9 @@ set(system_PRIVATE_HEADERS
     nearby_search_p.h
     inotify_limits_p.h
     redirects_p.h
+    running_applications_p.h
+    system_folders_p.h
+    system_version_p.h
     user_agent_p.h)
 set(system_SOURCES
     Bundle.cpp
@@ -47,6 +55,7 @@ set(system_SOURCES
     CurlDriver.cpp
     CurlTransfer.cpp
     DirectorySubscription.cpp
+    FileManager.cpp
     FileSnapshot.cpp
     FileSource.cpp
     HTTPCacheEntry.cpp
@@ -64,6 +73,7 @@ set(system_SOURCES
     NotificationCenter.cpp
     SubscribedFolders.cpp
     SubscriptionLoop.cpp
+    Trash.cpp
     URLCache.cpp
     URLConnection.cpp
     URLLoading.cpp
@@ -80,6 +90,11 @@ set(system_SOURCES
     http_freshness.cpp
     nearby_search.cpp
     inotify_limits.cpp
+    path_components.cpp
     redirects.cpp
+    running_applications.cpp
+    standard_error.cpp
+    system_folders.cpp
+    system_version.cpp
     url_errors.cpp
     user_agent.cpp)
