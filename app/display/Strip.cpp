@@ -12,6 +12,8 @@ constexpr double ShortestRun = 1;
 // Places closer than this, in points, are the same place: one run follows another without the
 // clock's rounding between them.
 constexpr double Touching = 1e-6;
+// Points that make no step.
+constexpr double ShortestStep = 1;
 } // namespace
 
 Strip::Strip(double extent, double pointsPerSecond, double startTime)
@@ -121,13 +123,109 @@ void Strip::start(const Entry& entry) {
 }
 
 void Strip::retire() {
-  const double gone = travel() - extent_;
+  // On the way back what comes into sight again stays.
+  const double gone = std::min(travel(), motion_.goalAt(now_)) - extent_;
   while (!runs_.empty() && runs_.front().end() <= gone) {
-    const Entry entry = runs_.front().entry;
+    Run run = std::move(runs_.front());
     runs_.pop_front();
-    if (--entry->onStrip == 0)
-      entry->item->leave();
+    if (--run.entry->onStrip == 0)
+      run.item().leave();
+    if (!run.entry->isWithdrawn)
+      keepPast(std::move(run));
   }
+}
+
+void Strip::keepPast(Run run) {
+  pastCost_ += run.entry->waitingCost();
+  past_.push_back(std::move(run));
+  while (past_.size() > MostPast || (past_.size() > 1 && pastCost_ > MostPastCost)) {
+    pastCost_ -= past_.front().entry->waitingCost();
+    past_.pop_front();
+  }
+}
+
+// Puts the run that left last onto the strip again. False, and nothing is known any more, where it
+// cannot be shown again.
+bool Strip::bringBack() {
+  Run run = std::move(past_.back());
+  past_.pop_back();
+  pastCost_ -= run.entry->waitingCost();
+  if (run.entry->onStrip == 0) {
+    const double end = run.end();
+    const double length = run.item().enter();
+    if (!(length > 0) || !std::isfinite(length)) {
+      run.item().leave();
+      past_.clear();
+      pastCost_ = 0;
+      return false;
+    }
+    run.length = std::max(length, ShortestRun);
+    run.start = end - run.length;
+  }
+  ++run.entry->onStrip;
+  runs_.push_front(std::move(run));
+  return true;
+}
+
+void Strip::withdraw(const Entry& entry) {
+  const Entry kept = entry;
+  queue_.take(kept);
+  kept->isWithdrawn = true;
+  std::erase_if(past_, [&](const Run& run) {
+    if (run.entry != kept)
+      return false;
+    pastCost_ -= kept->waitingCost();
+    return true;
+  });
+}
+
+bool Strip::stepForward(double time) {
+  advanceTo(time);
+  if (runs_.empty())
+    return false;
+  const double here = motion_.goalAt(now_);
+  // What is as near as that comes by itself.
+  const double near =
+      here +
+      (motion_.isGlidingAt(now_) ? ShortestStep : std::max(speed() * StepSeconds, ShortestStep));
+  const auto next = std::find_if(runs_.begin(), runs_.end(),
+                                 [&](const Run& run) { return run.start + extent_ >= near; });
+  const double goal = (next != runs_.end() ? next->start : lastEnd_) + extent_;
+  if (goal < near)
+    return false;
+  motion_.glideTo(goal, now_, StepSeconds);
+  return true;
+}
+
+bool Strip::stepBack(double time) {
+  advanceTo(time);
+  const double here = motion_.goalAt(now_);
+  const double recent =
+      motion_.isGlidingAt(now_) ? ShortestStep : std::max(speed() * RecentSeconds, ShortestStep);
+  // The runs whose starts have left, the last one first: first those on the strip.
+  std::size_t onStrip = runs_.size();
+  while (onStrip > 0 && runs_[onStrip - 1].start + extent_ > here + Touching)
+    --onStrip;
+  bool isBefore = false; // whether the run before the one that is leaving is looked for
+  if (onStrip > 0 && here - (runs_[onStrip - 1].start + extent_) < recent) {
+    --onStrip;
+    isBefore = true;
+  }
+  if (onStrip == 0 && !past_.empty()) {
+    const bool isRecent = here - (past_.back().start + extent_) < recent;
+    if (bringBack()) {
+      onStrip = 1;
+      if (!isBefore && isRecent && !past_.empty())
+        bringBack();
+    }
+  }
+  if (onStrip == 0 && !isBefore)
+    return false;
+  const double goal = runs_[onStrip > 0 ? onStrip - 1 : 0].start + extent_;
+  if (here - goal < ShortestStep)
+    return false;
+  motion_.glideTo(goal, now_, StepSeconds);
+  return true;
 }
 
 double Strip::nextEntryTime() {

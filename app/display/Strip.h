@@ -24,6 +24,11 @@ namespace zq::app {
 // Items that have not been shown yet pass meanwhile, and droppable items that are shown once are
 // not waited for: a stream of them does not keep the next round away.
 //
+// Steps forward and back move everything together, as far as it takes to bring the start of the
+// next or of the one before to the edge at which runs leave. Runs that have left are kept for that:
+// the last MostPast of them, as many as together cost no more than MostPastCost in the queue, those
+// that were withdrawn excepted; and none from before the last remeasure.
+//
 // Times never run backwards; a time before the last one is ignored. What happens is the same
 // however the time is cut into steps.
 class Strip {
@@ -41,6 +46,14 @@ class Strip {
     double end() const { return start + length; }
   };
 
+  static constexpr std::size_t MostPast = 50;
+  static constexpr std::size_t MostPastCost = 1'000'000;
+  // What a step takes.
+  static constexpr double StepSeconds = 0.4;
+  // A run whose start left at most so long ago counts as left at its start: a step back goes to
+  // the one before.
+  static constexpr double RecentSeconds = 2;
+
   explicit Strip(double extent = 0, double pointsPerSecond = 0, double startTime = 0);
 
   double extent() const { return extent_; }
@@ -54,12 +67,25 @@ class Strip {
   // Lets everything happen that is due at `time`.
   void advanceTo(double time);
 
+  // Goes to the next run whose start has not been at the edge at which runs leave, or to the end of
+  // the last one. A further step during the way goes on from its end. False where there is nothing
+  // to go to: an empty strip has no next run.
+  bool stepForward(double time);
+  // Goes to the start of the run that is leaving, or, when that is there or has just left, to the
+  // start of the run before. What was on the strip may stand beyond the edge at which it entered
+  // then, and enters again. False where no start has left that is still known.
+  bool stepBack(double time);
+
+  // Takes an entry out for good: it does not enter again, a step back does not bring it back.
+  void withdraw(const Entry& entry);
+
   // The time to which the strip has advanced, and its travel then.
   double time() const { return now_; }
   double travel() const { return motion_.travelAt(now_); }
-  // What is on the strip, in the order of entering.
+  // What is on the strip, in the order of entering; after a step back also what enters again.
   const std::deque<Run>& runs() const { return runs_; }
-  // Gives the runs new lengths, read by `lengthOf`; gaps and the oldest run's place stay.
+  // Gives the runs new lengths, read by `lengthOf`; gaps and the oldest run's place stay. Those
+  // that have left are forgotten.
   template <class Measure>
   void remeasure(Measure lengthOf);
   // Calls `visit` for every item that waits or is on the strip; more than once for one that does
@@ -68,7 +94,7 @@ class Strip {
   void forEachItem(Visit visit) const;
 
   // Whether something is on the strip and moves.
-  bool isMoving() const { return !runs_.empty() && speed() > 0; }
+  bool isMoving() const { return !runs_.empty() && (speed() > 0 || motion_.isGlidingAt(now_)); }
   // Whether nothing is on the strip, and nothing will be unless it is added.
   bool isFinished() const { return runs_.empty() && queue_.isEmpty(); }
   // When something next happens on a strip that is empty; infinity for never.
@@ -87,6 +113,8 @@ class Strip {
   void perform(const Event& event);
   void start(const Entry& entry);
   void retire();
+  void keepPast(Run run);
+  bool bringBack();
   double endOfRound(const StripQueue::Entry& next) const;
 
   Motion motion_;
@@ -94,6 +122,8 @@ class Strip {
   double now_;
   StripQueue queue_;
   std::deque<Run> runs_;
+  std::deque<Run> past_; // have left, the last one at the end
+  std::size_t pastCost_ = 0;
   double lastEnd_;     // travel at which the last run has entered wholly
   double roundTravel_; // the same of the last run that a round consists of
   std::uint64_t round_ = 1;
@@ -110,6 +140,8 @@ void Strip::forEachItem(Visit visit) const {
 
 template <class Measure>
 void Strip::remeasure(Measure lengthOf) {
+  past_.clear();
+  pastCost_ = 0;
   double shift = 0;
   for (Run& run : runs_) {
     const double before = run.length;

@@ -31,8 +31,11 @@ class StripQueue {
     int onStrip = 0;          // showings that have not left the strip yet
     double delay = 0;         // of its loop rule when it was shown last
     bool continuous = false;
+    bool isWithdrawn = false; // not to be shown again, however it was to be
 
     bool isDroppable() const { return droppable; }
+    // What it costs while it waits; 0 for one that is not droppable.
+    std::size_t waitingCost() const { return cost; }
     bool isWaiting() const { return place != Place::None; }
 
    private:

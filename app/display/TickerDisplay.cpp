@@ -88,6 +88,21 @@ void TickerDisplay::setHorizontal(bool horizontal, double time) {
   markForLayout();
 }
 
+void TickerDisplay::setSpeed(double pointsPerSecond, double time) {
+  if (pausedSpeed_)
+    pausedSpeed_ = pointsPerSecond;
+  else
+    strip_.setSpeed(pointsPerSecond, time);
+}
+
+void TickerDisplay::setPaused(bool paused, double time) {
+  if (paused == isPaused())
+    return;
+  const double speed = pausedSpeed_.value_or(strip_.speed());
+  strip_.setSpeed(paused ? 0 : speed, time);
+  pausedSpeed_ = paused ? std::optional(speed) : std::nullopt;
+}
+
 void TickerDisplay::setDefaultFont(Ref<Font> font) {
   font_ = std::move(font);
   markForLayout();
@@ -182,7 +197,7 @@ bool TickerDisplay::removeSign(const QString& identifier, double time) {
   if (!entry)
     return false;
   named_.remove(identifier);
-  strip_.queue().take(entry);
+  strip_.withdraw(entry);
   return true;
 }
 

@@ -55,9 +55,17 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool isHorizontal() const { return horizontal_; }
   StripShape shape() const;
 
-  // Points per second.
-  double speed() const { return strip_.speed(); }
-  void setSpeed(double pointsPerSecond, double time) { strip_.setSpeed(pointsPerSecond, time); }
+  // Points per second, also of a strip that is paused.
+  double speed() const { return isPaused() ? *pausedSpeed_ : strip_.speed(); }
+  void setSpeed(double pointsPerSecond, double time);
+
+  // A paused strip stands still, but for steps; delays go on.
+  bool isPaused() const { return pausedSpeed_.has_value(); }
+  void setPaused(bool paused, double time);
+
+  // Move by one sign, see Strip; false where there is none to move to.
+  bool stepForward(double time) { return strip_.stepForward(time); }
+  bool stepBack(double time) { return strip_.stepBack(time); }
 
   // Adds a sign behind the others at `time`. It takes the strip's scroll direction and this
   // display, and a text sign renders its buffer for it.
@@ -117,6 +125,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   platform::Ref<platform::Color> color_;
   bool autoscale_ = false;
   double scale_ = 1;
+  std::optional<double> pausedSpeed_;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
   Strip strip_;
   // Entries that wait or are on the strip, and some that have gone.

@@ -46,6 +46,77 @@ TEST(Motion, KnowsWhenATravelIsReached) {
   EXPECT_DOUBLE_EQ(motion.timeAt(20), 12) << "already done";
 }
 
+TEST(Motion, GlidesToAPlaceAndGoesOnFromThereAtItsSpeed) {
+  Motion motion(50);
+  motion.glideTo(1000, 4, 0.5);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4), 200) << "no jump";
+  // A cube of what is left of the time: 1/8 of the way is left after half of it.
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.25), 900);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.5), 1000);
+  EXPECT_DOUBLE_EQ(motion.travelAt(5.5), 1050);
+  EXPECT_TRUE(motion.isGlidingAt(4.4));
+  EXPECT_FALSE(motion.isGlidingAt(4.5));
+  EXPECT_DOUBLE_EQ(motion.goalAt(4.1), 1000);
+  EXPECT_DOUBLE_EQ(motion.goalAt(5.5), 1050);
+}
+
+TEST(Motion, GlidesBack) {
+  Motion motion(50);
+  motion.glideTo(120, 4, 0.5);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4), 200);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.25), 130);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.5), 120);
+  EXPECT_DOUBLE_EQ(motion.travelAt(6.1), 200);
+}
+
+TEST(Motion, KnowsWhenATravelIsReachedByAGlide) {
+  Motion motion(50);
+  motion.glideTo(1000, 4, 0.5);
+  EXPECT_DOUBLE_EQ(motion.timeAt(900), 4.25);
+  EXPECT_DOUBLE_EQ(motion.timeAt(1000), 4.5);
+  EXPECT_DOUBLE_EQ(motion.timeAt(1050), 5.5);
+  EXPECT_DOUBLE_EQ(motion.timeAt(100), 4) << "already done";
+  for (double travel = 200; travel < 1000; travel += 7)
+    EXPECT_NEAR(motion.travelAt(motion.timeAt(travel)), travel, 1e-9);
+}
+
+TEST(Motion, CountsWhatAGlideBackTakesAwayAsNotReached) {
+  Motion motion(50);
+  motion.glideTo(100, 4, 0.5);
+  EXPECT_DOUBLE_EQ(motion.timeAt(150), 5.5) << "the second time";
+  EXPECT_DOUBLE_EQ(motion.timeAt(100), 4) << "never taken away";
+  motion.setSpeed(0, 4);
+  EXPECT_EQ(motion.timeAt(150), Infinity);
+}
+
+TEST(Motion, FinishesAGlideAtAnySpeed) {
+  Motion motion(50);
+  motion.glideTo(1000, 4, 0.5);
+  motion.setSpeed(0, 4.25);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.25), 900);
+  EXPECT_DOUBLE_EQ(motion.travelAt(9), 1000);
+  motion.setSpeed(10, 9);
+  EXPECT_DOUBLE_EQ(motion.travelAt(10), 1010);
+}
+
+TEST(Motion, LetsAGlideTakeOverFromAnother) {
+  Motion motion(50);
+  motion.glideTo(1000, 4, 0.5);
+  motion.glideTo(100, 4.25, 1);
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.25), 900) << "no jump";
+  EXPECT_DOUBLE_EQ(motion.travelAt(4.75), 200);
+  EXPECT_DOUBLE_EQ(motion.travelAt(5.25), 100);
+}
+
+TEST(Motion, IgnoresGlidesThatAreNone) {
+  Motion motion(50);
+  motion.glideTo(NotANumber, 4, 0.5);
+  motion.glideTo(Infinity, 4, 0.5);
+  motion.glideTo(10, 4, 0);
+  motion.glideTo(10, NotANumber, 1);
+  EXPECT_DOUBLE_EQ(motion.travelAt(10), 500);
+}
+
 TEST(Motion, StandsStillAtSpeedsThatAreNone) {
   for (const double speed : {0.0, -5.0, NotANumber, Infinity}) {
     Motion motion(speed);

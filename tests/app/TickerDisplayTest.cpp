@@ -547,6 +547,58 @@ TEST(TickerDisplay, ShowsANewArrangedSignNextAndThenInItsOrder) {
   EXPECT_EQ(colorsOf(shown(display, 256 / Speed), 4), (std::vector<QRgb>{Black, Red, Green, Blue}));
 }
 
+TEST(TickerDisplay, StepsToTheNextSignAndBack) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  display.addSign(named(u"b"_s, Qt::green), 0);
+  display.addSign(named(u"c"_s, Qt::blue), 0);
+  const double time = 100 / Speed; // 4 points of a have gone
+  const QImage before = shown(display, time);
+  EXPECT_TRUE(display.stepForward(time));
+  EXPECT_EQ(shown(display, time), before) << "nothing jumps";
+  const double then = time + Strip::StepSeconds;
+  EXPECT_EQ(colorsOf(shown(display, then), 3), (std::vector<QRgb>{Green, Blue, Red}));
+  EXPECT_EQ(shown(display, then).pixel(0, 12), Green) << "from its start";
+  EXPECT_TRUE(display.stepBack(then));
+  EXPECT_EQ(colorsOf(shown(display, then + Strip::StepSeconds), 3),
+            (std::vector<QRgb>{Red, Green, Blue}));
+}
+
+TEST(TickerDisplay, StepsBackToALineOfWhichOnlyTheTextWasKept) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addLine(u"\u2588\u2588\u2588"_s, 0);
+  display.advanceTo(100);
+  EXPECT_TRUE(display.isFinished());
+  EXPECT_TRUE(display.stepBack(100));
+  EXPECT_EQ(shown(display, 100 + Strip::StepSeconds).pixel(5, 12), Black);
+  EXPECT_FALSE(display.isFinished());
+  display.advanceTo(200);
+  EXPECT_TRUE(display.isFinished());
+}
+
+TEST(TickerDisplay, StandsStillWhileItIsPaused) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  display.addSign(named(u"a"_s, Qt::red), 0);
+  const QImage before = shown(display, 1);
+  display.setPaused(true, 1);
+  EXPECT_TRUE(display.isPaused());
+  EXPECT_FALSE(display.isMoving());
+  EXPECT_EQ(display.speed(), Speed);
+  EXPECT_EQ(shown(display, 50), before);
+  display.setSpeed(2 * Speed, 50);
+  EXPECT_EQ(display.speed(), 2 * Speed);
+  EXPECT_EQ(shown(display, 51), before);
+  display.setPaused(false, 51);
+  EXPECT_EQ(display.speed(), 2 * Speed);
+  EXPECT_TRUE(display.isMoving());
+  EXPECT_DOUBLE_EQ(display.strip().travel(), Speed);
+  display.advanceTo(52);
+  EXPECT_DOUBLE_EQ(display.strip().travel(), 3 * Speed);
+}
+
 TEST(TickerDisplay, ForgetsTheNamesOfSignsThatHaveGone) {
   TickerDisplay display;
   setUp(display, QSizeF(96, 24));

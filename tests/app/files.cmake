@@ -32,6 +32,7 @@ set(app_SOURCES
     ShippedAppearanceTest.cpp
     StripOptionsTest.cpp
     StripQueueTest.cpp
+    StripStepsTest.cpp
     StripTest.cpp
     StripWidgetTest.cpp
     TailReaderTest.cpp

@@ -61,7 +61,7 @@ class RollOverButtonWindow : public WindowWith<RollOverProbe> {
  public:
   void enter(double x = 5, double y = 5) {
     const QPointF local(x, y);
-    QEnterEvent event(local, button->mapTo(window.get(), local), button->mapToGlobal(local));
+    QEnterEvent event(local, button->mapTo(button->window(), local), button->mapToGlobal(local));
     QApplication::sendEvent(button, &event);
   }
   void tell(QWidget* receiver, QEvent::Type type) {

@@ -199,4 +199,49 @@ TEST(NotificationCenter, TakesObserversFromSeveralThreadsWhileOthersPost) {
   poster.join();
 }
 
+TEST(NotificationCenter, TakesBackWhatWasAddedForOneName) {
+  NotificationCenter center;
+  Observer observer;
+  Observer other;
+  const auto object = std::make_shared<Object>();
+  center.addObserver(&observer, &Observer::hear, u"Moved"_s);
+  center.addObserver(&observer, &Observer::hear, u"Resized"_s);
+  center.addObserver(&observer, &Observer::hear, u"Resized"_s, object);
+  center.addObserver(&observer, &Observer::hear);
+  center.addObserver(&other, &Observer::hear, u"Resized"_s);
+  center.removeObserver(&observer, u"Resized"_s);
+  center.postNotificationName(u"Resized"_s, object);
+  // By the registration for any name.
+  EXPECT_EQ(observer.heard.size(), 1u);
+  EXPECT_EQ(other.heard.size(), 1u);
+  center.postNotificationName(u"Moved"_s, nullptr);
+  EXPECT_EQ(observer.heard.size(), 3u);
+}
+
+TEST(NotificationCenter, TakesBackWhatWasAddedForOneNameAndObject) {
+  NotificationCenter center;
+  Observer observer;
+  const auto object = std::make_shared<Object>();
+  const auto another = std::make_shared<Object>();
+  for (const auto& about : {object, another})
+    center.addObserver(&observer, &Observer::hear, u"Resized"_s, about);
+  center.removeObserver(&observer, u"Resized"_s, object);
+  center.postNotificationName(u"Resized"_s, object);
+  EXPECT_TRUE(observer.heard.empty());
+  center.postNotificationName(u"Resized"_s, another);
+  EXPECT_EQ(observer.heard.size(), 1u);
+}
+
+TEST(NotificationCenter, LetsRegistrationsGoWithWhatTheyAreAbout) {
+  NotificationCenter center;
+  Observer observer;
+  auto object = std::make_shared<Object>();
+  center.addObserver(&observer, &Observer::hear, u"Resized"_s, object);
+  EXPECT_EQ(center.registrationCount(), 1u);
+  object.reset();
+  EXPECT_EQ(center.registrationCount(), 1u);
+  center.addObserver(&observer, &Observer::hear, u"Moved"_s);
+  EXPECT_EQ(center.registrationCount(), 1u);
+}
+
 #include "NotificationCenterTest.moc"

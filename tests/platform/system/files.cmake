@@ -1,4 +1,5 @@
 set(system_TESTS
+    BundleTest.cpp
     CachedSourceTest.cpp
     DirectorySubscriptionTest.cpp
     DirectorySubscriptionThreadTest.cpp

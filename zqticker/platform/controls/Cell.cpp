@@ -183,9 +183,10 @@ void Cell::drawInteriorWithFrame(const QRectF& frame, ControlView* inView) {
 void Cell::highlight(bool flag, const QRectF&, ControlView* inView) {
   if (flag == isHighlighted())
     return;
+  const Weak<ControlView> view = inView;
   setHighlighted(flag);
-  if (inView)
-    inView->setNeedsDisplay();
+  if (view)
+    view->setNeedsDisplay();
 }
 
 std::shared_ptr<TrackingSession> Cell::makeTrackingSession(const Event& event, const QRectF& inRect,

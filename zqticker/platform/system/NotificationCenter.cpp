@@ -46,10 +46,16 @@ void NotificationCenter::addObserver(const Target& observer, const Selector& sel
                                      const Ref<Object>& object) {
   const std::shared_ptr<Entry> entry(
       new Entry{observer, observer.identity(), selector, name, static_cast<bool>(object), object});
+  std::shared_ptr<const Entries> previous;
   const std::lock_guard lock(mutex_);
-  auto changed = std::make_shared<Entries>(*entries_);
+  auto changed = std::make_shared<Entries>();
+  // Nothing is posted any more about objects that have gone.
+  std::copy_if(entries_->begin(), entries_->end(), std::back_inserter(*changed),
+               [](const std::shared_ptr<Entry>& other) {
+                 return !other->isOfOneObject || !other->object.expired();
+               });
   changed->push_back(entry);
-  entries_ = std::move(changed);
+  previous = std::exchange(entries_, std::move(changed));
 }
 
 // What is freed here may run a destructor that comes back, so that it is freed without the mutex.

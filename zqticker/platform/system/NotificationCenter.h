@@ -56,8 +56,8 @@ class ZQTICKER_EXPORT NotificationCenter {
   void removeObserver(const Target& observer, const QString& name,
                       const Ref<Object>& object = nullptr);
 
-  // How many registrations there are, those of observers that have gone included: these are let go
-  // by the next post that they are meant for.
+  // How many registrations there are. That of an observer that has gone counts until the next post
+  // that it is meant for, one about an object that has gone until another registration is added.
   std::size_t registrationCount() const;
 
   // Sends a notification to its observers and returns when all have been called. What one of them
