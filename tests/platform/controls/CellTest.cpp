@@ -157,3 +157,17 @@ TEST(Cell, CopiesWhatItShowsButNotItsView) {
   EXPECT_EQ(copy->tag(), 4);
   EXPECT_EQ(copy->controlView(), nullptr);
 }
+
+TEST(Cell, BearsAHighlightThatDestroysItsView) {
+  class FragileCell : public Cell {
+   public:
+    void setHighlighted(bool highlighted) override {
+      Cell::setHighlighted(highlighted);
+      view.reset();
+    }
+    std::unique_ptr<FakeView> view = std::make_unique<FakeView>();
+  } cell;
+  cell.highlight(true, cell.view->bounds(), cell.view.get());
+  EXPECT_TRUE(cell.isHighlighted());
+  EXPECT_EQ(cell.view, nullptr);
+}

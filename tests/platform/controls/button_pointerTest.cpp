@@ -81,6 +81,15 @@ TEST_F(ButtonPointerTest, TellsAfterAPressWhatChangedDuringIt) {
   EXPECT_EQ(takeLog(), exited);
 }
 
+TEST_F(ButtonPointerTest, TellsAfterAPressOfAVisitDuringIt) {
+  // Not entered so far: the rectangle is newer than the pointer's last movement.
+  press();
+  drag(50, 10);
+  leave();
+  release(50, 40);
+  EXPECT_EQ(takeLog(), (QStringList{u"entered"_s, u"exited"_s}));
+}
+
 TEST_F(ButtonPointerTest, TellsNothingAfterAPressThatEndsWhereItBegan) {
   enter(5, 5);
   takeLog();
@@ -183,6 +192,14 @@ TEST_F(ButtonPointerTest, IsStillInsideWhenItIsDisabledAndEnabledAgain) {
   move(6, 5);
   EXPECT_EQ(takeLog(), nothing);
   leave();
+  EXPECT_EQ(takeLog(), exited);
+}
+
+TEST_F(ButtonPointerTest, TellsOfMovementsOverADisabledButton) {
+  button->setEnabled(false);
+  move(5, 5);
+  EXPECT_EQ(takeLog(), entered);
+  release(50, 40);
   EXPECT_EQ(takeLog(), exited);
 }
 

@@ -5,6 +5,7 @@
 #include "zqticker/platform/controls/WindowWatch_p.h"
 #include "zqticker/platform/controls/callback_border_p.h"
 #include "zqticker/platform/controls/mouse_events_p.h"
+#include "zqticker/platform/controls/point_in_rect_p.h"
 #include "zqticker/platform/controls/view_notifications.h"
 #include "zqticker/platform/system/NotificationCenter.h"
 
@@ -116,15 +117,23 @@ void Button::Private::cancelPress() {
 
 void Button::Private::pressDidEnd() {
   press = nullptr;
-  if (const auto point = std::exchange(pointerAfterPress, std::nullopt))
-    pointerIsAt(*point);
+  const QPointer<Button> alive = button;
+  const auto pointer = std::exchange(pointerAfterPress, std::nullopt);
+  if (pointer && pointer->lastInside)
+    pointerIsAt(pointer->lastInside);
+  if (pointer && alive)
+    pointerIsAt(pointer->now);
 }
 
 // The pointer.
 
 void Button::Private::pointerIsAt(std::optional<QPointF> point) {
   if (press) {
-    pointerAfterPress = point;
+    if (!pointerAfterPress)
+      pointerAfterPress.emplace();
+    pointerAfterPress->now = point;
+    if (point && isPointInRect(*point, button->bounds()))
+      pointerAfterPress->lastInside = point;
     return;
   }
   if (point && !button->isFlipped())
@@ -243,6 +252,12 @@ bool Button::event(QEvent* event) {
     break;
   case QEvent::Leave:
     private_->pointerIsAt(std::nullopt);
+    break;
+  case QEvent::MouseMove:
+  case QEvent::MouseButtonRelease:
+    // The pointer is somewhere also while the button is disabled, and its handlers are not called.
+    if (!isEnabled())
+      private_->pointerIsAt(static_cast<QMouseEvent*>(event)->position());
     break;
   case QEvent::WindowDeactivate:
     private_->cancelPress();

@@ -52,8 +52,13 @@ struct Button::Private {
 
   TrackingRectangles rectangles;
   bool isListeningToMonitor = false;
-  // Where the pointer went during a press.
-  std::optional<std::optional<QPointF>> pointerAfterPress;
+  // What became of the pointer during a press: where it was inside last, and where it is. The cell
+  // has followed it on its own, so that a visit that is over by the end is told all the same.
+  struct PressedPointer {
+    std::optional<QPointF> lastInside;
+    std::optional<QPointF> now;
+  };
+  std::optional<PressedPointer> pointerAfterPress;
 
   QPointer<QWidget> window;
   std::optional<QPointF> originWithoutSuperview;
