@@ -2,11 +2,15 @@ set(controls_TESTS
     ButtonCellTest.cpp
     ButtonTest.cpp
     CellTest.cpp
+    DraggingInfoTest.cpp
     MenuTest.cpp
+    ScrollViewTest.cpp
+    TableViewTest.cpp
     TextFieldTest.cpp
     TrackingRectanglesTest.cpp
     TrackingSessionTest.cpp
     button_archivesTest.cpp
     button_pointerTest.cpp
     cell_archivesTest.cpp
-    text_wrappingTest.cpp)
+    text_wrappingTest.cpp
+    view_treeTest.cpp)

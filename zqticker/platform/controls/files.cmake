@@ -5,14 +5,19 @@ set(controls_PUBLIC_HEADERS
     ButtonObject.h
     Cell.h
     ControlView.h
+    DraggingDestination.h
+    DraggingInfo.h
     Event.h
     Menu.h
+    ScrollView.h
+    TableView.h
     TextField.h
     TextFieldCell.h
     TrackingSession.h
     ViewObject.h
     control_types.h
-    view_notifications.h)
+    view_notifications.h
+    view_tree.h)
 set(controls_PRIVATE_HEADERS
     ButtonAccessible_p.h
     ButtonPress_p.h
@@ -26,6 +31,7 @@ set(controls_PRIVATE_HEADERS
     cell_coding_p.h
     cell_drawing_p.h
     cell_flags_p.h
+    drag_operations_p.h
     mouse_events_p.h
     point_in_rect_p.h
     text_wrapping_p.h
@@ -44,9 +50,13 @@ set(controls_SOURCES
     CellCoding.cpp
     CellTracking.cpp
     ControlView.cpp
+    DraggingDestination.cpp
+    DraggingInfo.cpp
     Menu.cpp
     MenuPopUp.cpp
     PointerMonitor.cpp
+    ScrollView.cpp
+    TableView.cpp
     TextField.cpp
     TextFieldCell.cpp
     TrackingRectangles.cpp
@@ -55,6 +65,8 @@ set(controls_SOURCES
     WindowWatch.cpp
     callback_border.cpp
     cell_drawing.cpp
+    drag_operations.cpp
     mouse_events.cpp
     text_wrapping.cpp
-    tracking_loop.cpp)
+    tracking_loop.cpp
+    view_tree.cpp)

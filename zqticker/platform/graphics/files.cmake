@@ -1,5 +1,5 @@
 set(graphics_PUBLIC_HEADERS BezierPath.h Color.h Font.h FontManager.h GraphicsContext.h Image.h
-                            ImageRepresentation.h Shadow.h SystemColors.h VerticalShading.h)
+                            ImageRepresentation.h Shadow.h SystemColors.h VerticalShading.h rect_drawing.h)
 set(graphics_PRIVATE_HEADERS
     BitmapRepresentation_p.h
     ColorSpace_p.h
@@ -44,5 +44,6 @@ set(graphics_SOURCES
     path_shadows.cpp
     picture_data.cpp
     pixels.cpp
+    rect_drawing.cpp
     shading_drawing.cpp
     shadow_drawing.cpp)
