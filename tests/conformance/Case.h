@@ -36,11 +36,11 @@ struct Case {
 
 // What it answered. Fields that are missing do not exist for the operation.
 struct Outcome {
-  std::optional<CaseValue> value;
-  std::optional<CaseValue> out;
-  std::optional<CaseValue> locationAfter;
-  std::optional<CaseValue> receiverAfter;
-  std::optional<QString> raises;
+  std::optional<CaseValue> value = {};
+  std::optional<CaseValue> out = {};
+  std::optional<CaseValue> locationAfter = {};
+  std::optional<CaseValue> receiverAfter = {};
+  std::optional<QString> raises = {};
 };
 
 // ---- From cases ---------------------------------------------------------------------------------

@@ -128,12 +128,12 @@ class Reader {
       return meanings[index];
     if (c != 'u' || end_ - at_ < 4)
       fail("an unknown escape");
-    char16_t unit = 0;
+    unsigned short unit = 0;
     const auto result = std::from_chars(at_, at_ + 4, unit, 16);
     if (result.ec != std::errc() || result.ptr != at_ + 4)
       fail("an unknown escape");
     at_ += 4;
-    return unit;
+    return QChar(unit);
   }
 
   CaseValue number() {
