@@ -17,8 +17,9 @@ constexpr qsizetype HelpColumn = 30;
 constexpr qsizetype LineWidth = 88;
 
 QString usageOf(const OptionSpec& spec) {
+  const QString values = spec.values.join(u' ');
   return QString(u"--"_s + spec.name + (spec.values.isEmpty() ? u""_s : u" "_s) +
-                 spec.values.join(u' '));
+                 (spec.isValueOptional ? QString(u'[' + values + u']') : values));
 }
 
 // `text` broken at spaces into lines that stand `indent` characters in; the first line does not.
@@ -87,7 +88,9 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
         throw UsageError(u"--%1: takes no value"_s.arg(name));
       option.values.append(argument.sliced(equals + 1));
     }
-    while (option.values.size() < spec.values.size()) {
+    const bool isNextAValue = i + 1 < arguments.size() && !arguments[i + 1].startsWith(u'-');
+    const bool isComplete = spec.isValueOptional && !isNextAValue;
+    while (option.values.size() < spec.values.size() && !isComplete) {
       if (++i >= arguments.size())
         throw UsageError(u"--%1: needs %2"_s.arg(name, spec.values.join(u" and ")));
       option.values.append(arguments[i]);

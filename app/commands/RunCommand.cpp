@@ -4,9 +4,11 @@
 #include "app/commands/failures.h"
 #include "app/commands/file_following.h"
 #include "app/commands/interrupts.h"
+#include "app/commands/sign_loading.h"
 #include "app/commands/strip_setup.h"
 #include "app/display/StripWidget.h"
 #include "app/intake/LineReader.h"
+#include "app/services/ClockService.h"
 #include "app/services/FeedService.h"
 #include "app/services/FeedSigns.h"
 #include "app/services/FeedSubscription.h"
@@ -107,6 +109,15 @@ int runCommand(const QStringList& arguments) {
           widget.displayChanged();
         });
     feeds->start();
+  }
+  std::unique_ptr<ClockService> clock;
+  if (const std::optional<ClockText> text = clockTextOf(options.strip)) {
+    clock = std::make_unique<ClockService>(*text, [&](const QString& now) {
+      const bool isShown = display.changeText(ClockIdentifier, now, widget.time());
+      widget.displayChanged();
+      return isShown;
+    });
+    clock->start();
   }
   // Feeds and files may always bring something new.
   const auto quitWhenDone = [&] {

@@ -3,6 +3,7 @@
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/intake/LineSplitter.h"
+#include "app/services/ClockText.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
 #include <algorithm>
@@ -14,6 +15,7 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 namespace {
+const QString UsualClockPattern = u"%a %e %b %H:%M"_s;
 constexpr double SlowestSpeed = 0.1;
 constexpr double FastestSpeed = 100'000;
 // Sides of a strip in points.
@@ -67,6 +69,15 @@ SignSource fileSource(SignSource::Kind kind, const ParsedOption& option) {
   return {kind, fileOf(option, option.values[0]), {}, option.text()};
 }
 
+SignSource clockSource(const ParsedOption& option) {
+  const QString pattern = option.values.isEmpty() ? UsualClockPattern : option.values.first();
+  if (!ClockText::make(pattern))
+    throw UsageError(option.text() +
+                     u": no time can be written by it (write it as \"%H:%M\"; an apostrophe in its "
+                     u"text stands twice)"_s);
+  return {SignSource::Kind::Clock, {}, pattern, option.text()};
+}
+
 // An address that can be loaded. What is no address at all is told apart from one of another kind
 // only by its scheme.
 QUrl feedOf(const ParsedOption& option, const std::vector<QUrl>& before) {
@@ -102,6 +113,8 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
     options.sources.push_back(source);
   } else if (name == "sign"_L1) {
     options.sources.push_back(fileSource(SignSource::Kind::Sign, option));
+  } else if (name == "clock"_L1) {
+    options.sources.push_back(clockSource(option));
   } else if (name == "feed"_L1) {
     options.feeds.feeds.push_back(feedOf(option, options.feeds.feeds));
   } else if (name == "feed-items"_L1) {
@@ -143,8 +156,9 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
 void requireSomethingToShow(const StripOptions& options, const QString& command) {
   if (options.sources.empty() && options.feeds.feeds.empty() && options.files.isEmpty() &&
       !options.readsStandardInput)
-    throw UsageError(u"nothing to show: give --text, --image, --combo, --sign, --feed, --tail, "
-                     u"--stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
+    throw UsageError(
+        u"nothing to show: give --text, --image, --combo, --sign, --clock, --feed, "
+        u"--tail, --stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
 }
 
 // Settings of feeds are for feeds.

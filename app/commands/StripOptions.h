@@ -15,12 +15,12 @@
 
 namespace zq::app {
 
-// One --text, --image, --combo or --sign.
+// One --text, --image, --combo, --sign or --clock.
 struct SignSource {
-  enum class Kind { Text, Image, Combo, Sign };
+  enum class Kind { Text, Image, Combo, Sign, Clock };
   Kind kind;
-  QString file; // of a picture or an archive
-  QString text;
+  QString file;     // of a picture or an archive
+  QString text;     // of a clock its pattern
   QString argument; // as the user wrote it, for messages
 };
 

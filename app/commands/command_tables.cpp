@@ -19,6 +19,11 @@ const std::vector<OptionSpec>& stripOptions() {
        u"Show a sign from its archive, with the loop count, the delay and the scrolling that it "
        u"was archived with."_s,
        true},
+      {u"clock"_s,
+       {u"PATTERN"_s},
+       u"Show the time, as it is at each moment; \"%a %e %b %H:%M\" without a pattern."_s,
+       false,
+       true},
       {u"feed"_s,
        {u"URL"_s},
        u"Show the items of a feed (RSS, Atom or JSON Feed), each with its picture where it has "
@@ -53,7 +58,8 @@ const std::vector<OptionSpec>& stripOptions() {
       {u"loop"_s,
        {u"COUNT"_s},
        u"How often each sign is shown: 1 or more, or forever. By default what --text, --image, "
-       u"--combo and --feed show is shown forever, signs from archives as often as they say, lines "
+       u"--combo, --clock and --feed show is shown forever, signs from archives as often as they "
+       u"say, lines "
        u"of files and of standard input once, and so is what --watch tells."_s},
       {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
       {u"continuous"_s,
@@ -76,6 +82,17 @@ const QString FilesNote =
     u"to a line. A file that is renamed is read to its end before the one that takes its place, "
     u"which is read from its start, as a file is that has been emptied. More than 64 MiB that come "
     u"at once are passed over, up to the last 64 MiB."_s;
+
+const QString ClockNote =
+    u"The clock: %H (00 to 23) or %I (01 to 12) with %p stand for the hour, %M for the minute, %S "
+    u"for the second, %F for its thousandths; %d or %e for the day, %A or %a for its name, %j for "
+    u"its number in the year; %m for the month, %B or %b for its name; %Y or %y for the year; %z "
+    u"or "
+    u"%Z for the time zone; %x and %X for date and time as they are usually written; %% for a "
+    u"percent sign. The first of two without anything between shows its letter behind it. Language "
+    u"and zone are those of LC_ALL, LC_TIME or LANG, and of TZ. The text changes while it is in "
+    u"sight, once a second or a minute, without moving anything; one that has become longer is cut "
+    u"off until it comes again."_s;
 
 const QString FeedNote =
     u"Feeds: the first items that a feed lists are shown, for as long as it lists them; a changed "
@@ -117,7 +134,10 @@ OptionTable makeRunTable() {
        u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
-      StandardInputNote, FilesNote, FeedNote,
+      StandardInputNote,
+      FilesNote,
+      FeedNote,
+      ClockNote,
       u"The program ends when all signs have been shown as often as they ask for and standard "
       u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu under the right "
       u"mouse button. With --feed, --tail or --watch it does not end by itself. Everything but "
@@ -136,6 +156,8 @@ OptionTable makeRunTable() {
       u"What a program writes, as it is written."_s,
       u"zqticker --tail /var/log/syslog --watch /etc/hosts"_s,
       u"Every new line of a log, and each change of a file."_s,
+      u"zqticker --clock \"%H:%M:%S\" --continuous"_s,
+      u"The time, second by second."_s,
       u"zqticker --feed https://example.org/news.xml --feed https://example.net/atom --continuous"_s,
       u"The newest items of two feeds by turns, kept up to date."_s,
       u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
@@ -149,8 +171,9 @@ OptionTable makeRunTable() {
 OptionTable makeRenderTable() {
   OptionTable table;
   table.command = u"render"_s;
-  table.summary = u"Renders the strip that `run` would show into pictures, without a display. The "
-                  u"same arguments give the same bytes, as long as feeds do not change."_s;
+  table.summary =
+      u"Renders the strip that `run` would show into pictures, without a display. The "
+      u"same arguments give the same bytes, as long as feeds and the time do not change."_s;
   table.options = stripOptions();
   table.options.push_back(
       {u"size"_s, {u"WIDTHxHEIGHT"_s}, u"Size of the strip in points; 800x24 by default."_s});
@@ -172,7 +195,10 @@ OptionTable makeRenderTable() {
        u"name ends in .png, in which the frames stand one below the other."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
-      StandardInputNote, FeedNote,
+      StandardInputNote,
+      FeedNote,
+      ClockNote,
+      u"The time is that of the start in all pictures."_s,
       u"Of each --tail FILE, which must be there, the last line is shown."_s,
       u"Feeds are read once, before the first frame; one that cannot be read, or has not answered "
       u"after a minute, is an error."_s,

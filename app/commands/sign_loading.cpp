@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 #include "app/intake/SilencedStandardError.h"
+#include "app/services/ClockText.h"
 #include "zqticker/platform/archiving/KeyedUnarchiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
@@ -22,6 +23,8 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 using namespace platform;
+
+const QString ClockIdentifier = u"clock"_s;
 
 namespace {
 constexpr double LargestFontSize = 10'000;
@@ -54,6 +57,12 @@ Ref<ZQTickerSign> makeSign(const SignSource& source, const StripOptions& options
   }
   case SignSource::Kind::Sign:
     return loadSign(source.argument, source.file);
+  case SignSource::Kind::Clock: {
+    const QString text = ClockText::make(source.text).value().textAt(Date::date());
+    const Ref<ZQTickerSign> sign = ZQTextTickerSign::make(AttributedString::make(text, style));
+    sign->setIdentifier(ClockIdentifier);
+    return sign;
+  }
   }
   return nullptr;
 }

@@ -16,6 +16,9 @@ class Image;
 
 namespace zq::app {
 
+// The identifier of a clock's sign.
+extern const QString ClockIdentifier;
+
 // The most bytes of a picture or an archive.
 inline constexpr qint64 LargestFile = qint64(256) << 20;
 

@@ -66,6 +66,13 @@ void fillDisplay(TickerDisplay& display, const StripOptions& options, const Stri
     display.addSign(sign, time);
 }
 
+std::optional<ClockText> clockTextOf(const StripOptions& options) {
+  for (const SignSource& source : options.sources)
+    if (source.kind == SignSource::Kind::Clock)
+      return ClockText::make(source.text);
+  return std::nullopt;
+}
+
 LoopRule lineRuleOf(const StripOptions& options) {
   return {options.loopCount.value_or(1), options.loopDelay.value_or(0), options.continuous};
 }

@@ -3,6 +3,7 @@
 
 #include "app/commands/StripOptions.h"
 #include "app/display/TickerDisplay.h"
+#include "app/services/ClockText.h"
 
 namespace zq::app {
 
@@ -21,6 +22,9 @@ StripLook lookOf(const StripOptions& options, QSizeF room);
 // RunTimeError for what cannot be shown; the display is unchanged then.
 void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
                  double time);
+
+// The clock of the options, whose sign has ClockIdentifier.
+std::optional<ClockText> clockTextOf(const StripOptions& options);
 
 // The loop rule of lines of standard input.
 LoopRule lineRuleOf(const StripOptions& options);

@@ -1,7 +1,7 @@
 #include "app/display/SignItem.h"
 
 #include "app/display/TickerDisplay.h"
-#include "zqticker/signs/ZQTickerSign.h"
+#include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <QtCore/QLoggingCategory>
 
@@ -50,6 +50,15 @@ double SignItem::enter() {
 double SignItem::place() {
   placement_ = placeSign(*sign_, display_.shape());
   return placement_.lengthWithGap();
+}
+
+bool SignItem::changeText(const QString& text) {
+  const auto textSign = std::dynamic_pointer_cast<ZQTextTickerSign>(sign_);
+  if (!textSign || isLine_)
+    return false;
+  textSign->setText(display_.styledText(text));
+  place();
+  return true;
 }
 
 void SignItem::leave() {

@@ -25,6 +25,10 @@ class SignItem : public StripItem {
   void leave() override;
   LoopRule loopRule() const override;
 
+  // Lets a text sign show `text`, also where it is on the strip; its length there stays. False for
+  // another sign and for a line.
+  bool changeText(const QString& text);
+
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }

@@ -201,6 +201,20 @@ bool TickerDisplay::removeSign(const QString& identifier, double time) {
   return true;
 }
 
+bool TickerDisplay::changeText(const QString& identifier, const QString& text, double time) {
+  catchUp(time);
+  const Strip::Entry entry = named_.value(identifier).lock();
+  if (!entry || !(entry->isWaiting() || entry->onStrip > 0) ||
+      !static_cast<SignItem&>(*entry->item).changeText(text))
+    return false;
+  for (const Strip::Run& run : strip_.runs())
+    if (run.entry == entry) {
+      tiles_.forget(run.number);
+      frameIsStale_ = true;
+    }
+  return true;
+}
+
 bool TickerDisplay::hasWaitingSign(const QString& identifier, double time) {
   catchUp(time);
   return waitingEntry(identifier) != nullptr;
@@ -227,14 +241,17 @@ void TickerDisplay::addLine(const QString& line, double time, const LoopRule& ru
                                  static_cast<std::size_t>(line.size()));
 }
 
-Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text) {
+Ref<AttributedString> TickerDisplay::styledText(const QString& text) const {
   Attributes attributes;
   if (font_)
     attributes.insert(FontAttributeName, any(font_));
   if (color_)
     attributes.insert(ForegroundColorAttributeName, any(color_));
-  const Ref<ZQTextTickerSign> sign =
-      ZQTextTickerSign::make(AttributedString::make(text, attributes));
+  return AttributedString::make(text, attributes);
+}
+
+Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text) {
+  const Ref<ZQTextTickerSign> sign = ZQTextTickerSign::make(styledText(text));
   sign->setScrollDirection(scrollDirection());
   sign->setDisplay(textSignDisplay_.get());
   return sign;
@@ -248,8 +265,9 @@ bool TickerDisplay::advanceTo(double time) {
     return false;
   frameOffset_ = offset;
   frameIsStale_ = false;
-  tiles_.fill(frame_, strip_.runs(), horizontal_, offset, scale_,
-              [](const Strip::Run& run) { return itemOf(run).placement().length; });
+  tiles_.fill(frame_, strip_.runs(), horizontal_, offset, scale_, [](const Strip::Run& run) {
+    return std::min(itemOf(run).placement().length, run.length);
+  });
   return true;
 }
 

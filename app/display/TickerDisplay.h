@@ -13,6 +13,10 @@
 
 class ZQTickerSign;
 
+namespace zq::platform {
+class AttributedString;
+} // namespace zq::platform
+
 namespace zq::app {
 
 // Shows signs one behind the other, in the order in which they were added, each as often as its
@@ -83,12 +87,20 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Takes the sign out, once it has left where it is on the strip. False where none waits.
   bool removeSign(const QString& identifier, double time);
 
+  // Lets the text sign of this identifier show `text` in the default font and color, where it waits
+  // and where it is on the strip, without moving anything: a text that has become longer than the
+  // place of the one before, with its gap, is cut off until it enters again. False where there is
+  // none, or not a text sign.
+  bool changeText(const QString& identifier, const QString& text, double time);
+
   // Whether a sign with this identifier waits for its first or another showing at `time`.
   bool hasWaitingSign(const QString& identifier, double time);
 
   // Adds a line of text in the default font and color. Lines are limited as stated above: for a
   // new one the line that was shown longest ago goes, then the oldest waiting one.
   void addLine(const QString& line, double time, const LoopRule& rule = {});
+  // `text` in the default font and color.
+  platform::Ref<platform::AttributedString> styledText(const QString& text) const;
   // A text sign for `text` in the default font and color, laid out for this display.
   platform::Ref<ZQTickerSign> makeTextSign(const QString& text);
 

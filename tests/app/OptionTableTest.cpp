@@ -57,6 +57,22 @@ TEST(OptionTable, KeepsTheOrder) {
             u"one(1)two(2,3)one(4)"_s);
 }
 
+TEST(OptionTable, TakesAnOptionalValueUnlessItBeginsWithADash) {
+  const OptionTable options{
+      u"test"_s,
+      u"Tests."_s,
+      {{u"may"_s, {u"A"_s}, u"One value or none."_s, true, true}, {u"flag"_s, {}, u"No value."_s}},
+      {},
+      {}};
+  EXPECT_EQ(parsed({u"--may"_s}, options), u"may()"_s);
+  EXPECT_EQ(parsed({u"--may"_s, u"1"_s, u"--may"_s, u"--flag"_s}, options), u"may(1)may()flag()"_s);
+  EXPECT_EQ(parsed({u"--may=-1"_s, u"--may="_s}, options), u"may(-1)may()"_s);
+  EXPECT_EQ(parsed({u"--may"_s, u""_s}, options), u"may()"_s);
+  EXPECT_EQ(failureOf({u"--may"_s, u"1"_s, u"2"_s}, options),
+            u"2: unexpected argument (see zqticker test --help)"_s);
+  EXPECT_TRUE(helpText(options).contains(u"--may [A]"_s));
+}
+
 TEST(OptionTable, TakesValuesAfterAnEqualsSign) {
   EXPECT_EQ(parsed({u"--one=a=b"_s, u"--two=x"_s, u"y"_s, u"--one="_s}),
             u"one(a=b)two(x,y)one()"_s);

@@ -125,10 +125,11 @@ TEST_F(Program, RefusesWrongCommandLines) {
                 "dance: unknown command (see zqticker --help)");
   expectFailure(runZqticker({u"--dance"_s}), 2,
                 "--dance: unknown option (see zqticker run --help)");
-  expectFailure(runZqticker({}), 2,
-                "nothing to show: give --text, --image, --combo, --sign, --feed, --tail, --stdin "
-                "or, with run, --watch (see zqticker "
-                "run --help)");
+  expectFailure(
+      runZqticker({}), 2,
+      "nothing to show: give --text, --image, --combo, --sign, --clock, --feed, --tail, --stdin "
+      "or, with run, --watch (see zqticker "
+      "run --help)");
   expectFailure(render({u"--text"_s, u"a"_s, u"--speed"_s, u"fast"_s}), 2,
                 "--speed fast: not a number");
 }

@@ -130,9 +130,10 @@ TEST(StripOptions, RefuseEmptyNamesAndTexts) {
 }
 
 TEST(StripOptions, RefuseToShowNothing) {
-  EXPECT_EQ(runFailure(""), "nothing to show: give --text, --image, --combo, --sign, --feed, "
-                            "--tail, --stdin or, with run, --watch "
-                            "(see zqticker run --help)");
+  EXPECT_EQ(runFailure(""),
+            "nothing to show: give --text, --image, --combo, --sign, --clock, --feed, "
+            "--tail, --stdin or, with run, --watch "
+            "(see zqticker run --help)");
   EXPECT_EQ(runFailure("--speed 50"), runFailure(""));
 }
 
@@ -241,4 +242,18 @@ TEST(StripOptions, RefuseWhatIsNoFeed) {
             "--feed-items 0: must be between 1 and 1000");
   EXPECT_EQ(runFailure("--feed http://a/ --feed-interval 0"),
             "--feed-interval 0: must be between 0.001 and 10080");
+}
+
+TEST(StripOptions, TakeAClockAmongTheSources) {
+  const StripOptions options = strip("--text one --clock %H:%M --text two");
+  ASSERT_EQ(options.sources.size(), 3u);
+  EXPECT_EQ(options.sources[1].kind, SignSource::Kind::Clock);
+  EXPECT_EQ(options.sources[1].text, u"%H:%M"_s);
+  EXPECT_EQ(strip("--clock --stdin").sources[0].text, u"%a %e %b %H:%M"_s);
+}
+
+TEST(StripOptions, RefuseClocksThatShowNoTime) {
+  EXPECT_EQ(runFailure("--clock=%q"), "--clock %q: no time can be written by it (write it as "
+                                      "\"%H:%M\"; an apostrophe in its text stands twice)");
+  EXPECT_EQ(runFailure("--clock %H --clock %M"), "--clock: given twice");
 }

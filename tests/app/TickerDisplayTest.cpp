@@ -498,6 +498,83 @@ TEST(TickerDisplay, LetsAReplacedSignOnTheStripGoOnToItsEnd) {
   EXPECT_EQ(colorsOf(shown(display, 160 / Speed), 3), (std::vector<QRgb>{Black, Green, Black}));
 }
 
+TEST(TickerDisplay, ChangesATextOnTheStripWithoutMovingAnything) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24));
+  const auto sign = display.makeTextSign(u"10:00"_s);
+  sign->setIdentifier(u"clock"_s);
+  display.addSign(sign, 0);
+  display.addSign(picture(10, 24, Qt::red), 0);
+  const QImage before = shown(display, 3);
+  ASSERT_EQ(display.strip().runs().size(), 2u);
+  const double end = display.strip().runs()[0].end();
+  const std::uint64_t drawn = display.tiles().drawn();
+  ASSERT_TRUE(display.changeText(u"clock"_s, u"10:04"_s, 3));
+  EXPECT_TRUE(display.advanceTo(3));
+  const QImage after = shown(display, 3);
+  EXPECT_NE(after, before);
+  EXPECT_EQ(display.strip().runs()[0].end(), end);
+  EXPECT_EQ(display.tiles().drawn(), drawn + 1) << "the picture is not drawn again";
+  // The other text alone, as if it had been there from the start.
+  TickerDisplay other;
+  setUp(other, QSizeF(400, 24));
+  other.addSign(other.makeTextSign(u"10:04"_s), 0);
+  other.addSign(picture(10, 24, Qt::red), 0);
+  EXPECT_EQ(after, shown(other, 3));
+  EXPECT_FALSE(display.advanceTo(3)) << "nothing has changed since";
+}
+
+TEST(TickerDisplay, CutsOffATextThatHasBecomeLongerUntilItEntersAgain) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24));
+  const auto sign = display.makeTextSign(u"i"_s);
+  sign->setIdentifier(u"clock"_s);
+  sign->setLoopCount(2);
+  display.addSign(sign, 0);
+  shown(display, 5);
+  const Strip::Run run = display.strip().runs().at(0);
+  ASSERT_TRUE(display.changeText(u"clock"_s, u"mmmmmmmmmm"_s, 5));
+  const std::pair<int, int> ink = inkAlong(shown(display, 5), true);
+  EXPECT_LE(ink.second - ink.first, run.length);
+  EXPECT_GE(ink.second - ink.first, run.length / 2);
+  EXPECT_EQ(display.strip().runs().at(0).length, run.length);
+  shown(display, 15);
+  EXPECT_GT(display.strip().runs().at(0).length, 3 * run.length);
+}
+
+TEST(TickerDisplay, ChangesATextThatWaits) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24));
+  display.addSign(picture(100, 24, Qt::red), 0);
+  const auto sign = display.makeTextSign(u"before"_s);
+  sign->setIdentifier(u"clock"_s);
+  display.addSign(sign, 0);
+  display.advanceTo(0.5);
+  ASSERT_TRUE(display.changeText(u"clock"_s, u"after"_s, 0.5));
+  EXPECT_FALSE(display.advanceTo(0.5)) << "nothing in sight has changed";
+  TickerDisplay other;
+  setUp(other, QSizeF(400, 24));
+  other.addSign(picture(100, 24, Qt::red), 0);
+  other.addSign(other.makeTextSign(u"after"_s), 0);
+  EXPECT_EQ(shown(display, 5), shown(other, 5));
+}
+
+TEST(TickerDisplay, ChangesNoTextOfASignThatHasGoneOrIsNone) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24));
+  const auto image = picture(10, 24, Qt::red);
+  image->setIdentifier(u"picture"_s);
+  display.addSign(image, 0);
+  const auto sign = display.makeTextSign(u"once"_s);
+  sign->setIdentifier(u"clock"_s);
+  display.addSign(sign, 0);
+  EXPECT_FALSE(display.changeText(u"other"_s, u"text"_s, 1));
+  EXPECT_FALSE(display.changeText(u"picture"_s, u"text"_s, 1));
+  EXPECT_TRUE(display.changeText(u"clock"_s, u"text"_s, 1));
+  display.advanceTo(60);
+  EXPECT_FALSE(display.changeText(u"clock"_s, u"late"_s, 60));
+}
+
 TEST(TickerDisplay, RemovesASignOnceItHasLeft) {
   TickerDisplay display;
   setUp(display, QSizeF(96, 24));

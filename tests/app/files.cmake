@@ -3,6 +3,9 @@ set(app_SOURCES
     AppearanceCommandTest.cpp
     AppearancePreviewTest.cpp
     ButtonSampleTest.cpp
+    ClockProgramTest.cpp
+    ClockServiceTest.cpp
+    ClockTextTest.cpp
     ContactSheetTest.cpp
     FakeItem.h
     FeedCheckTest.cpp
