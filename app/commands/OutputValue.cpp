@@ -1,5 +1,7 @@
 #include "app/commands/OutputValue.h"
 
+#include "app/commands/size_text.h"
+
 #include "zqticker/platform/archiving/number_text.h"
 
 #include <QtCore/QStringList>
@@ -167,7 +169,7 @@ QString OutputValue::heading(QStringList& shownKeys) const {
     constexpr qsizetype LongestHex = 128;
     const QString digits = hex->text_.mid(1, hex->text_.size() - 2);
     const OutputValue* text = take(u"$text"_s);
-    QString shown = u"data of %1 bytes "_s.arg(digits.size() / 2);
+    QString shown = u"data of %1 "_s.arg(sizeText(digits.size() / 2));
     shown += digits.size() > LongestHex ? QString(digits.left(LongestHex) + u"..."_s) : digits;
     return text ? QString(shown + u' ' + text->text_) : shown;
   }

@@ -1,6 +1,6 @@
 #include "app/commands/TransferProgress.h"
 
-#include <QtCore/QLocale>
+#include "app/commands/size_text.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -17,8 +17,10 @@ constexpr qsizetype BarWidth = 30;
 // Back to the start of the line, and clear it.
 constexpr char ClearLine[] = "\r\033[K";
 
-QString sizeText(double bytes) {
-  return QLocale::c().formattedDataSize(static_cast<qint64>(bytes), 1, QLocale::DataSizeSIFormat);
+// The highest rate that a clock of milliseconds can tell of any number of bytes is beyond 64 bits.
+QString rateText(double bytesPerSecond) {
+  constexpr double Highest = 0x1p62;
+  return sizeText(qint64(std::min(bytesPerSecond, Highest))) + u"/s"_s;
 }
 } // namespace
 
@@ -30,11 +32,11 @@ QString progressText(qint64 received, qint64 total, double seconds) {
     text = u"%1 % ["_s.arg(int(done * 100), 3) + QString(filled, u'#') +
            QString(BarWidth - filled, u' ') + u"] "_s;
   }
-  text += sizeText(double(received));
+  text += sizeText(received);
   if (total > 0)
-    text += u" of "_s + sizeText(double(total));
+    text += u" of "_s + sizeText(total);
   if (seconds > 0)
-    text += u", "_s + sizeText(double(received) / seconds) + u"/s"_s;
+    text += u", "_s + rateText(double(received) / seconds);
   return text;
 }
 

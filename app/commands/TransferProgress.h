@@ -6,8 +6,9 @@
 
 namespace zq::app {
 
-// "45 % [##########            ] 4.5 of 10 MB, 1.2 MB/s"; without the total where it is unknown
-// (-1). Sizes count in powers of 1000.
+// "45 % [##########            ] 4.5 MB of 10.0 MB, 1.2 MB/s"; without the total where it is
+// unknown
+// (-1). Sizes as by sizeText.
 QString progressText(qint64 received, qint64 total, double seconds);
 
 // Shows that text on standard error, on one line that it rewrites at most ten times a second and

@@ -5,5 +5,7 @@ set(archive_command_SOURCES
     commands/ArchiveTree.cpp
     commands/ArchiveTree.h
     commands/OutputValue.cpp
-    commands/OutputValue.h)
+    commands/OutputValue.h
+    commands/size_text.cpp
+    commands/size_text.h)
 set(archive_SOURCES ${archive_command_SOURCES})

@@ -13,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <limits>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app;
@@ -232,12 +233,18 @@ TEST_F(Fetch, RefusesWrongCommandLines) {
 }
 
 TEST(ProgressText, ShowsABarWhereTheTotalIsKnown) {
-  EXPECT_EQ(progressText(4'500'000, 10'000'000, 2),
-            u" 45 % [#############                 ] 4.5 MB of 10.0 MB, 2.3 MB/s"_s);
+  EXPECT_EQ(progressText(4'718'592, 10'485'760, 2),
+            u" 45 % [#############                 ] 4.5 MB of 10.0 MB, 2.2 MB/s"_s);
 }
 
 TEST(ProgressText, ShowsSizeAndRateWhereItIsNot) {
-  EXPECT_EQ(progressText(1500, -1, 1), u"1.5 kB, 1.5 kB/s"_s);
+  EXPECT_EQ(progressText(1536, -1, 1), u"1.5 KB, 1.5 KB/s"_s);
+}
+
+TEST(ProgressText, ShowsSizesBeyondTheUnitsInBytes) {
+  EXPECT_EQ(progressText(std::numeric_limits<qint64>::max(), -1, 0.001),
+            u"9223372036854775807 B, 4611686018427387904 B/s"_s);
+  EXPECT_EQ(progressText(0, (qint64(1) << 50) - 1, 0).section(u"] "_s, 1), u"0.0 B of 1024.0 TB"_s);
 }
 
 TEST(ProgressText, StaysWholeWhenMoreComesThanAnnounced) {

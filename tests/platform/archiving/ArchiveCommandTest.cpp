@@ -108,6 +108,15 @@ TEST(ArchiveCommand, MarksCyclesByTheNumberOfTheObject) {
   EXPECT_TRUE(run({golden("probe.archive")}).output.contains("\n  self: -> #1\n"));
 }
 
+TEST(ArchiveCommand, PrintsSizesOfDataForPeopleAndBytesForPrograms) {
+  EXPECT_TRUE(
+      run({golden("probe.archive")}).output.contains("\n  bytes: data of 3.0 B 616263 \"abc\"\n"));
+  const QByteArray data(1536, '\x01');
+  EXPECT_TRUE(treeOfTable({u"$null"_s, data}).contains("data of 1.5 KB 0101010101"));
+  EXPECT_EQ(jsonOfTable({u"$null"_s, data})[u"root"_s].toObject()[u"$hex"_s].toString(),
+            QString::fromLatin1(data.toHex()));
+}
+
 TEST(ArchiveCommand, PrintsXmlArchivesLikeBinaryOnes) {
   const QJsonObject probe = jsonOf(golden("probe.xml.archive"))[u"root"_s].toObject();
   QJsonObject binary = jsonOf(golden("probe.archive"))[u"root"_s].toObject();

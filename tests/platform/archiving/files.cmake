@@ -1,4 +1,5 @@
-# The archive printer belongs to the program; its tests link it with the platform.
+# The archive printer belongs to the program; its tests link it with the platform and with what
+# shows sizes.
 set(archiving_TESTS
     ArchiveBuilder.cpp
     ArchiveCommandTest.cpp
@@ -18,4 +19,5 @@ set(archiving_TESTS
     XmlPropertyListReaderTest.cpp
     ../../../app/commands/ArchiveCommand.cpp
     ../../../app/commands/ArchiveTree.cpp
-    ../../../app/commands/OutputValue.cpp)
+    ../../../app/commands/OutputValue.cpp
+    ../../../app/commands/size_text.cpp)
