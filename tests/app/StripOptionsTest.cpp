@@ -177,7 +177,8 @@ TEST(RenderOptions, RefuseWrongValues) {
   EXPECT_EQ(failure(readRenderOptions, words("--text a")),
             "--output: missing; say where the pictures go, a folder or a file.png");
   EXPECT_EQ(failure(readRenderOptions, words("--output out")),
-            "nothing to show: give --text, --image, --combo, --sign, --feed, --tail, --stdin or, "
+            "nothing to show: give --text, --image, --combo, --sign, --clock, --feed, --tail, "
+            "--stdin or, "
             "with run, --watch (see zqticker "
             "render --help)");
 }
