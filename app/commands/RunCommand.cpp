@@ -6,6 +6,8 @@
 #include "app/commands/interrupts.h"
 #include "app/commands/sign_loading.h"
 #include "app/commands/strip_setup.h"
+#include "app/controls/ControlBar.h"
+#include "app/controls/ControlBarButton.h"
 #include "app/display/StripWidget.h"
 #include "app/intake/LineReader.h"
 #include "app/services/ClockService.h"
@@ -21,6 +23,7 @@
 #include <QtGui/QScreen>
 
 #include <cmath>
+#include <exception>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -63,6 +66,19 @@ QRect windowGeometry(const RunOptions& options, const StripLook& look, const QRe
 bool isOpen(int descriptor) {
   return ::fcntl(descriptor, F_GETFD) != -1;
 }
+
+// Puts the control bar on the strip. A strip without one can be used all the same.
+void addControlBar(StripWidget& widget, bool isHorizontal) {
+  try {
+    if (ControlBarButton::hasLook())
+      new ControlBar(&widget, isHorizontal, widget.menu());
+    else
+      printError(u"no control bar: its look, ControlBarButton.button, is missing"_s);
+  } catch (const std::exception& exception) {
+    printError(u"no control bar: its look, ControlBarButton.button, cannot be read: "_s +
+               QString::fromUtf8(exception.what()));
+  }
+}
 } // namespace
 
 bool hasDisplay() {
@@ -86,7 +102,9 @@ int runCommand(const QStringList& arguments) {
   TickerDisplay display(FrameClock::now());
   fillDisplay(display, options.strip, look, FrameClock::now());
   StripWidget widget(display, options.strip.background);
-  widget.setGeometry(windowGeometry(options, look, room));
+  widget.place(windowGeometry(options, look, room));
+  if (options.showsControlBar)
+    addControlBar(widget, options.strip.isHorizontal);
 
   const LoopRule lineRule = lineRuleOf(options.strip);
   FileSigns fileSigns(display, lineRule);

@@ -202,6 +202,8 @@ RunOptions readRunOptions(const QStringList& arguments) {
   for (const ParsedOption& option : given)
     if (option.name == "position"_L1)
       options.edge = edgeOf(option);
+    else if (option.name == "no-control-bar"_L1)
+      options.showsControlBar = false;
     else if (option.name == "watch"_L1)
       options.strip.files.watched.append(newFileOf(option, options.strip.files.watched));
     else

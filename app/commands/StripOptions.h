@@ -54,6 +54,7 @@ enum class Edge { Automatic, Top, Bottom, Left, Right };
 struct RunOptions {
   StripOptions strip;
   Edge edge = Edge::Automatic;
+  bool showsControlBar = true;
 };
 
 struct RenderOptions {

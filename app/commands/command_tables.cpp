@@ -132,15 +132,26 @@ OptionTable makeRunTable() {
       {u"position"_s,
        {u"EDGE"_s},
        u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
+  table.options.push_back(
+      {u"no-control-bar"_s,
+       {},
+       u"Show no buttons for back, pause, forward and the menu while the pointer rests on the "
+       u"strip. The menu under the right mouse button has them all."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
       StandardInputNote,
       FilesNote,
       FeedNote,
       ClockNote,
+      u"The control bar appears where signs enter while the pointer rests on the strip, or with a "
+      u"click or a tap. Forward goes to the start of the next sign. Back goes to the start of the "
+      u"one that is leaving, or, where that has just begun to, of the one before; at most 50 signs "
+      u"back, less where they are long lines, and not beyond the last change of the strip's size. "
+      u"Its look is \"ControlBarButton.button\", see zqticker appearance --help."_s,
       u"The program ends when all signs have been shown as often as they ask for and standard "
-      u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu under the right "
-      u"mouse button. With --feed, --tail or --watch it does not end by itself. Everything but "
+      u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu of the control bar "
+      u"and under the right mouse button. With --feed, --tail or --watch it does not end by "
+      u"itself. Everything but "
       u"feeds is read and "
       u"checked before the window opens. Without a display "
       u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "

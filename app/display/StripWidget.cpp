@@ -1,14 +1,15 @@
 #include "app/display/StripWidget.h"
 
 #include <QtCore/QCoreApplication>
+#include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
 #include <QtGui/QPainter>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
-#include <QtWidgets/QMenu>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -23,7 +24,7 @@ constexpr double LongestWakeSeconds = 86'400;
 StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint),
-      display_(display), background_(background) {
+      display_(display), background_(background), menu_(this) {
   setAttribute(Qt::WA_X11NetWmWindowTypeDock);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -37,9 +38,27 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
   wake_.setSingleShot(true);
   wake_.setTimerType(Qt::PreciseTimer);
   connect(&wake_, &QTimer::timeout, this, [this] { advance(FrameClock::now()); });
+  connect(&menu_.back(), &QAction::triggered, this, [this] {
+    display_.stepBack(time());
+    displayChanged();
+  });
+  connect(&menu_.forward(), &QAction::triggered, this, [this] {
+    display_.stepForward(time());
+    displayChanged();
+  });
+  connect(&menu_.pause(), &QAction::toggled, this, [this](bool paused) {
+    display_.setPaused(paused, time());
+    displayChanged();
+  });
+  connect(&menu_.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
 StripWidget::~StripWidget() = default;
+
+void StripWidget::place(const QRect& geometry) {
+  place_ = geometry.topLeft();
+  setGeometry(geometry);
+}
 
 double StripWidget::time() const {
   return FrameClock::now() - lost_;
@@ -104,6 +123,15 @@ void StripWidget::paintEvent(QPaintEvent*) {
   paintFrame(painter, display_.frame(), background_);
 }
 
+// Some window managers put a dock where it asks to be and tell it another place, by which menus
+// would then go. Asked once more, they tell the right one.
+void StripWidget::moveEvent(QMoveEvent*) {
+  if (!isVisible() || !place_ || pos() == *place_)
+    return;
+  const QPoint place = *std::exchange(place_, std::nullopt);
+  move(place);
+}
+
 void StripWidget::resizeEvent(QResizeEvent*) {
   fitDisplay();
   displayChanged();
@@ -123,10 +151,7 @@ void StripWidget::closeEvent(QCloseEvent*) {
 }
 
 void StripWidget::contextMenuEvent(QContextMenuEvent* event) {
-  auto* menu = new QMenu(this);
-  menu->setAttribute(Qt::WA_DeleteOnClose);
-  menu->addAction(tr("Quit"), qApp, &QCoreApplication::quit);
-  menu->popup(event->globalPos());
+  menu_.popup(event->globalPos());
 }
 
 bool StripWidget::event(QEvent* event) {

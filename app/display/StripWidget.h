@@ -2,10 +2,13 @@
 #pragma once
 
 #include "app/display/FrameClock.h"
+#include "app/display/StripMenu.h"
 #include "app/display/TickerDisplay.h"
 
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
+
+#include <optional>
 
 namespace zq::app {
 
@@ -21,12 +24,18 @@ class StripWidget : public QWidget {
   StripWidget(TickerDisplay& display, const QColor& background);
   ~StripWidget() override;
 
+  // Gives the window its place on the screen.
+  void place(const QRect& geometry);
+
   // Seconds on the strip's own clock: the monotonic clock without the time in which this process
   // was kept from running, so that nothing jumps afterwards.
   double time() const;
 
   // Tells that something was added to the display or that it was changed.
   void displayChanged();
+
+  // The strip's commands, ready for use; it pops up under the right mouse button.
+  StripMenu& menu() { return menu_; }
 
   // Whether the display has shown everything.
   bool isFinished() const { return display_.isFinished(); }
@@ -37,6 +46,7 @@ class StripWidget : public QWidget {
 
  protected:
   void paintEvent(QPaintEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
@@ -53,8 +63,10 @@ class StripWidget : public QWidget {
   QColor background_;
   FrameClock clock_;
   QTimer wake_;
-  double lost_ = 0;     // seconds in which the process did not run
-  double lastTick_ = 0; // on the monotonic clock; while the clock ticks
+  StripMenu menu_;
+  std::optional<QPoint> place_; // until the window has been there
+  double lost_ = 0;             // seconds in which the process did not run
+  double lastTick_ = 0;         // on the monotonic clock; while the clock ticks
   bool isFinished_ = false;
   std::uint64_t frameCount_ = 0;
 };

@@ -141,6 +141,8 @@ TEST(RunOptions, ReadThePosition) {
   EXPECT_EQ(readRunOptions(words("--text a")).edge, Edge::Automatic);
   EXPECT_EQ(readRunOptions(words("--text a --position top")).edge, Edge::Top);
   EXPECT_EQ(readRunOptions(words("--text a --position bottom")).edge, Edge::Bottom);
+  EXPECT_TRUE(readRunOptions(words("--text a")).showsControlBar);
+  EXPECT_FALSE(readRunOptions(words("--text a --no-control-bar")).showsControlBar);
   EXPECT_EQ(readRunOptions(words("--text a --direction vertical --position left")).edge,
             Edge::Left);
   EXPECT_EQ(readRunOptions(words("--text a --direction vertical --position right")).edge,

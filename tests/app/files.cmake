@@ -7,7 +7,10 @@ set(app_SOURCES
     ClockServiceTest.cpp
     ClockTextTest.cpp
     ContactSheetTest.cpp
+    ControlBarScreenTest.cpp
+    ControlBarTest.cpp
     FakeItem.h
+    FakePointer.h
     FeedCheckTest.cpp
     FeedDecoderTest.cpp
     FeedDescription.h
@@ -31,6 +34,7 @@ set(app_SOURCES
     Program.cpp
     Program.h
     ProgramTest.cpp
+    RestingPointerTest.cpp
     ScreenTest.cpp
     ShippedAppearanceTest.cpp
     StripOptionsTest.cpp
@@ -45,6 +49,7 @@ set(app_SOURCES
     XServer.h
     appearance_jsonTest.cpp
     color_contrastTest.cpp
+    control_glyphsTest.cpp
     feed_datesTest.cpp
     feed_itemsTest.cpp
     feed_textTest.cpp

@@ -1,0 +1,17 @@
+#include "app/display/StripMenu.h"
+
+#include <QtGui/QAction>
+
+namespace zq::app {
+
+StripMenu::StripMenu(QWidget* parent)
+    : QMenu(parent), back_(addAction(tr("Back"))), pause_(addAction(tr("Pause"))),
+      forward_(addAction(tr("Forward"))) {
+  pause_->setCheckable(true);
+  addSeparator();
+  quit_ = addAction(tr("Quit"));
+}
+
+StripMenu::~StripMenu() = default;
+
+} // namespace zq::app
