@@ -157,6 +157,18 @@ TEST(ReplacingCharacters, TakesPairsAsOneCharacter) {
   EXPECT_EQ(stringByReplacingCharactersInSet(u"\U0001D400x1"_s, letters, u"+"_s), u"+1"_s);
 }
 
+TEST(ReplacingCharacters, MayMakeTheStringLonger) {
+  const QString replacement(1000, u'+');
+  EXPECT_EQ(
+      stringByReplacingCharactersInSet(u"-a"_s.repeated(50) + u"b"_s, setOf(u"-"_s), replacement),
+      QString(replacement + u"a"_s).repeated(50) + u"b"_s);
+}
+
+TEST(ReplacingCharacters, KeepsNoRoomForWhatItDropped) {
+  const QString string = u"a"_s + QString(1 << 20, u'-');
+  EXPECT_LT(stringByReplacingCharactersInSet(string, setOf(u"-"_s), QString()).capacity(), 1000);
+}
+
 TEST(ReplacingCharacters, TakesLinearTime) {
   constexpr qsizetype Length = 50 << 20;
   constexpr qsizetype Pieces = 2 << 20;

@@ -13,12 +13,12 @@ std::optional<QString> characterAtScanLocation(const Scanner& scanner) {
 }
 
 bool scanCharacterIntoString(Scanner& scanner, QString* string) {
-  std::optional<QString> character = characterAtScanLocation(scanner);
-  if (!character)
+  const qsizetype location = scanner.scanLocation();
+  if (!advance(scanner))
     return false;
   if (string)
-    *string = *std::move(character);
-  return advance(scanner);
+    *string = scanner.string()[location];
+  return true;
 }
 
 bool advance(Scanner& scanner) {

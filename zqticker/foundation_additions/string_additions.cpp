@@ -6,6 +6,7 @@
 
 #include <QtCore/QUuid>
 
+#include <algorithm>
 #include <ctime>
 #include <limits>
 
@@ -67,21 +68,43 @@ QString stringByTrimmingWhitespace(const QString& string) {
 QString stringByReplacingCharactersInSet(const QString& string, const CharacterSet& set,
                                          const QString& withString) {
   const CharacterSet& skipped = CharacterSet::whitespaceAndNewlineCharacterSet();
-  QString result;
-  qsizetype at = 0;
-  while (true) {
-    // What is skipped holds no pairs of surrogates either.
-    while (at < string.size() && skipped.characterIsMember(string[at].unicode()) &&
-           !set.characterIsMember(string[at].unicode()))
-      ++at;
-    if (at == string.size())
-      return result;
-    const qsizetype run = set.indexOfMember(string, at);
-    result.append(QStringView(string).sliced(at, run - at));
-    at = set.indexOfOther(string, run);
-    if (at > run)
-      result.append(withString);
+  const char16_t* const text = QStringView(string).utf16();
+  const qsizetype length = string.size();
+  // At least as long as what is written and what is left to be read, so that single characters can
+  // be written without asking.
+  QString result(length, Qt::Uninitialized);
+  QChar* end = result.data();
+  // What lies before the next character: of what is skipped (or nothing at all), of a run, of text.
+  enum { Skipped, Run, Text } before = Skipped;
+  for (qsizetype at = 0; at < length; ++at) {
+    const char16_t c = text[at];
+    const bool isPair =
+        QChar::isHighSurrogate(c) && at + 1 < length && QChar::isLowSurrogate(text[at + 1]);
+    if (isPair ? set.longCharacterIsMember(QChar::surrogateToUcs4(c, text[at + 1]))
+               : set.characterIsMember(c)) {
+      if (before != Run) {
+        const qsizetype size = end - result.constData();
+        const qsizetype room = size + withString.size() + length - at;
+        if (room > result.size())
+          result.resize(std::max(room, 2 * result.size()));
+        end = std::copy(withString.begin(), withString.end(), result.data() + size);
+      }
+      before = Run;
+    } else if (before != Text && skipped.characterIsMember(c)) {
+      before = Skipped;
+    } else {
+      *end++ = c;
+      if (isPair)
+        *end++ = text[at + 1];
+      before = Text;
+    }
+    at += isPair;
   }
+  result.truncate(end - result.constData());
+  // Room that was not needed is given back where it is more than the result itself.
+  if (result.size() < result.capacity() / 2)
+    result.squeeze();
+  return result;
 }
 
 QString stringByAppendingEllipsis(const QString& string) {

@@ -1,12 +1,14 @@
 // The order of strings with numbers in them.
 #include "zqticker/foundation_additions/string_additions.h"
 
+#include <algorithm>
+
 namespace zq {
 
 namespace {
 
 bool isDigitAt(QStringView text, qsizetype index) {
-  return index < text.size() && text[index] >= u'0' && text[index] <= u'9';
+  return index >= 0 && index < text.size() && text[index] >= u'0' && text[index] <= u'9';
 }
 
 // Moves `index` past a run of digits and answers it without its leading zeros.
@@ -28,8 +30,12 @@ std::strong_ordering compareUnits(QStringView a, QStringView b) {
 std::strong_ordering numericCompare(const QString& string, const QString& other) {
   const QStringView a(string);
   const QStringView b(other);
-  qsizetype i = 0;
-  qsizetype j = 0;
+  // Past what is the same in both, up to the run of digits at its end.
+  const auto* const difference = std::mismatch(a.begin(), a.end(), b.begin(), b.end()).first;
+  qsizetype i = difference - a.begin();
+  while (isDigitAt(a, i - 1))
+    --i;
+  qsizetype j = i;
   while (i < a.size() && j < b.size()) {
     if (isDigitAt(a, i) && isDigitAt(b, j)) {
       const QStringView first = takeDigits(a, i);

@@ -166,17 +166,23 @@ QString stringByEscapingEntities(const QString& string, const Entities& entities
   if (expansions.isEmpty())
     return stringByEscapingEntities(string);
   QString result;
+  qsizetype copied = 0;
   for (qsizetype i = 0; i < string.size();) {
     const bool hasEntity = isPredefined(string[i]);
     const Expansion* expansion = expansions.find(QStringView(string).sliced(i), hasEntity ? 2 : 1);
+    if (!hasEntity && !expansion) {
+      ++i;
+      continue;
+    }
+    result.append(QStringView(string).sliced(copied, i - copied));
     if (expansion)
       result.append(u'&').append(expansion->name).append(u';');
-    else if (hasEntity)
-      result.append(entityOf(string[i])->reference);
     else
-      result.append(string[i]);
+      result.append(entityOf(string[i])->reference);
     i += expansion ? expansion->text.size() : 1;
+    copied = i;
   }
+  result.append(QStringView(string).sliced(copied));
   return result;
 }
 

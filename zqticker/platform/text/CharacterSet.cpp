@@ -1,7 +1,5 @@
 #include "zqticker/platform/text/CharacterSet.h"
 
-#include <QtCore/QChar>
-
 #include <unicode/uchar.h>
 
 #include <algorithm>
@@ -144,29 +142,20 @@ CharacterSet CharacterSet::intersectionWithCharacterSet(const CharacterSet& othe
                               [](bool a, bool b) { return a && b; }));
 }
 
-template <bool IsMember>
-qsizetype CharacterSet::find(QStringView text, qsizetype from) const {
+qsizetype CharacterSet::findPast(QStringView text, qsizetype from, bool isMember) const {
   const char16_t* const characters = text.utf16();
   const qsizetype length = text.size();
   for (qsizetype i = from; i < length; ++i) {
     const char16_t c = characters[i];
     if (QChar::isHighSurrogate(c) && i + 1 < length && QChar::isLowSurrogate(characters[i + 1])) {
-      if (longCharacterIsMember(QChar::surrogateToUcs4(c, characters[i + 1])) == IsMember)
+      if (longCharacterIsMember(QChar::surrogateToUcs4(c, characters[i + 1])) == isMember)
         return i;
       ++i;
-    } else if (characterIsMember(c) == IsMember) {
+    } else if (characterIsMember(c) == isMember) {
       return i;
     }
   }
   return length;
-}
-
-qsizetype CharacterSet::indexOfMember(QStringView text, qsizetype from) const {
-  return find<true>(text, from);
-}
-
-qsizetype CharacterSet::indexOfOther(QStringView text, qsizetype from) const {
-  return find<false>(text, from);
 }
 
 } // namespace zq::platform

@@ -3,6 +3,7 @@
 
 #include "zqticker/zqticker_export.h"
 
+#include <QtCore/QChar>
 #include <QtCore/QStringView>
 
 #include <array>
@@ -55,9 +56,9 @@ class ZQTICKER_EXPORT CharacterSet {
   // The first index from `from` on at which a character of the set begins, the length of `text`
   // where there is none. Pairs of surrogates count as the code points that they are; a low one at
   // `from` itself stands alone.
-  qsizetype indexOfMember(QStringView text, qsizetype from) const;
+  qsizetype indexOfMember(QStringView text, qsizetype from) const { return find<true>(text, from); }
   // The same for a character that is not in the set.
-  qsizetype indexOfOther(QStringView text, qsizetype from) const;
+  qsizetype indexOfOther(QStringView text, qsizetype from) const { return find<false>(text, from); }
 
   // Whether both have the same code points.
   friend bool operator==(const CharacterSet& a, const CharacterSet& b) {
@@ -76,8 +77,20 @@ class ZQTICKER_EXPORT CharacterSet {
 
   explicit CharacterSet(Boundaries boundaries);
   static CharacterSet setOfCategories(std::uint32_t mask);
+  // Up to the first surrogate here, since most texts have none.
   template <bool IsMember>
-  qsizetype find(QStringView text, qsizetype from) const;
+  qsizetype find(QStringView text, qsizetype from) const {
+    const std::uint64_t* const units = contents_->units.data();
+    for (const qsizetype length = text.size(); from < length; ++from) {
+      const char16_t c = text[from].unicode();
+      if (QChar::isSurrogate(c))
+        return findPast(text, from, IsMember);
+      if (bool(units[c >> 6] >> (c & 63) & 1) == IsMember)
+        break;
+    }
+    return from;
+  }
+  qsizetype findPast(QStringView text, qsizetype from, bool isMember) const;
 
   std::shared_ptr<const Contents> contents_;
 };

@@ -4,14 +4,37 @@
 
 #include <QtCore/QString>
 
+#include <cstdint>
+#include <cstring>
+
 using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
 namespace {
 
+constexpr std::uint16_t LineFeed = 0x000a;
+constexpr std::uint16_t CarriageReturn = 0x000d;
+// Differs from the paragraph separator in the last bit alone.
+constexpr std::uint16_t LineSeparator = 0x2028;
+constexpr std::uint16_t AllButLastBit = 0xfffe;
+
 bool isTerminator(char16_t c) {
-  return c == u'\n' || c == u'\r' || c == u'\u2028' || c == u'\u2029';
+  return c == LineFeed || c == CarriageReturn || (c & AllButLastBit) == LineSeparator;
+}
+
+// Code units that are compared all at once.
+using Block [[gnu::vector_size(16)]] = std::uint16_t;
+constexpr qsizetype BlockSize = sizeof(Block) / sizeof(char16_t);
+
+bool hasTerminator(const char16_t* characters) {
+  Block block;
+  std::memcpy(&block, characters, sizeof block);
+  const auto found =
+      (block == LineFeed) | (block == CarriageReturn) | ((block & AllButLastBit) == LineSeparator);
+  std::uint64_t halves[2];
+  std::memcpy(halves, &found, sizeof halves);
+  return halves[0] | halves[1];
 }
 
 bool isPairAt(QStringView text, qsizetype index) {
@@ -22,6 +45,8 @@ qsizetype indexOfTerminator(QStringView text, qsizetype from) {
   const char16_t* const characters = text.utf16();
   const qsizetype length = text.size();
   qsizetype i = from;
+  while (i + BlockSize <= length && !hasTerminator(characters + i))
+    i += BlockSize;
   while (i < length && !isTerminator(characters[i]))
     ++i;
   return i;
