@@ -92,6 +92,9 @@ TEST(TableView, InsideAnotherWidgetOfAScrollAreaIsItsOwnClipView) {
   area.setWidget(document);
   TableView table(document);
   EXPECT_EQ(table.clipView(), table.viewport());
+  QWidget beside(&area);
+  TableView other(&beside);
+  EXPECT_EQ(other.clipView(), other.viewport());
 }
 
 TEST(TableView, IsDrawnOver) {

@@ -15,7 +15,7 @@ TableView::~TableView() = default;
 QWidget* TableView::clipView() const {
   const QWidget* parent = isWindow() ? nullptr : parentWidget();
   const auto* area = parent ? qobject_cast<QScrollArea*>(parent->parentWidget()) : nullptr;
-  return area && area->widget() == this ? area->viewport() : viewport();
+  return area && area->viewport() == parent ? area->viewport() : viewport();
 }
 
 QRectF TableView::visibleRect() const {

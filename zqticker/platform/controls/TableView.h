@@ -22,8 +22,8 @@ class ZQTICKER_EXPORT TableView : public QTableView {
   ~TableView() override;
 
   // The view inside which the table is scrolled, whose area is what can be seen of it: the viewport
-  // of the scroll area of which the table is the widget, else the table's own, in which it scrolls
-  // its rows itself. Never null.
+  // of the scroll area in whose viewport the table stands, else the table's own, in which it
+  // scrolls its rows itself. Never null.
   QWidget* clipView() const;
   // The bounds of the clip view in the table's coordinates, without what the table's headers, frame
   // and scroll bars take of it. Empty where nothing can be seen.
