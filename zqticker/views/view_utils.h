@@ -4,12 +4,11 @@
 #include "zqticker/zqticker_export.h"
 
 #include <QtCore/QPointF>
+#include <QtWidgets/QWidget>
 
 #include <cstdint>
 
 class QAbstractButton;
-class QWidget;
-struct QMetaObject;
 
 namespace zq {
 
