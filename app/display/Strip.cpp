@@ -150,8 +150,9 @@ bool Strip::bringBack() {
   Run run = std::move(past_.back());
   past_.pop_back();
   pastCost_ -= run.entry->waitingCost();
+  // What came behind it may have become longer.
+  const double end = runs_.empty() ? run.end() : std::min(run.end(), runs_.front().start);
   if (run.entry->onStrip == 0) {
-    const double end = run.end();
     const double length = run.item().enter();
     if (!(length > 0) || !std::isfinite(length)) {
       run.item().leave();
@@ -160,8 +161,8 @@ bool Strip::bringBack() {
       return false;
     }
     run.length = std::max(length, ShortestRun);
-    run.start = end - run.length;
   }
+  run.start = end - run.length;
   ++run.entry->onStrip;
   runs_.push_front(std::move(run));
   return true;

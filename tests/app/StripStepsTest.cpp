@@ -325,6 +325,26 @@ TEST(StripSteps, DoNotBringBackWhatWasWithdrawn) {
   }
 }
 
+TEST(StripSteps, MakeRoomForASignThatHasBecomeLonger) {
+  Strip strip(Extent, Speed);
+  strip.queue().append(fake("a", 30));
+  const auto clock = fake("clock", 30);
+  strip.queue().append(clock);
+  strip.queue().append(fake("long", 1000));
+  strip.advanceTo(20);
+  clock->length = 50;
+  double time = 20;
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_TRUE(strip.stepBack(time)) << i;
+    strip.advanceTo(time += Step);
+  }
+  ASSERT_EQ(strip.runs().size(), 3u);
+  EXPECT_DOUBLE_EQ(strip.runs()[2].start, 60) << "stays";
+  EXPECT_DOUBLE_EQ(strip.runs()[1].start, 10);
+  EXPECT_DOUBLE_EQ(strip.runs()[0].start, -20);
+  EXPECT_DOUBLE_EQ(strip.travel(), 80);
+}
+
 TEST(StripSteps, StopAtASignThatCannotBeShownAgain) {
   Strip strip(Extent, Speed);
   const auto broken = fake("broken", 30);
