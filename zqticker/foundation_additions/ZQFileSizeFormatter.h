@@ -6,7 +6,7 @@
 // Shows a number of bytes as "1.5 KB" and reads such a text back. The units B, KB, MB, GB and TB
 // are powers of 1024; a number below 1024 stands in bytes, with a decimal all the same. Numbers
 // look the same in every locale.
-class ZQTICKER_EXPORT ZQFileSizeFormatter final : public zq::platform::Formatter {
+class ZQTICKER_EXPORT ZQFileSizeFormatter : public zq::platform::Formatter {
   Q_GADGET
   ZQ_OBJECT
 

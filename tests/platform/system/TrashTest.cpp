@@ -1,5 +1,6 @@
 #include "zqticker/platform/system/Trash_p.h"
 
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/environment.h"
 #include "tests/support/volumes.h"
 
@@ -171,6 +172,36 @@ TEST_F(TrashTest, RefusesTheFolderThatItLiesIn) {
   EXPECT_EQ(moveToTrash(makeFolder("share/data")), EINVAL);
   EXPECT_TRUE(QDir(QFile::decodeName(path(Info))).isEmpty());
   EXPECT_TRUE(exists("share/data"));
+}
+
+TEST_F(TrashTest, LeavesTheFilesOfAReadOnlyFolder) {
+  const QByteArray file = make("home/a");
+  ASSERT_TRUE(OrdinaryUser::own(path("").constData()));
+  ASSERT_TRUE(OrdinaryUser::own(path("home").constData()));
+  ASSERT_EQ(::chmod(path("home").constData(), 0500), 0);
+  {
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isReady());
+    EXPECT_EQ(moveToTrash(file), EACCES);
+  }
+  EXPECT_TRUE(exists("home/a"));
+  EXPECT_TRUE(QDir(QFile::decodeName(path(Info))).isEmpty());
+  ::chmod(path("home").constData(), 0700);
+}
+
+TEST_F(TrashTest, LeavesFilesWhereNoTrashCanBeMade) {
+  const QByteArray file = make("home/a");
+  ASSERT_TRUE(OrdinaryUser::own(path("home").constData()));
+  ASSERT_EQ(::chmod(path("").constData(), 0555), 0);
+  {
+    const OrdinaryUser user;
+    ASSERT_TRUE(user.isReady());
+    EXPECT_EQ(moveToTrash(file), EACCES);
+  }
+  ::chmod(path("").constData(), 0700);
+  make("share", "a file where the folder should be");
+  EXPECT_EQ(moveToTrash(file), ENOTDIR);
+  EXPECT_TRUE(exists("home/a"));
 }
 
 TEST_F(TrashTest, UsesTheTrashOfAnotherVolume) {

@@ -1,6 +1,7 @@
 // Each test has the standard error of this process to itself.
 #include "zqticker/platform/system/standard_error.h"
 
+#include "tests/support/OrdinaryUser.h"
 #include "tests/support/volumes.h"
 
 #include <gtest/gtest.h>
@@ -11,6 +12,7 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -54,7 +56,21 @@ TEST_F(StandardErrorTest, StaysAsItWasWhereTheFileCannotBeOpened) {
   EXPECT_EQ(contentsOf(u"log"_s), "still here");
 }
 
-TEST_F(StandardErrorTest, StaysAsItWasForAReadOnlyFolder) {
+TEST_F(StandardErrorTest, StaysAsItWasForAFolderWithoutThePermission) {
+  ASSERT_TRUE(reopenStandardError(path(u"log"_s)));
+  ASSERT_EQ(::chmod(path(u""_s).constData(), 0555), 0);
+  {
+    const zq::testing::OrdinaryUser user;
+    ASSERT_TRUE(user.isReady());
+    EXPECT_FALSE(reopenStandardError(path(u"other"_s)));
+  }
+  ::chmod(path(u""_s).constData(), 0700);
+  std::fputs("still here", stderr);
+  EXPECT_EQ(contentsOf(u"log"_s), "still here");
+  EXPECT_EQ(contentsOf(u"other"_s), "missing");
+}
+
+TEST_F(StandardErrorTest, StaysAsItWasForAReadOnlyVolume) {
   ASSERT_TRUE(reopenStandardError(path(u"log"_s)));
   ASSERT_EQ(::mkdir(path(u"volume"_s).constData(), 0700), 0);
   zq::testing::TestVolume volume(path(u"volume"_s));
