@@ -18,7 +18,7 @@ using zq::testing::zoneNamed;
 
 namespace {
 
-Calendar calendarIn(const char* zone, const QString& identifier = NSGregorianCalendar) {
+Calendar calendarIn(const char* zone, const QString& identifier = GregorianCalendar) {
   Calendar calendar = Calendar::calendarWithIdentifier(identifier).value();
   calendar.setTimeZone(zoneNamed(zone));
   return calendar;

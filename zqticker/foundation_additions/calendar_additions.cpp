@@ -99,7 +99,7 @@ int minuteOfDay(const CalendarDate& date) {
 }
 
 Calendar gregorianCalendar() {
-  return *Calendar::calendarWithIdentifier(NSGregorianCalendar);
+  return *Calendar::calendarWithIdentifier(GregorianCalendar);
 }
 
 std::optional<Date> dateFromYear(const Calendar& calendar, qint64 year, qint64 month, qint64 day) {
@@ -108,7 +108,7 @@ std::optional<Date> dateFromYear(const Calendar& calendar, qint64 year, qint64 m
 
 std::optional<Date> dateFromYear(const Calendar& calendar, qint64 year, qint64 month, qint64 day,
                                  qint64 hour, qint64 minute, qint64 second) {
-  if (calendar.calendarIdentifier() != NSGregorianCalendar)
+  if (calendar.calendarIdentifier() != GregorianCalendar)
     failAssertion(u"gregorian calendar expected!"_s, "NSCalendar_ZQGregorian", 28);
   return calendar.dateFromComponents(record(year, month, day, hour, minute, second));
 }

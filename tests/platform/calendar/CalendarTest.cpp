@@ -25,7 +25,7 @@ constexpr double NotANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double LastInReach = 1.8e14;
 
 Calendar gregorianIn(const char* zone) {
-  Calendar calendar = Calendar::calendarWithIdentifier(NSGregorianCalendar).value();
+  Calendar calendar = Calendar::calendarWithIdentifier(GregorianCalendar).value();
   calendar.setTimeZone(zoneNamed(zone));
   return calendar;
 }
@@ -251,7 +251,7 @@ TEST(Calendar, IsMadeByIdentifier) {
 
 TEST(Calendar, HasTheSettingsOfTheMomentAtWhichItIsMade) {
   const CalendarSettings settings("Asia/Tokyo", "th_TH");
-  const Calendar tokyo = Calendar::calendarWithIdentifier(NSGregorianCalendar).value();
+  const Calendar tokyo = Calendar::calendarWithIdentifier(GregorianCalendar).value();
   EXPECT_EQ(Calendar::currentCalendar().calendarIdentifier(), u"buddhist");
   EXPECT_EQ(Calendar::currentCalendar().timeZone(), zoneNamed("Asia/Tokyo"));
   TimeZone::setDefaultTimeZone(zoneNamed("Europe/Berlin"));
@@ -261,5 +261,5 @@ TEST(Calendar, HasTheSettingsOfTheMomentAtWhichItIsMade) {
   changed.setTimeZone(std::nullopt);
   EXPECT_EQ(changed.timeZone(), zoneNamed("Europe/Berlin"));
   EXPECT_NE(changed, tokyo);
-  EXPECT_EQ(Calendar::ofLocale(Locale(u"de_DE"_s)).calendarIdentifier(), NSGregorianCalendar);
+  EXPECT_EQ(Calendar::ofLocale(Locale(u"de_DE"_s)).calendarIdentifier(), GregorianCalendar);
 }

@@ -27,7 +27,7 @@ TEST(CalendarThreads, ReckonAndWriteWhileAnotherThreadChangesTheSettings) {
         formatter.setDateFormat(u"HH:mm"_s);
         formatter.setTimeZone(kathmandu);
         formatter.setLocale(Locale(u"en_US"_s));
-        formatter.setCalendar(Calendar::calendarWithIdentifier(NSGregorianCalendar));
+        formatter.setCalendar(Calendar::calendarWithIdentifier(GregorianCalendar));
         wrong += formatter.stringFromDate(Date(0)) != u"05:45"_s;
         Calendar hebrew = Calendar::calendarWithIdentifier(u"hebrew"_s).value();
         hebrew.setTimeZone(kathmandu);

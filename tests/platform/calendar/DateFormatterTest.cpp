@@ -141,7 +141,7 @@ TEST(DateFormatter, HasThePatternOfAStyle) {
 TEST(DateFormatter, WritesTheLocalesCalendarUnlessAnotherIsSet) {
   EXPECT_EQ(text(u"y"_s, 0, "th_TH"), u"2544"_s);
   DateFormatter gregorian = formatter(u"y"_s, "th_TH");
-  gregorian.setCalendar(Calendar::calendarWithIdentifier(NSGregorianCalendar));
+  gregorian.setCalendar(Calendar::calendarWithIdentifier(GregorianCalendar));
   EXPECT_EQ(gregorian.stringFromDate(Date(0)), u"2001"_s);
   gregorian.setCalendar(std::nullopt);
   EXPECT_EQ(gregorian.stringFromDate(Date(0)), u"2544"_s);

@@ -22,7 +22,7 @@ Calendar calendarInUTC(const QString& identifier) {
 }
 
 Date gregorianDate(qint64 year, qint64 month, qint64 day) {
-  return calendarInUTC(NSGregorianCalendar)
+  return calendarInUTC(GregorianCalendar)
       .dateFromComponents({{}, year, month, day, {}, {}, {}})
       .value();
 }

@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::platform {
 
-const QString NSGregorianCalendar = u"gregorian"_s;
+const QString GregorianCalendar = u"gregorian"_s;
 
 namespace {
 constexpr qint64 UnixSecondsOfReference = static_cast<qint64>(TimeIntervalSince1970);
@@ -58,7 +58,7 @@ CalendarDay dayInEra(const GregorianDay& day) {
 
 Calendar::Calendar(const QString& identifier, const TimeZone& timeZone, const Locale& locale)
     : identifier_(identifier), timeZone_(timeZone), locale_(locale),
-      isGregorian_(identifier == NSGregorianCalendar || identifier == "iso8601"_L1) {}
+      isGregorian_(identifier == GregorianCalendar || identifier == "iso8601"_L1) {}
 
 std::optional<Calendar> Calendar::calendarWithIdentifier(const QString& identifier) {
   if (!isCalendarIdentifier(identifier))

@@ -13,7 +13,7 @@
 
 namespace zq::platform {
 
-ZQTICKER_EXPORT extern const QString NSGregorianCalendar; // "gregorian"
+ZQTICKER_EXPORT extern const QString GregorianCalendar; // "gregorian"
 
 // A calendar of a time zone: a value that is cheap to copy and to make.
 //

@@ -10,7 +10,7 @@ namespace zq::platform {
 namespace {
 Calendar gregorianCalendar(const TimeZone& timeZone) {
   static const std::optional<Calendar> calendar =
-      Calendar::calendarWithIdentifier(NSGregorianCalendar);
+      Calendar::calendarWithIdentifier(GregorianCalendar);
   Calendar result = *calendar;
   result.setTimeZone(timeZone);
   return result;

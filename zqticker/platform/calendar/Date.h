@@ -3,6 +3,8 @@
 
 #include "zqticker/zqticker_export.h"
 
+#include <compare>
+
 namespace zq::platform {
 
 // Seconds from 1970-01-01 to 2001-01-01, both 00:00:00 UTC.
