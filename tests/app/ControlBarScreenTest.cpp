@@ -2,6 +2,10 @@
 #include "tests/app/Program.h"
 #include "tests/app/XServer.h"
 
+#include <QtCore/QDir>
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -228,4 +232,36 @@ TEST_F(ControlBarScreen, StaysAwayWhereItIsNotWanted) {
   ASSERT_TRUE(waitUntil(
       [&] { return server_->screenshot().copy(Beside + 10, Top - 60, 20, 60) != above; }));
   EXPECT_FALSE(showsBar());
+}
+
+namespace {
+// The first line that a copy of the program writes to standard error that stands alone, with
+// `look` beside it.
+QByteArray complaintOf(const XServer& server, const std::optional<QByteArray>& look) {
+  const QTemporaryDir folder;
+  const QString copy = folder.filePath(u"zqticker"_s);
+  EXPECT_TRUE(QFile::copy(QStringLiteral(ZQTICKER_PROGRAM), copy));
+  if (look) {
+    QFile file(folder.filePath(u"ControlBarButton.button"_s));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(*look);
+  }
+  QProcess process;
+  process.setProcessEnvironment(server.environment());
+  process.setReadChannel(QProcess::StandardError);
+  process.start(copy, {u"--text"_s, u"Hello"_s, u"--loop"_s, u"1"_s, u"--speed"_s, u"20000"_s});
+  EXPECT_TRUE(waitUntil([&] { return process.state() == QProcess::NotRunning; }));
+  EXPECT_EQ(process.exitCode(), 0) << "the strip can be used all the same";
+  return process.readAllStandardError();
+}
+} // namespace
+
+TEST_F(ControlBarScreen, SaysWhyItIsNotThere) {
+  EXPECT_EQ(complaintOf(*server_, std::nullopt),
+            "zqticker: no control bar: its look, ControlBarButton.button, is missing\n");
+  const QByteArray complaint = complaintOf(*server_, "no archive");
+  EXPECT_TRUE(complaint.startsWith(
+      "zqticker: no control bar: its look, ControlBarButton.button, cannot be read: "))
+      << complaint.constData();
+  EXPECT_EQ(complaint.count('\n'), 1);
 }

@@ -224,6 +224,27 @@ TEST_F(Bar, ShowsGlyphsInTheColoursOfTitles) {
   EXPECT_TRUE(has(QColor(255, 255, 255)));
 }
 
+TEST_F(Bar, IsSharpAtEveryScale) {
+  make({600, 24});
+  showBar();
+  for (const double scale : {1.0, 1.5, 2.0}) {
+    QImage image((QSizeF(bar->pauseButton().size()) * scale).toSize(), QImage::Format_RGB32);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::black);
+    bar->pauseButton().render(&image);
+    // The two bars of the glyph and the body, nothing between them in colour.
+    int bars = 0;
+    for (int x = int(4 * scale); x < image.width() - int(4 * scale); ++x) {
+      const QColor color = image.pixelColor(x, image.height() / 2);
+      ASSERT_TRUE(color == QColor(255, 255, 255) || color == QColor(51, 51, 51))
+          << x << " at " << scale;
+      bars += color == QColor(255, 255, 255) &&
+              image.pixelColor(x - 1, image.height() / 2) != QColor(255, 255, 255);
+    }
+    EXPECT_EQ(bars, 2) << scale;
+  }
+}
+
 TEST_F(Bar, StaysWhileAButtonIsPressed) {
   make({600, 24});
   showBar();

@@ -7,6 +7,7 @@
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/signs/ZQImageTickerSign.h"
 
+#include <QtGui/QAction>
 #include <QtGui/QPainter>
 
 #include <gtest/gtest.h>
@@ -111,6 +112,45 @@ TEST_F(StripWindow, StandsStillWhileItIsHidden) {
   EXPECT_EQ(widget.frameCount(), hidden);
   widget.show();
   EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > hidden; }));
+}
+
+TEST_F(StripWindow, IsPausedFromItsMenu) {
+  display.addSign(picture(20, ZQEndlessLoopCount), widget.time());
+  show(1000);
+  ASSERT_TRUE(waitUntil([&] { return widget.frameCount() > 2; }));
+  widget.menu().pause().trigger();
+  EXPECT_TRUE(display.isPaused());
+  const double travel = display.strip().travel();
+  const std::uint64_t frames = widget.frameCount();
+  FrameClock other;
+  int ticks = 0;
+  QObject::connect(&other, &FrameClock::tick, &other, [&] { ++ticks; });
+  other.start();
+  EXPECT_TRUE(waitUntil([&] { return ticks > 5; }));
+  EXPECT_EQ(widget.frameCount(), frames);
+  EXPECT_EQ(display.strip().travel(), travel);
+  widget.menu().pause().trigger();
+  EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > frames + 2; }));
+}
+
+TEST_F(StripWindow, StepsFromItsMenu) {
+  display.addSign(picture(150, ZQEndlessLoopCount), widget.time());
+  show(1000);
+  widget.menu().pause().trigger();
+  const auto isThere = [&] { return !display.isMoving(); };
+  widget.menu().forward().trigger();
+  ASSERT_TRUE(display.isMoving());
+  EXPECT_TRUE(waitUntil(isThere));
+  EXPECT_DOUBLE_EQ(display.strip().travel(), display.strip().runs().front().start + 200);
+  const std::uint64_t first = display.strip().runs().front().number;
+  widget.menu().forward().trigger();
+  EXPECT_TRUE(waitUntil(isThere));
+  ASSERT_NE(display.strip().runs().front().number, first);
+  const std::uint64_t frames = widget.frameCount();
+  widget.menu().back().trigger();
+  EXPECT_TRUE(waitUntil(isThere));
+  EXPECT_EQ(display.strip().runs().front().number, first);
+  EXPECT_GT(widget.frameCount(), frames);
 }
 
 TEST(FrameClock, TicksInOrderUntilItIsStopped) {
