@@ -57,10 +57,12 @@ class RatioReporter : public benchmark::ConsoleReporter {
   std::map<std::string, Figures> figures_;
 };
 
-inline int runBenchmarks(int argc, char** argv, BenchmarkPairs pairs,
-                         std::vector<std::string> comparedCounters = {}) {
+// `Application` is QApplication for benchmarks of widgets.
+template <class Application = QGuiApplication>
+int runBenchmarks(int argc, char** argv, BenchmarkPairs pairs,
+                  std::vector<std::string> comparedCounters = {}) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication application(argc, argv);
+  Application application(argc, argv);
   benchmark::Initialize(&argc, argv);
   if (benchmark::ReportUnrecognizedArguments(argc, argv))
     return 1;
