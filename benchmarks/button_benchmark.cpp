@@ -38,7 +38,7 @@ constexpr int Buttons = 1000;
 
 enum class Look { Normal, Over, Pressed, On, Disabled, Flat, Bilinear, WithoutShadows, Arrow };
 
-QString title() {
+QString buttonTitle() {
   return u"Play all"_s;
 }
 
@@ -54,7 +54,7 @@ class RollOverButton : public ZQRollOverButton {
 
  public:
   explicit RollOverButton(QWidget* parent)
-      : RollOverButtonClass(this), ZQRollOverButton(QRectF(QPointF(), ButtonSize), title(), parent) {
+      : RollOverButtonClass(this), ZQRollOverButton(QRectF(QPointF(), ButtonSize), buttonTitle(), parent) {
     static const bool hasAppearance = [] {
       setAppearance<RollOverButton>(lightAppearance());
       return true;
@@ -132,7 +132,7 @@ class RollOverButton : public ZQRollOverButton {
 
 class PeerButton : public QPushButton {
  public:
-  explicit PeerButton(QWidget* parent) : QPushButton(title(), parent) {
+  explicit PeerButton(QWidget* parent) : QPushButton(buttonTitle(), parent) {
     resize(ButtonSize);
     QFont bold = font();
     bold.setFamily(u"DejaVu Sans"_s);

@@ -62,7 +62,8 @@ class RollOverDrawings {
   // disabledColor of `color`, the same object at every call; colours are immutable.
   std::shared_ptr<platform::Color> disabled(const std::shared_ptr<platform::Color>& color);
 
-  // The text on one line, cut at its end to fit; null where nothing of it does.
+  // The text on one line, cut at its end to fit; null where nothing of it does. Cells that show the
+  // same share it.
   std::shared_ptr<platform::AttributedString> title(const TitleLook& look);
 
  private:
@@ -76,7 +77,6 @@ class RollOverDrawings {
   };
 
   // Oldest first.
-  std::deque<DisabledColor> disabledColors_;
   std::deque<Title> titles_;
 };
 

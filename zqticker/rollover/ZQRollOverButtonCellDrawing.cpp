@@ -9,6 +9,7 @@
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/rollover/RollOverDrawings_p.h"
 #include "zqticker/rollover/RollOverLook_p.h"
+#include "zqticker/rollover/RollOverPictures_p.h"
 #include "zqticker/rollover/ZQRollOverButtonAppearance.h"
 #include "zqticker/rollover/ZQRollOverButtonCell.h"
 #include "zqticker/rollover/shading.h"
@@ -47,6 +48,30 @@ static void fillBody(const Ref<BezierPath>& path, const zq::RollOverLook& look,
     path->fill();
 }
 
+static zq::PictureKey keyOfBody(const zq::RollOverLook& look, std::uint64_t shadingMode) {
+  zq::PictureKey key(zq::PictureKey::Part::Body);
+  key.add(look.controlColor);
+  key.add(std::uint64_t(look.shadingColor != nullptr));
+  if (look.shadingColor) {
+    key.add(shadingMode);
+    key.add(look.gradientColor);
+    key.add(look.shadingColor);
+  }
+  key.add(look.bodyShadow);
+  return key;
+}
+
+// What a body in `frame` may cover together with its shadow, which fades out within its blur radius
+// and a half.
+static QRectF reachOf(const Ref<Shadow>& shadow, const QRectF& frame) {
+  if (!shadow)
+    return frame;
+  const double reach = std::abs(shadow->shadowOffset().width()) +
+                       std::abs(shadow->shadowOffset().height()) +
+                       1.5 * shadow->shadowBlurRadius() + 3;
+  return frame.adjusted(-reach, -reach, reach, reach);
+}
+
 // Strokes what lies in `half`, with `shadow` under it.
 static void strokeHalf(const Ref<BezierPath>& outline, const QRectF& half,
                        const Ref<Shadow>& shadow) {
@@ -64,7 +89,8 @@ void ZQRollOverButtonCell::drawWithFrame(const QRectF& frame, ControlView* inVie
   if (!isBordered() || !GraphicsContext::currentContext())
     return;
 
-  set(zq::frameColorOf(*this, *drawings_));
+  const Ref<Color> color = zq::frameColorOf(*this, *drawings_);
+  set(color);
   const Ref<BezierPath> outline =
       drawings_->background.at(frame.topLeft() + OutlineOffset, backgroundPath_);
   if (!outline)
@@ -74,9 +100,19 @@ void ZQRollOverButtonCell::drawWithFrame(const QRectF& frame, ControlView* inVie
   const bool isFlipped = inView && inView->isFlipped();
   const double half = double(std::floor(float(frame.height()) * 0.5F));
   const Ref<Shadow> shadow = controlShadow();
-  strokeHalf(outline, {frame.x(), frame.y(), frame.width(), half}, isFlipped ? nullptr : shadow);
-  strokeHalf(outline, {frame.x(), frame.y() + half, frame.width(), half},
-             isFlipped ? shadow : nullptr);
+  const auto stroke = [&] {
+    set(color);
+    strokeHalf(outline, {frame.x(), frame.y(), frame.width(), half}, isFlipped ? nullptr : shadow);
+    strokeHalf(outline, {frame.x(), frame.y() + half, frame.width(), half},
+               isFlipped ? shadow : nullptr);
+  };
+  zq::PictureKey key(zq::PictureKey::Part::Frame);
+  key.add(color);
+  key.add(shadow);
+  key.add(std::uint64_t(isFlipped));
+  key.add(outline->painterPath());
+  if (!zq::RollOverPictures::shared().draw(key, frame, stroke))
+    stroke();
 }
 
 void ZQRollOverButtonCell::drawInteriorWithFrame(const QRectF& frame, ControlView* inView) {
@@ -89,7 +125,6 @@ void ZQRollOverButtonCell::drawInteriorWithFrame(const QRectF& frame, ControlVie
   if (look.isPressed)
     context->saveGraphicsState();
   set(look.controlColor);
-  set(look.bodyShadow);
   const QPointF offset = frame.topLeft() + OutlineOffset;
   const Ref<BezierPath> outline =
       look.isPressed ? drawings_->highlightedBackground.at(offset, highlightedBackgroundPath_)
@@ -97,7 +132,16 @@ void ZQRollOverButtonCell::drawInteriorWithFrame(const QRectF& frame, ControlVie
   if (outline) {
     outline->setLineWidth(0);
     outline->setFlatness(FillFlatness);
-    fillBody(outline, look, shadingMode(), isFlipped);
+    const auto fill = [&] {
+      set(look.controlColor);
+      set(look.bodyShadow);
+      fillBody(outline, look, shadingMode(), isFlipped);
+    };
+    zq::PictureKey key = keyOfBody(look, shadingMode());
+    key.add(std::uint64_t(isFlipped));
+    key.add(outline->painterPath());
+    if (!zq::RollOverPictures::shared().draw(key, reachOf(look.bodyShadow, frame), fill))
+      fill();
   }
   // By the highlight alone, which is deliberate: a cell that is highlighted by its contents only
   // has saved nothing, and takes back what its caller saved. Such cells draw their title unclipped
