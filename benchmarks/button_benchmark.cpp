@@ -1,5 +1,6 @@
-// What rollover buttons cost, beside two kinds of QPushButton of the same size, font and title: with
-// the style Fusion, and with a style sheet that has a gradient, round corners and a hover look.
+// What rollover buttons cost, beside two kinds of QPushButton of the same size, font and title:
+// with the style Fusion, and with a style sheet that has a gradient, round corners and a hover
+// look.
 //
 // Redraw…        one redraw into an image, by QWidget::render:
 //   …Normal, …Over, …Pressed, …On, …Disabled   each look: a gradient, shadows, a frame
@@ -8,7 +9,8 @@
 //   …Nothing                                   a widget that draws nothing: the floor
 // FirstShow…     making 1,000 buttons in one window and painting them the first time; the heap that
 //                a button takes by then
-// Sweep…         moving the pointer from each of the 1,000 buttons to the next, with the redraws that
+// Sweep…         moving the pointer from each of the 1,000 buttons to the next, with the redraws
+// that
 //                follow; a time for each button
 #include "benchmarks/ratio_main.h"
 #include "zqticker/platform/controls/Menu.h"
@@ -49,12 +51,20 @@ void enter(QWidget& widget) {
   QApplication::sendEvent(&widget, &event);
 }
 
+void press(QWidget& widget) {
+  const QPointF point(5, 5);
+  QMouseEvent event(QEvent::MouseButtonPress, point, widget.mapToGlobal(point), Qt::LeftButton,
+                    Qt::LeftButton, Qt::NoModifier);
+  QApplication::sendEvent(&widget, &event);
+}
+
 class RollOverButton : public ZQRollOverButton {
   Q_OBJECT
 
  public:
   explicit RollOverButton(QWidget* parent)
-      : RollOverButtonClass(this), ZQRollOverButton(QRectF(QPointF(), ButtonSize), buttonTitle(), parent) {
+      : RollOverButtonClass(this),
+        ZQRollOverButton(QRectF(QPointF(), ButtonSize), buttonTitle(), parent) {
     static const bool hasAppearance = [] {
       setAppearance<RollOverButton>(lightAppearance());
       return true;
@@ -67,7 +77,7 @@ class RollOverButton : public ZQRollOverButton {
     case Look::Over:
       return enter(*this);
     case Look::Pressed:
-      return QTest::mousePress(this, Qt::LeftButton);
+      return press(*this);
     case Look::On:
       setButtonType(ButtonType::OnOff);
       return setState(CellState::On);
