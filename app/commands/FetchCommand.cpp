@@ -5,6 +5,7 @@
 #include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
+#include "app/commands/size_text.h"
 #include "app/commands/url_loading.h"
 #include "app/services/loading_setup.h"
 
@@ -88,7 +89,9 @@ OutputValue valueOf(const Ref<Error>& error) {
 QByteArray jsonOf(const LoadedURL& loaded) {
   OutputValue value = OutputValue::map();
   value.insert(u"outcome"_s, OutputValue::string(loaded.data ? u"finished"_s : u"failed"_s));
-  value.insert(u"bytes"_s, OutputValue::integer(loaded.data ? loaded.data->size() : 0));
+  const qint64 bytes = loaded.data ? loaded.data->size() : 0;
+  value.insert(u"bytes"_s, OutputValue::integer(bytes));
+  value.insert(u"size"_s, OutputValue::string(sizeText(bytes)));
   value.insert(u"response"_s, valueOf(loaded.response));
   value.insert(u"error"_s, valueOf(loaded.error));
   return value.json().toUtf8() + '\n';

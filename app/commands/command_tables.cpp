@@ -264,8 +264,8 @@ OptionTable makeFetchTable() {
   table.options = {
       {u"json"_s,
        {},
-       u"Print what came of it as JSON instead of the contents: outcome, number of bytes, response "
-       u"and error."_s},
+       u"Print what came of it as JSON instead of the contents: outcome, number of bytes, the same "
+       u"as a size for people (\"1.5 KB\"), response and error."_s},
       {u"policy"_s,
        {u"POLICY"_s},
        u"protocol (the default; the cache as HTTP has it), ignore-cache, cache-else-load (whatever "

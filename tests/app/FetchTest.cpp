@@ -92,6 +92,13 @@ TEST_F(Fetch, FollowsRedirectsAndTellsTheLastAddress) {
   EXPECT_EQ(response[u"headers"_s].toObject()[u"X-Test"_s], u"1, 2"_s);
 }
 
+TEST_F(Fetch, TellsTheSizeForPeopleBesideTheBytesForPrograms) {
+  server_.route("/body", 200, QByteArray(1536, 'x'));
+  const QJsonObject json = fetchJson({address("/body")}, 0);
+  EXPECT_EQ(json[u"bytes"_s], 1536);
+  EXPECT_EQ(json[u"size"_s], u"1.5 KB"_s);
+}
+
 TEST_F(Fetch, WritesFileAndJsonTogether) {
   server_.route("/body", 200, "body");
   const QJsonObject json = fetchJson({u"--output"_s, file(u"out"_s), address("/body")}, 0);
