@@ -2,6 +2,8 @@
 // its look, and what a press comes to.
 #include "tests/rollover/ButtonScreen.h"
 
+#include <cstdlib>
+
 using namespace Qt::StringLiterals;
 using namespace zq::testing;
 
@@ -381,7 +383,41 @@ TEST_F(RollOverButtonOnScreen, MayBeDestroyedByAnyStepOfAPress) {
   }
 }
 
-// Colours.
+// Scales and colours.
+
+TEST_F(RollOverButtonOnScreen, IsSharpAtEveryScale) {
+  for (const double scale : {1.0, 1.5, 2.0}) {
+    SCOPED_TRACE(scale);
+    start(scale);
+    const QImage image = picture(u"play"_s);
+    ASSERT_EQ(image.size(), (QSizeF(100, 22) * scale).toSize());
+    // Paper, frame and body from the edge inwards, and nothing between them but the trace that the
+    // single precision of outlines leaves.
+    const auto isNear = [](const QColor& a, const QColor& b) {
+      return std::abs(a.red() - b.red()) < 8 && std::abs(a.green() - b.green()) < 8 &&
+             std::abs(a.blue() - b.blue()) < 8;
+    };
+    const auto expectSharp = [&](QPoint edge, QPoint step) {
+      std::string colors;
+      for (int i = 0; i < int(5 * scale); ++i) {
+        const QColor pixel = image.pixelColor(edge + i * step);
+        const char color = isNear(pixel, Qt::white)   ? 'w'
+                           : isNear(pixel, Qt::black) ? 'b'
+                           : isNear(pixel, Qt::red)   ? 'r'
+                                                      : '?';
+        if (colors.empty() || colors.back() != color)
+          colors += color;
+      }
+      EXPECT_EQ(colors, "wbr");
+    };
+    const int right = image.width() - 1;
+    const int bottom = image.height() - 1;
+    expectSharp({0, bottom / 2}, {1, 0});
+    expectSharp({right, bottom / 2}, {-1, 0});
+    expectSharp({int(20 * scale), 0}, {0, 1});
+    expectSharp({int(20 * scale), bottom}, {0, -1});
+  }
+}
 
 TEST_F(RollOverButtonOnScreen, ReachesTheThemeByAChangeOfThePalette) {
   tell(u"palette #eeeeee"_s);

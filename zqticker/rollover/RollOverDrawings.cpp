@@ -11,6 +11,7 @@
 #include <QtGui/QTransform>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace zq::platform;
 
@@ -22,15 +23,62 @@ static constexpr std::size_t maximumColors = 48;
 // The three looks with both titles.
 static constexpr std::size_t maximumTitles = 6;
 
-Ref<BezierPath> PlacedOutline::at(QPointF offset, const Ref<BezierPath>& outline) {
+// Points.
+static constexpr double LineWidth = 1;
+
+// Device pixels of the line; a half is a whole one.
+static double pixelsOfLine(double scale) {
+  return std::floor(LineWidth * scale + 0.5);
+}
+
+// One axis of the fit: from user space to device pixels by `scale` and `shift`, for an outline from
+// `low` to `high` there. Sets what outline coordinates are multiplied by and moved by afterwards.
+static void fit(double scale, double shift, double low, double high, double& factor,
+                double& offset) {
+  const double pixels = pixelsOfLine(scale);
+  // Halves go outwards on both sides, so that the outline stays in the middle.
+  const double outerLow = std::ceil(scale * (low - LineWidth / 2) + shift - 0.5);
+  const double outerHigh = std::floor(scale * (high + LineWidth / 2) + shift + 0.5);
+  const double fittedLow = (outerLow + pixels / 2 - shift) / scale;
+  const double fittedHigh = (outerHigh - pixels / 2 - shift) / scale;
+  factor = (fittedHigh - fittedLow) / (high - low);
+  offset = fittedLow - factor * low;
+}
+
+// Whether points are pixels by a number that is not whole, the same on both axes.
+static bool hasFractionalScale(const QTransform& toDevice) {
+  const double scale = toDevice.m11();
+  return toDevice.type() <= QTransform::TxScale && scale == std::abs(toDevice.m22()) &&
+         scale >= 1 && scale != std::floor(scale);
+}
+
+Ref<BezierPath> PlacedOutline::at(QPointF offset, const Ref<BezierPath>& outline,
+                                  const QTransform& toDevice) {
   if (!outline)
     return nullptr;
-  if (!placed_ || offset_ != offset || source_ != outline->painterPath()) {
-    source_ = outline->painterPath();
-    offset_ = offset;
-    placed_ = copyOf(outline);
-    placed_->transformUsingAffineTransform(QTransform::fromTranslate(offset.x(), offset.y()));
+  QTransform toPlace = QTransform::fromTranslate(offset.x(), offset.y());
+  double lineWidth = LineWidth;
+  const QRectF bounds = outline->bounds().translated(offset);
+  if (hasFractionalScale(toDevice) && bounds.width() > LineWidth && bounds.height() > LineWidth) {
+    const double scale = toDevice.m11();
+    double factorX = 1;
+    double factorY = 1;
+    double moveX = 0;
+    double moveY = 0;
+    fit(scale, toDevice.dx(), bounds.left(), bounds.right(), factorX, moveX);
+    // Where y goes upwards, the device's rows count from the other end.
+    const double sign = toDevice.m22() > 0 ? 1 : -1;
+    fit(scale, sign * toDevice.dy(), bounds.top(), bounds.bottom(), factorY, moveY);
+    toPlace *= QTransform(factorX, 0, 0, factorY, moveX, moveY);
+    lineWidth = pixelsOfLine(scale) / scale;
   }
+  if (!placed_ || toPlace_ != toPlace || source_ != outline->painterPath()) {
+    source_ = outline->painterPath();
+    toPlace_ = toPlace;
+    placed_ = copyOf(outline);
+    placed_->transformUsingAffineTransform(toPlace);
+  }
+  placed_->setLineWidth(lineWidth);
   return placed_;
 }
 

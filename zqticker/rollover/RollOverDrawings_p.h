@@ -6,6 +6,7 @@
 #include <QtCore/QPointF>
 #include <QtCore/QString>
 #include <QtGui/QPainterPath>
+#include <QtGui/QTransform>
 
 #include <deque>
 
@@ -21,14 +22,19 @@ namespace zq {
 // A copy of an outline at the place where it is drawn.
 class PlacedOutline {
  public:
-  // A copy of `outline` moved by `offset`, the same one as long as neither changes. Null for null.
+  // A copy of `outline` moved by `offset`, the same one as long as nothing changes. Null for null.
+  //
+  // Its line is one point wide. On a device with a fraction of a pixel to the point the copy is
+  // stretched by a pixel at most, so that the outer edges of its line lie between pixels, and the
+  // line takes the number of whole pixels that is nearest to a point.
   std::shared_ptr<platform::BezierPath> at(QPointF offset,
-                                           const std::shared_ptr<platform::BezierPath>& outline);
+                                           const std::shared_ptr<platform::BezierPath>& outline,
+                                           const QTransform& toDevice);
 
  private:
   // The points of the outline, which may change within the same object.
   QPainterPath source_;
-  QPointF offset_;
+  QTransform toPlace_;
   std::shared_ptr<platform::BezierPath> placed_;
 };
 

@@ -21,7 +21,6 @@ using namespace zq::platform;
 
 // From the origin of the frame to that of the outline.
 static constexpr QPointF OutlineOffset(1.5, 1.5);
-static constexpr double FrameLineWidth = 1.0;
 static constexpr double FillFlatness = 0.2;
 
 // Colours and shadows that are null leave what was set before.
@@ -92,10 +91,10 @@ void ZQRollOverButtonCell::drawWithFrame(const QRectF& frame, ControlView* inVie
   const Ref<Color> color = zq::frameColorOf(*this, *drawings_);
   set(color);
   const Ref<BezierPath> outline =
-      drawings_->background.at(frame.topLeft() + OutlineOffset, backgroundPath_);
+      drawings_->background.at(frame.topLeft() + OutlineOffset, backgroundPath_,
+                               GraphicsContext::currentContext()->deviceTransform());
   if (!outline)
     return;
-  outline->setLineWidth(FrameLineWidth);
   // Only the half that is seen as the lower one casts the shadow.
   const bool isFlipped = inView && inView->isFlipped();
   const double half = double(std::floor(float(frame.height()) * 0.5F));
@@ -126,9 +125,11 @@ void ZQRollOverButtonCell::drawInteriorWithFrame(const QRectF& frame, ControlVie
     context->saveGraphicsState();
   set(look.controlColor);
   const QPointF offset = frame.topLeft() + OutlineOffset;
+  const QTransform toDevice = context->deviceTransform();
   const Ref<BezierPath> outline =
-      look.isPressed ? drawings_->highlightedBackground.at(offset, highlightedBackgroundPath_)
-                     : drawings_->background.at(offset, backgroundPath_);
+      look.isPressed
+          ? drawings_->highlightedBackground.at(offset, highlightedBackgroundPath_, toDevice)
+          : drawings_->background.at(offset, backgroundPath_, toDevice);
   if (outline) {
     outline->setLineWidth(0);
     outline->setFlatness(FillFlatness);
