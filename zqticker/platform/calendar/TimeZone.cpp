@@ -36,8 +36,17 @@ std::optional<int> fixedOffset(const QString& name) {
 }
 } // namespace
 
+struct TimeZone::Record {
+  QString name;
+  std::shared_ptr<const ZoneRules> rules;
+
+  static TimeZone zone(const QString& name, std::shared_ptr<const ZoneRules> rules) {
+    return TimeZone(std::make_shared<const Record>(Record{name, std::move(rules)}));
+  }
+};
+
 TimeZone::TimeZone() {
-  static const TimeZone utc(u"UTC"_s, std::make_shared<const ZoneRules>(0));
+  static const TimeZone utc = Record::zone(u"UTC"_s, std::make_shared<const ZoneRules>(0));
   *this = utc;
 }
 
@@ -45,9 +54,9 @@ std::optional<TimeZone> TimeZone::timeZoneWithName(const QString& name) {
   if (name == "UTC"_L1)
     return TimeZone();
   if (auto rules = rulesOfRegion(name))
-    return TimeZone(name, std::move(rules));
+    return Record::zone(name, std::move(rules));
   if (const std::optional<int> offset = fixedOffset(name))
-    return TimeZone(fixedZoneName(*offset), std::make_shared<const ZoneRules>(*offset));
+    return Record::zone(fixedZoneName(*offset), std::make_shared<const ZoneRules>(*offset));
   return std::nullopt;
 }
 
@@ -61,9 +70,9 @@ TimeZone TimeZone::ofEnvironment() {
     if (const std::optional<TimeZone> zone = timeZoneWithName(region))
       return *zone;
     if (auto rules = isPath ? rulesOfFile(text) : nullptr)
-      return TimeZone(text, std::move(rules));
+      return Record::zone(text, std::move(rules));
     if (const auto rule = PosixZoneRule::parse(text.toLatin1()))
-      return TimeZone(text, std::make_shared<const ZoneRules>(*rule));
+      return Record::zone(text, std::make_shared<const ZoneRules>(*rule));
     return TimeZone();
   }
   const QString file = u"/etc/localtime"_s;
@@ -72,7 +81,7 @@ TimeZone TimeZone::ofEnvironment() {
     if (const std::optional<TimeZone> zone = timeZoneWithName(regionOfPath(target)))
       return *zone;
   if (auto rules = rulesOfFile(file))
-    return TimeZone(u"localtime"_s, std::move(rules));
+    return Record::zone(u"localtime"_s, std::move(rules));
   return TimeZone();
 }
 
@@ -90,12 +99,16 @@ void TimeZone::setDefaultTimeZone(const std::optional<TimeZone>& timeZone) {
   shared.zone = timeZone;
 }
 
+const QString& TimeZone::name() const {
+  return record_->name;
+}
+
 int TimeZone::offsetAt(qint64 moment) const {
-  return rules_->offsetAt(moment);
+  return record_->rules->offsetAt(moment);
 }
 
 int TimeZone::offsetOfLocal(qint64 localTime) const {
-  return rules_->offsetOfLocal(localTime);
+  return record_->rules->offsetOfLocal(localTime);
 }
 
 } // namespace zq::platform

@@ -10,8 +10,6 @@
 
 namespace zq::platform {
 
-class ZoneRules;
-
 // How far the clocks of a region are from UTC, at every moment: a value that is cheap to copy.
 //
 // Regions are those of the system's time-zone database ($TZDIR, else /usr/share/zoneinfo), read
@@ -40,7 +38,7 @@ class ZQTICKER_EXPORT TimeZone {
 
   // The name as it was asked for, of a fixed distance "GMT+05:30"; of the environment's zone the
   // region's, or the rule. "localtime" where the zone of /etc/localtime has no name.
-  const QString& name() const { return name_; }
+  const QString& name() const;
 
   // Seconds to add to UTC at `moment`, in seconds since 1970.
   int offsetAt(qint64 moment) const;
@@ -50,16 +48,17 @@ class ZQTICKER_EXPORT TimeZone {
 
   // Zones of one name are equal.
   friend bool operator==(const TimeZone& a, const TimeZone& b) {
-    return a.rules_ == b.rules_ || a.name_ == b.name_;
+    return a.record_ == b.record_ || a.name() == b.name();
   }
 
  private:
-  TimeZone(QString name, std::shared_ptr<const ZoneRules> rules)
-      : name_(std::move(name)), rules_(std::move(rules)) {}
+  // Name and rules.
+  struct Record;
+
+  explicit TimeZone(std::shared_ptr<const Record> record) : record_(std::move(record)) {}
   static TimeZone ofEnvironment();
 
-  QString name_;
-  std::shared_ptr<const ZoneRules> rules_;
+  std::shared_ptr<const Record> record_;
 };
 
 } // namespace zq::platform
