@@ -84,7 +84,7 @@ QString stringByReplacingCharactersInSet(const QString& string, const CharacterS
                : set.characterIsMember(c)) {
       if (before != Run) {
         const qsizetype size = end - result.constData();
-        const qsizetype room = size + withString.size() + length - at;
+        const qsizetype room = size + withString.size() + length - at - 1;
         if (room > result.size())
           result.resize(std::max(room, 2 * result.size()));
         end = std::copy(withString.begin(), withString.end(), result.data() + size);

@@ -95,7 +95,7 @@ QString stringWithFirstURLComponent(const QString& string) {
     scanner.scanString(u"://");
     scanner.scanUpToString(u"/", &host);
   }
-  return scheme + u"://"_s + host;
+  return scheme + QStringView(u"://") + host;
 }
 
 } // namespace zq
