@@ -383,6 +383,43 @@ TEST_F(RollOverButtonOnScreen, MayBeDestroyedByAnyStepOfAPress) {
   }
 }
 
+TEST_F(RollOverButtonOnScreen, MayBeDestroyedByTheEndOfAPressThatTheLostFocusMakes) {
+  tell(u"when play released delete play"_s);
+  pointInside();
+  press();
+  tell(u"window other 400 300 200 100"_s);
+  EXPECT_TRUE(awaits(u"play deleted"_s));
+  input({u"mouseup"_s, u"1"_s});
+  happened();
+  EXPECT_TRUE(probe_->endsWell());
+}
+
+TEST_F(RollOverButtonOnScreen, MayBeDestroyedByTheEndOfAPressThatHidingMakes) {
+  tell(u"when play released delete play"_s);
+  pointInside();
+  press();
+  tell(u"hide window"_s);
+  EXPECT_TRUE(awaits(u"play deleted"_s));
+  input({u"mouseup"_s, u"1"_s});
+  happened();
+  EXPECT_TRUE(probe_->endsWell());
+}
+
+TEST_F(RollOverButtonOnScreen, MayBeDestroyedByTheEndOfAPressThatDisablingMakes) {
+  for (const QString& victim : {u"play"_s, u"window"_s}) {
+    SCOPED_TRACE(victim.toStdString());
+    start(1);
+    tell(u"when play released delete "_s + victim);
+    pointInside();
+    press();
+    tell(u"set play enabled false"_s);
+    EXPECT_TRUE(awaits(victim + u" deleted"_s));
+    input({u"mouseup"_s, u"1"_s});
+    happened();
+    EXPECT_TRUE(probe_->endsWell());
+  }
+}
+
 // Scales and colours.
 
 TEST_F(RollOverButtonOnScreen, IsSharpAtEveryScale) {
