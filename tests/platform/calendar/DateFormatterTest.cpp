@@ -59,6 +59,20 @@ TEST(DateFormatter, WritesTheClocksOfItsTimeZone) {
   EXPECT_EQ(byDefault.stringFromDate(Date(0)), u"00"_s);
 }
 
+TEST(DateFormatter, WritesTheSameClocksWhetherOrNotItTellsTheZone) {
+  for (const char* zone : {"Europe/Berlin", "Pacific/Apia", "America/New_York", "Asia/Kathmandu"})
+    for (const char* locale : {"en_US", "th_TH", "en_US@calendar=chinese", "fa_IR"})
+      // Every 31 hours for a year, and a time of 1799.
+      for (double seconds = 3e8; seconds < 3.32e8; seconds += 31 * 3600) {
+        const QString clocks = u"y-MM-dd e D HH:mm:ss.SSS"_s;
+        const QString alone = text(clocks, seconds + 0.25, locale, zone).value();
+        ASSERT_EQ(text(clocks + u" Z"_s, seconds + 0.25, locale, zone)->section(u' ', 0, 3), alone);
+      }
+  EXPECT_EQ(text(u"y-MM-dd HH:mm:ss"_s, -6'343'142'400, "en_US", "Europe/Berlin"),
+            u"1799-12-30 00:53:28"_s);
+  EXPECT_EQ(text(u"HH 'z'"_s, 0, "en_US", "Asia/Tokyo"), u"09 z"_s);
+}
+
 TEST(DateFormatter, FollowsTheSystemsDatabaseWhereICUKnowsOtherClocks) {
   // A name of Los Angeles to ICU, none of the database.
   const QTemporaryDir folder;
@@ -68,6 +82,7 @@ TEST(DateFormatter, FollowsTheSystemsDatabaseWhereICUKnowsOtherClocks) {
   EXPECT_EQ(berlin.stringFromDate(Date(0)), u"01:00 +0100"_s);
   EXPECT_EQ(berlin.stringFromDate(Date(266'803'200)), u"02:00 +0200"_s);
   EXPECT_EQ(berlin.stringFromDate(Date(0)), u"01:00 +0100"_s);
+  EXPECT_EQ(text(u"HH:mm"_s, 266'803'200, "en_US", "PST"), u"02:00"_s);
 }
 
 TEST(DateFormatter, WritesTheClocksOfARuleOfTheEnvironment) {

@@ -48,6 +48,18 @@ QString textOf(const icu::UnicodeString& text) {
   return QString(reinterpret_cast<const QChar*>(text.getBuffer()), text.length());
 }
 
+// Whether a pattern tells the time zone.
+bool tellsZone(const QString& pattern) {
+  bool isLiteral = false;
+  for (const QChar c : pattern) {
+    if (c == u'\'')
+      isLiteral = !isLiteral;
+    else if (!isLiteral && u"zZvVOXx"_s.contains(c))
+      return true;
+  }
+  return false;
+}
+
 // The seconds and the thousandths of `interval`, which is in reach.
 struct Instant {
   qint64 seconds; // since 1970
@@ -75,10 +87,13 @@ class Format {
                                   static_cast<int32_t>(pattern.size()));
     format_ = std::make_unique<icu::SimpleDateFormat>(
         text, localeWithCalendar(locale, calendarIdentifier_), status);
-    zoneOfName_.reset(
-        icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(zone.name().toStdString())));
-    icuCalendar_ = makeCalendar(calendarIdentifier_, weeks_.record().texts,
-                                std::unique_ptr<icu::TimeZone>(zoneOfName_->clone()));
+    std::unique_ptr<icu::TimeZone> icuZone;
+    if (tellsZone(pattern)) {
+      zoneOfName_.reset(
+          icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(zone.name().toStdString())));
+      icuZone.reset(zoneOfName_->clone());
+    }
+    icuCalendar_ = makeCalendar(calendarIdentifier_, weeks_.record().texts, std::move(icuZone));
     if (U_FAILURE(status))
       icuCalendar_.reset();
   }
@@ -94,8 +109,13 @@ class Format {
     if (!icuCalendar_)
       return std::nullopt;
     UErrorCode status = U_ZERO_ERROR;
-    setClocks(instant, status);
-    icuCalendar_->setTime(instant.icuDate(), status);
+    const int32_t offset = zone_.offsetAt(instant.seconds) * 1000;
+    if (zoneOfName_) {
+      setClocks(instant, offset, status);
+      icuCalendar_->setTime(instant.icuDate(), status);
+    } else {
+      icuCalendar_->setTime(instant.icuDate() + offset, status);
+    }
     icu::UnicodeString text;
     format_->format(*icuCalendar_, text, nullptr, status);
     return U_SUCCESS(status) ? std::optional(textOf(text)) : std::nullopt;
@@ -104,8 +124,7 @@ class Format {
  private:
   // ICU's own database may be of another year than the system's, and has no rules of $TZ. Where the
   // two differ a zone of the right distance from UTC stands in, under the same name.
-  void setClocks(const Instant& instant, UErrorCode& status) {
-    const int32_t offset = zone_.offsetAt(instant.seconds) * 1000;
+  void setClocks(const Instant& instant, int32_t offset, UErrorCode& status) {
     int32_t raw = 0;
     int32_t daylight = 0;
     zoneOfName_->getOffset(instant.icuDate(), false, raw, daylight, status);
@@ -132,6 +151,8 @@ class Format {
   Locale weeks_;
   TimeZone zone_;
   std::unique_ptr<icu::SimpleDateFormat> format_;
+  // Null where the pattern does not tell the zone: then the calendar is in UTC, and what it takes
+  // for UTC is the time on the zone's clocks.
   std::unique_ptr<icu::TimeZone> zoneOfName_;
   std::unique_ptr<icu::Calendar> icuCalendar_; // null where the format cannot be made
   std::optional<int32_t> standIn_;
