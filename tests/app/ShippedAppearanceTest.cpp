@@ -98,6 +98,17 @@ TEST_P(ShippedAppearance, IsDimmedButLegibleWhereDisabled) {
   EXPECT_LE(disabled, titleContrast(*look, SampleState::Normal, ground).value_or(0) / 1.5);
 }
 
+// The strip behind a control bar has any color, and signs pass under it.
+TEST(ControlBarLook, CanBeReadOnAnyStripAlsoWhereDisabled) {
+  const auto look = shippedLook("ControlBarButton");
+  for (const SampleState state : SampleStates) {
+    const double onBlack = titleContrast(*look, state, Qt::black).value_or(0);
+    EXPECT_GE(onBlack, 2.5) << int(state);
+    for (const QColor& strip : {QColor(Qt::white), QColor(Qt::yellow), QColor(0x80, 0x80, 0x80)})
+      EXPECT_DOUBLE_EQ(titleContrast(*look, state, strip).value_or(0), onBlack) << int(state);
+  }
+}
+
 // What is pressed lies one point lower. The shadow of a flat body fills the gap; a gradient casts
 // none, and the window would show through.
 TEST_P(ShippedAppearance, LeavesNoGapWherePressed) {
