@@ -41,6 +41,7 @@
 #include <cstdio>
 #include <functional>
 #include <map>
+#include <vector>
 
 #include <unistd.h>
 
@@ -175,6 +176,11 @@ class Probe : public QObject {
     };
   }
 
+  ~Probe() override {
+    for (const QPointer<QWidget>& window : windows_)
+      delete window;
+  }
+
   // What the window system tells the windows, as comments.
   bool eventFilter(QObject* receiver, QEvent* event) override {
     if (receiver->isWindowType() && event->type() == QEvent::MouseButtonPress)
@@ -263,9 +269,10 @@ class Probe : public QObject {
       qFatal("%s is no command", qPrintable(line));
   }
 
-  static void makeWindow(const QString& name, const QRect& geometry, bool isAbove) {
+  void makeWindow(const QString& name, const QRect& geometry, bool isAbove) {
     auto* window =
         new QWidget(nullptr, isAbove ? Qt::Window | Qt::X11BypassWindowManagerHint : Qt::Window);
+    windows_.emplace_back(window);
     window->setObjectName(name);
     window->setGeometry(geometry);
     window->setPalette(QPalette(Qt::white));
@@ -341,6 +348,7 @@ class Probe : public QObject {
   QByteArray pending_;
   Mark mark_;
   std::multimap<QString, QString> reactions_;
+  std::vector<QPointer<QWidget>> windows_;
 };
 
 } // namespace
