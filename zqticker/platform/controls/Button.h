@@ -100,7 +100,8 @@ class ZQTICKER_EXPORT Button : public QAbstractButton, public ControlView {
   //
   // Nothing is told during a press; what changed meanwhile is told at its end. The pointer counts
   // as outside while a menu or another widget has it, and when the window loses the focus, until it
-  // moves again. If a rectangle is removed while the pointer is inside, a leave is told once the
+  // moves again; and where it is still held down after such an end of a press, until it is
+  // released. If a rectangle is removed while the pointer is inside, a leave is told once the
   // pointer is found outside of those that there are then.
   using TrackingRectTag = std::intptr_t;
   TrackingRectTag addTrackingRect(const QRectF& rect, bool assumeInside);

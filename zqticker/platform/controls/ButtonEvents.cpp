@@ -11,6 +11,7 @@
 
 #include <QtCore/QTimer>
 #include <QtGui/QEnterEvent>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QButtonGroup>
 
@@ -120,9 +121,9 @@ void Button::Private::pressDidEnd() {
   const QPointer<Button> alive = button;
   const auto pointer = std::exchange(pointerAfterPress, std::nullopt);
   if (pointer && pointer->lastInside)
-    pointerIsAt(pointer->lastInside);
+    tellPointer(pointer->lastInside);
   if (pointer && alive)
-    pointerIsAt(pointer->now);
+    tellPointer(pointer->now);
 }
 
 // The pointer.
@@ -136,6 +137,15 @@ void Button::Private::pointerIsAt(std::optional<QPointF> point) {
       pointerAfterPress->lastInside = point;
     return;
   }
+  // Held down since before a menu or another window came up, it comes in when it is released: until
+  // then nobody would tell that it goes again.
+  if (point && (QGuiApplication::mouseButtons() & Qt::LeftButton) &&
+      isPointInRect(*point, button->bounds()))
+    return;
+  tellPointer(point);
+}
+
+void Button::Private::tellPointer(std::optional<QPointF> point) {
   if (point && !button->isFlipped())
     point->setY(button->height() - point->y());
   const QPointF own = point.value_or(QPointF(-1, -1));

@@ -29,6 +29,8 @@ struct Button::Private {
 
   // The pointer is at a point of the view, or outside; kept for later during a press.
   void pointerIsAt(std::optional<QPointF> point);
+  // Tells the rectangles, at once.
+  void tellPointer(std::optional<QPointF> point);
   // The same, as the window system says.
   void findPointer();
 
