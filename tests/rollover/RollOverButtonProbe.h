@@ -6,7 +6,6 @@
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/rollover/ZQRollOverButton.h"
 
-#include <QtGui/QEnterEvent>
 #include <QtGui/QPaintEvent>
 
 namespace zq::testing {
@@ -59,15 +58,6 @@ class RollOverProbe : public ZQRollOverButton {
 // A window with a RollOverProbe, and a pointer that comes and goes.
 class RollOverButtonWindow : public WindowWith<RollOverProbe> {
  public:
-  void enter(double x = 5, double y = 5) {
-    const QPointF local(x, y);
-    QEnterEvent event(local, button->mapTo(button->window(), local), button->mapToGlobal(local));
-    QApplication::sendEvent(button, &event);
-  }
-  void tell(QWidget* receiver, QEvent::Type type) {
-    QEvent event(type);
-    QApplication::sendEvent(receiver, &event);
-  }
   ZQRollOverButtonCell& cell() const { return button->rollOverCell(); }
 };
 

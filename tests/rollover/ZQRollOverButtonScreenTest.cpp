@@ -370,8 +370,21 @@ TEST_F(RollOverButtonOnScreen, MayLoseItsWindowByItsClick) {
   EXPECT_TRUE(probe_->endsWell());
 }
 
+TEST_F(RollOverButtonOnScreen, MayLoseItsWindowByComingsAndGoings) {
+  for (const QString& step : {u"entered"_s, u"exited"_s}) {
+    SCOPED_TRACE(step.toStdString());
+    start(1);
+    tell(u"when play %1 delete window"_s.arg(step));
+    const QRectF place = probe_->placeOf(u"play"_s);
+    moveTo(place.center());
+    moveTo(place.center() + QPointF(0, 60));
+    EXPECT_TRUE(didHappen("window deleted"));
+    EXPECT_TRUE(probe_->endsWell());
+  }
+}
+
 TEST_F(RollOverButtonOnScreen, MayBeDestroyedByAnyStepOfAPress) {
-  for (const QString& step : {u"pressed"_s, u"released"_s}) {
+  for (const QString& step : {u"entered"_s, u"pressed"_s, u"released"_s, u"exited"_s}) {
     SCOPED_TRACE(step.toStdString());
     start(1);
     tell(u"when play %1 delete play"_s.arg(step));

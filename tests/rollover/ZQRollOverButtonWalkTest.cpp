@@ -195,7 +195,10 @@ class RollOverButtonWalk : public ::testing::TestWithParam<unsigned>, public Rol
     menu->close();
   }
 
-  void turn() { QCoreApplication::processEvents(); }
+  void turn() {
+    QCoreApplication::processEvents();
+    settle();
+  }
   unsigned choose(unsigned count) { return unsigned(random()) % count; }
 
   // The window system's part.

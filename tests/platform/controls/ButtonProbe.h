@@ -5,10 +5,12 @@
 #include "zqticker/platform/controls/Button.h"
 #include "zqticker/platform/controls/ButtonCell.h"
 #include "zqticker/platform/controls/Event.h"
+#include "zqticker/platform/controls/LaterCalls_p.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QStringList>
 #include <QtGui/QCursor>
+#include <QtGui/QEnterEvent>
 #include <QtGui/QMouseEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
@@ -32,6 +34,7 @@ class ProbeButton : public platform::Button {
   QStringList log;
   std::function<void()> whenSending;
   std::function<void()> whenEntered;
+  std::function<void()> whenExited;
 
  protected:
   void mouseEntered(const platform::Event&) override {
@@ -39,7 +42,11 @@ class ProbeButton : public platform::Button {
     if (const auto perform = whenEntered)
       perform();
   }
-  void mouseExited(const platform::Event&) override { log.append(QStringLiteral("exited")); }
+  void mouseExited(const platform::Event&) override {
+    log.append(QStringLiteral("exited"));
+    if (const auto perform = whenExited)
+      perform();
+  }
   void viewDidMoveToWindow() override {
     log.append(isInWindow() ? QStringLiteral("window") : QStringLiteral("no window"));
   }
@@ -70,10 +77,20 @@ class WindowWith {
     send(QEvent::MouseButtonRelease, x, y, Qt::LeftButton, Qt::NoButton);
   }
   void move(double x, double y) { send(QEvent::MouseMove, x, y, Qt::NoButton, Qt::NoButton); }
-  void leave() {
-    QEvent event(QEvent::Leave);
+  void enter(double x = 5, double y = 5) const {
+    const QPointF local(x, y);
+    QEnterEvent event(local, button->mapTo(button->window(), local), button->mapToGlobal(local));
     QApplication::sendEvent(button, &event);
+    settle();
   }
+  void leave() { tell(button, QEvent::Leave); }
+  void tell(QWidget* receiver, QEvent::Type type) const {
+    QEvent event(type);
+    QApplication::sendEvent(receiver, &event);
+    settle();
+  }
+  // What the toolkit told is acted on.
+  void settle() const { platform::LaterCalls::shared().perform(); }
   QStringList takeLog() { return std::exchange(button->log, {}); }
 
   void send(QEvent::Type type, double x, double y, Qt::MouseButton cause,

@@ -243,20 +243,19 @@ TEST_F(ButtonTest, GivesAPressUpWhenItsHighlightDisablesIt) {
 
 TEST_F(ButtonTest, GivesAPressUpWhenTheWindowLosesTheFocusOrTheReleaseWentElsewhere) {
   press();
-  QEvent event(QEvent::WindowDeactivate);
-  QApplication::sendEvent(button, &event);
+  tell(button, QEvent::WindowDeactivate);
   EXPECT_FALSE(button->isDown());
   release();
   press();
   button->hide();
+  settle();
   EXPECT_FALSE(button->isDown());
   button->show();
   press();
   move(6, 5);
   EXPECT_FALSE(button->isDown());
   press();
-  QEvent blocked(QEvent::WindowBlocked);
-  QApplication::sendEvent(window.get(), &blocked);
+  tell(window.get(), QEvent::WindowBlocked);
   EXPECT_FALSE(button->isDown());
   EXPECT_EQ(takeLog(), QStringList());
 }

@@ -1,12 +1,12 @@
 // Who has the pointer: rectangles entered and left, and what takes the pointer away.
 #include "tests/platform/controls/ButtonProbe.h"
 #include "tests/support/LogWatch.h"
+#include "tests/support/waiting.h"
 #include "zqticker/platform/controls/Menu.h"
 #include "zqticker/platform/objects/Exception.h"
 
 #include <gtest/gtest.h>
 
-#include <QtGui/QEnterEvent>
 #include <QtWidgets/QMenu>
 
 using namespace Qt::StringLiterals;
@@ -23,20 +23,14 @@ class ButtonPointerTest : public ::testing::Test, public ButtonWindow {
  protected:
   ButtonPointerTest() { tag = button->addTrackingRect(button->bounds(), false); }
 
-  void enter(double x, double y) {
-    const QPointF local(x, y);
-    QEnterEvent event(local, button->mapTo(window.get(), local), button->mapToGlobal(local));
-    QApplication::sendEvent(button, &event);
+  void turn() {
+    QCoreApplication::processEvents();
+    settle();
   }
-  void turn() { QCoreApplication::processEvents(); }
   // The real pointer, and with it what the window system says about it.
   void put(double x, double y) {
     QCursor::setPos(button->mapToGlobal(QPointF(x, y)).toPoint());
     turn();
-  }
-  void tell(QWidget* receiver, QEvent::Type type) {
-    QEvent event(type);
-    QApplication::sendEvent(receiver, &event);
   }
 
   Button::TrackingRectTag tag;
@@ -170,6 +164,7 @@ TEST_F(ButtonPointerTest, IsLeftWhenItIsHiddenOrItsWindowBlocked) {
   enter(5, 5);
   takeLog();
   button->hide();
+  settle();
   EXPECT_EQ(takeLog(), exited);
   button->show();
   enter(5, 5);
@@ -211,6 +206,64 @@ TEST_F(ButtonPointerTest, TellsNothingWithoutRectangles) {
   EXPECT_EQ(takeLog(), nothing);
 }
 
+TEST_F(ButtonPointerTest, MayBeDestroyedWhenTheRealPointerComesAndGoes) {
+  // The toolkit goes on with a widget that it has told.
+  for (const bool isEntry : {true, false}) {
+    const QPointer<ProbeButton> fragile = new ProbeButton(window.get());
+    (isEntry ? fragile->whenEntered : fragile->whenExited) = [&] { delete fragile; };
+    fragile->setGeometry(20, 50, 100, 22);
+    fragile->addTrackingRect(fragile->bounds(), false);
+    fragile->show();
+    put(5, 45);
+    EXPECT_EQ(bool(fragile), !isEntry);
+    put(5, 85);
+    EXPECT_FALSE(fragile);
+  }
+}
+
+TEST_F(ButtonPointerTest, MayLoseItsWindowWhenTheRealPointerComes) {
+  button->whenEntered = [this] { window.reset(); };
+  put(5, 5);
+  EXPECT_FALSE(window);
+}
+
+TEST_F(ButtonPointerTest, MayLoseItsWindowByThePressThatHidingEnds) {
+  QObject::connect(button, &QAbstractButton::released, [this] { window.reset(); });
+  press();
+  window->hide();
+  turn();
+  EXPECT_FALSE(window);
+}
+
+TEST_F(ButtonPointerTest, KeepsTheOrderAmongNeighbours) {
+  auto* const neighbour = new ProbeButton(window.get());
+  neighbour->setGeometry(20, 50, 100, 22);
+  neighbour->addTrackingRect(neighbour->bounds(), false);
+  neighbour->show();
+  put(5, 5);
+  QStringList order;
+  button->whenExited = [&] { order.append(u"left"_s); };
+  neighbour->whenEntered = [&] { order.append(u"came"_s); };
+  put(5, 45);
+  EXPECT_EQ(order, (QStringList{u"left"_s, u"came"_s}));
+}
+
+TEST_F(ButtonPointerTest, HearsOfNeighboursWithinALoopThatAnEntryRuns) {
+  auto* const neighbour = new ProbeButton(window.get());
+  neighbour->setGeometry(20, 50, 100, 22);
+  neighbour->addTrackingRect(neighbour->bounds(), false);
+  neighbour->show();
+  put(5, 5);
+  takeLog();
+  // Both wait: the leave of the one, the entry of the other.
+  bool hasCome = false;
+  button->whenExited = [&] {
+    hasCome = waitFor([&] { return neighbour->log.contains(u"entered"_s); });
+  };
+  put(5, 45);
+  EXPECT_TRUE(hasCome);
+}
+
 TEST_F(ButtonPointerTest, MayBeDestroyedByAnEntry) {
   class Fragile : public Button {
    public:
@@ -222,8 +275,7 @@ TEST_F(ButtonPointerTest, MayBeDestroyedByAnEntry) {
   QPointer<Fragile> fragile = new Fragile(window.get());
   fragile->addTrackingRect({0, 0, 10, 10}, false);
   fragile->addTrackingRect({0, 0, 20, 20}, false);
-  QEvent leave(QEvent::Leave);
-  QApplication::sendEvent(fragile, &leave);
+  tell(fragile, QEvent::Leave);
   ASSERT_TRUE(fragile);
   fragile->setGeometry(0, 0, 20, 20);
   QMouseEvent moved(QEvent::MouseMove, QPointF(5, 5), fragile->mapToGlobal(QPointF(5, 5)),

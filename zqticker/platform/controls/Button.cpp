@@ -5,6 +5,7 @@
 #include "zqticker/platform/controls/ButtonObject.h"
 #include "zqticker/platform/controls/Button_p.h"
 #include "zqticker/platform/controls/Event.h"
+#include "zqticker/platform/controls/LaterCalls_p.h"
 #include "zqticker/platform/controls/PointerMonitor_p.h"
 #include "zqticker/platform/controls/callback_border_p.h"
 #include "zqticker/platform/controls/mouse_events_p.h"
@@ -36,7 +37,10 @@ Button::Button(const Ref<ButtonCell>& cell, QWidget* parent)
   setCheckable(true);
   cell->setControlView(this);
   connect(&PointerMonitor::shared(), &PointerMonitor::ownerOfPointerChanged, this,
-          [this](const PointerPlace& now) { private_->pointerIsAt(now.over(this)); });
+          [this](const PointerPlace& now) {
+            LaterCalls::shared().add(
+                this, [this, point = now.over(this)] { private_->pointerIsAt(point); });
+          });
 }
 
 Button::~Button() {

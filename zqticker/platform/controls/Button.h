@@ -98,6 +98,9 @@ class ZQTICKER_EXPORT Button : public QAbstractButton, public ControlView {
   // never 0, is removed. A rectangle counts as entered from the start where `assumeInside`;
   // otherwise one under the pointer is entered when that next moves. Unknown tags are ignored.
   //
+  // What the toolkit says of the pointer besides the mouse's own events is told in the next turn of
+  // the event loop, or before the next of these; so the view and its window may be destroyed.
+  //
   // Nothing is told during a press; what changed meanwhile is told at its end. The pointer counts
   // as outside while a menu or another widget has it, and when the window loses the focus, until it
   // moves again; and where it is still held down after such an end of a press, until it is

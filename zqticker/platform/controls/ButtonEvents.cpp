@@ -1,6 +1,7 @@
 // What the toolkit tells a button.
 #include "zqticker/platform/controls/ButtonCell.h"
 #include "zqticker/platform/controls/Button_p.h"
+#include "zqticker/platform/controls/LaterCalls_p.h"
 #include "zqticker/platform/controls/PointerMonitor_p.h"
 #include "zqticker/platform/controls/WindowWatch_p.h"
 #include "zqticker/platform/controls/callback_border_p.h"
@@ -126,7 +127,24 @@ void Button::Private::pressDidEnd() {
     tellPointer(pointer->now);
 }
 
+void Button::Private::losePointer() {
+  const QPointer<Button> alive = button;
+  cancelPress();
+  if (alive)
+    pointerIsOutside();
+}
+
 // The pointer.
+
+void Button::Private::later(void (Private::*action)()) {
+  LaterCalls::shared().add(button, [this, action] { (this->*action)(); });
+}
+
+bool Button::Private::catchUp() {
+  const QPointer<Button> alive = button;
+  LaterCalls::shared().perform();
+  return bool(alive);
+}
 
 void Button::Private::pointerIsAt(std::optional<QPointF> point) {
   if (press) {
@@ -174,7 +192,10 @@ void Button::menuDidClose(Menu&) {
     private_->finishHighlight();
   // The menu has the pointer until it has gone.
   if (alive)
-    QTimer::singleShot(0, this, [this] { private_->findPointer(); });
+    QTimer::singleShot(0, this, [this] {
+      if (private_->catchUp())
+        private_->findPointer();
+    });
 }
 
 void Button::showMenu() {
@@ -190,7 +211,8 @@ void Button::mousePressEvent(QMouseEvent* event) {
     return;
   }
   event->accept();
-  private_->startPress(eventOf(*event, *this));
+  if (private_->catchUp())
+    private_->startPress(eventOf(*event, *this));
 }
 
 void Button::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -199,6 +221,8 @@ void Button::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void Button::mouseMoveEvent(QMouseEvent* event) {
   event->accept();
+  if (!private_->catchUp())
+    return;
   if (private_->press) {
     private_->pointerIsAt(event->position());
     if (event->buttons() & Qt::LeftButton)
@@ -217,6 +241,8 @@ void Button::mouseReleaseEvent(QMouseEvent* event) {
     return;
   }
   event->accept();
+  if (!private_->catchUp())
+    return;
   private_->pointerIsAt(event->position());
   if (private_->press)
     private_->feedPress(eventOf(*event, *this));
@@ -235,13 +261,10 @@ void Button::Private::checkWindow() {
   window = now;
   if (now) {
     WindowWatch* watch = WindowWatch::of(now);
-    QObject::connect(watch, &WindowWatch::blocked, button, [this] {
-      const QPointer<Button> alive = button;
-      cancelPress();
-      if (alive)
-        pointerIsAt(std::nullopt);
-    });
-    QObject::connect(watch, &WindowWatch::unblocked, button, [this] { findPointer(); });
+    QObject::connect(watch, &WindowWatch::blocked, button,
+                     [this] { later(&Private::losePointer); });
+    QObject::connect(watch, &WindowWatch::unblocked, button,
+                     [this] { later(&Private::findPointer); });
   }
   logRaised([this] { button->viewDidMoveToWindow(); });
 }
@@ -258,24 +281,24 @@ bool Button::event(QEvent* event) {
   const QPointer<Button> alive = this;
   switch (event->type()) {
   case QEvent::Enter:
-    private_->pointerIsAt(static_cast<QEnterEvent*>(event)->position());
+    LaterCalls::shared().add(this, [this, point = static_cast<QEnterEvent*>(event)->position()] {
+      private_->pointerIsAt(point);
+    });
     break;
   case QEvent::Leave:
-    private_->pointerIsAt(std::nullopt);
+    private_->later(&Private::pointerIsOutside);
     break;
   case QEvent::MouseMove:
   case QEvent::MouseButtonRelease:
     // The pointer is somewhere also while the button is disabled, and its handlers are not called.
-    if (!isEnabled())
+    if (!isEnabled() && private_->catchUp())
       private_->pointerIsAt(static_cast<QMouseEvent*>(event)->position());
     break;
   case QEvent::WindowDeactivate:
-    private_->cancelPress();
-    if (alive)
-      private_->pointerIsAt(std::nullopt);
+    private_->later(&Private::losePointer);
     break;
   case QEvent::WindowActivate:
-    private_->findPointer();
+    private_->later(&Private::findPointer);
     break;
   case QEvent::ParentChange:
     if (private_->superview() && private_->originWithoutSuperview)
@@ -325,12 +348,7 @@ void Button::showEvent(QShowEvent* event) {
 }
 
 void Button::hideEvent(QHideEvent* event) {
-  const QPointer<Button> alive = this;
-  private_->cancelPress();
-  if (alive)
-    private_->pointerIsAt(std::nullopt);
-  if (!alive)
-    return;
+  private_->later(&Private::losePointer);
   QAbstractButton::hideEvent(event);
   private_->checkWindow();
 }

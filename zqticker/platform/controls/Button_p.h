@@ -26,9 +26,17 @@ struct Button::Private {
   void feedPress(const Event& event);
   void cancelPress();
   void pressDidEnd();
+  // Neither the press nor the pointer is the button's any more.
+  void losePointer();
+
+  // Does it once the toolkit is through with what it tells; see LaterCalls.
+  void later(void (Private::*action)());
+  // Does now what waits. False where the button is gone then.
+  bool catchUp();
 
   // The pointer is at a point of the view, or outside; kept for later during a press.
   void pointerIsAt(std::optional<QPointF> point);
+  void pointerIsOutside() { pointerIsAt(std::nullopt); }
   // Tells the rectangles, at once.
   void tellPointer(std::optional<QPointF> point);
   // The same, as the window system says.

@@ -23,6 +23,7 @@ set(controls_PRIVATE_HEADERS
     ButtonPress_p.h
     Button_p.h
     CellTracking_p.h
+    LaterCalls_p.h
     MenuPopUp_p.h
     PointerMonitor_p.h
     TrackingRectangles_p.h
@@ -52,6 +53,7 @@ set(controls_SOURCES
     ControlView.cpp
     DraggingDestination.cpp
     DraggingInfo.cpp
+    LaterCalls.cpp
     Menu.cpp
     MenuPopUp.cpp
     PointerMonitor.cpp
