@@ -43,6 +43,7 @@ set(app_SOURCES
     StripTest.cpp
     StripWidgetTest.cpp
     TailReaderTest.cpp
+    TickerDisplayChangesTest.cpp
     TickerDisplayTest.cpp
     WatchTest.cpp
     XServer.cpp
