@@ -12,11 +12,14 @@ namespace zq::app::testing {
 inline void enter(QWidget& widget, QPointF point = {5, 5}) {
   QEnterEvent event(point, widget.mapTo(widget.window(), point), widget.mapToGlobal(point));
   QApplication::sendEvent(&widget, &event);
+  // Buttons hear of it once the toolkit is through with it.
+  QCoreApplication::sendPostedEvents();
 }
 
 inline void leave(QWidget& widget) {
   QEvent event(QEvent::Leave);
   QApplication::sendEvent(&widget, &event);
+  QCoreApplication::sendPostedEvents();
 }
 
 inline void send(QWidget& widget, QEvent::Type type, QPointF point, Qt::MouseButton button,

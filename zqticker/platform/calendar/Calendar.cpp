@@ -41,7 +41,7 @@ std::optional<qint64> daysToMonthOf(const DateComponents& components) {
   qint64 year = components.year.value_or(1);
   const qint64 month = components.month.value_or(1);
   const qint64 era = components.era.value_or(CommonEra);
-  if (std::abs(year) > FarthestYear || std::abs(month) > FarthestYear ||
+  if (!isWithin(year, FarthestYear) || !isWithin(month, FarthestYear) ||
       (era != CommonEra && era != EraBefore))
     return std::nullopt;
   if (era == EraBefore)

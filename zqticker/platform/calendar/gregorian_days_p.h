@@ -16,6 +16,11 @@ constexpr qint64 floorRemainder(qint64 number, qint64 divisor) {
   return number - floorQuotient(number, divisor) * divisor;
 }
 
+// Whether `number` is between -limit and limit; the least number of all has no absolute value.
+constexpr bool isWithin(qint64 number, qint64 limit) {
+  return -limit <= number && number <= limit;
+}
+
 struct GregorianDay {
   qint64 year;
   int month; // from 1 on

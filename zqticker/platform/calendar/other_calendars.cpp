@@ -44,7 +44,7 @@ icu::Calendar* calendarOfThread(const QString& identifier) {
 }
 
 icu::Calendar* calendarAtDay(const QString& identifier, qint64 days, UErrorCode& status) {
-  if (std::abs(days) > LastDay)
+  if (!isWithin(days, LastDay))
     return nullptr;
   icu::Calendar* const calendar = calendarOfThread(identifier);
   if (calendar)
@@ -76,7 +76,7 @@ std::unique_ptr<icu::Calendar> makeCalendar(const QString& identifier, const icu
 std::optional<qint64> daysToMonth(const QString& identifier, std::optional<qint64> era, qint64 year,
                                   std::optional<qint64> month) {
   icu::Calendar* const calendar = calendarOfThread(identifier);
-  if (!calendar || std::abs(year) > LastYear || std::abs(month.value_or(1)) > LastMonth ||
+  if (!calendar || !isWithin(year, LastYear) || !isWithin(month.value_or(1), LastMonth) ||
       era.value_or(0) < 0 || era.value_or(0) > LastYear)
     return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
