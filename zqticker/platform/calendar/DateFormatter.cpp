@@ -1,6 +1,7 @@
 #include "zqticker/platform/calendar/DateFormatter.h"
 
 #include "zqticker/platform/calendar/LocaleRecord_p.h"
+#include "zqticker/platform/calendar/icu_making_p.h"
 #include "zqticker/platform/calendar/other_calendars_p.h"
 #include "zqticker/platform/calendar/zone_database_p.h"
 
@@ -85,6 +86,7 @@ class Format {
     UErrorCode status = U_ZERO_ERROR;
     const icu::UnicodeString text(false, reinterpret_cast<const char16_t*>(pattern.utf16()),
                                   static_cast<int32_t>(pattern.size()));
+    std::unique_lock making(icuMakingMutex());
     format_ = std::make_unique<icu::SimpleDateFormat>(
         text, localeWithCalendar(locale, calendarIdentifier_), status);
     std::unique_ptr<icu::TimeZone> icuZone;
@@ -93,6 +95,7 @@ class Format {
           icu::TimeZone::createTimeZone(icu::UnicodeString::fromUTF8(zone.name().toStdString())));
       icuZone.reset(zoneOfName_->clone());
     }
+    making.unlock();
     icuCalendar_ = makeCalendar(calendarIdentifier_, weeks_.record().texts, std::move(icuZone));
     if (U_FAILURE(status))
       icuCalendar_.reset();
@@ -183,9 +186,10 @@ QString DateFormatter::dateFormat() const {
     return *format_;
   if (dateStyle_ == DateFormatterStyle::None && timeStyle_ == DateFormatterStyle::None)
     return QString();
+  const QString calendarIdentifier = calendar().calendarIdentifier();
+  const std::lock_guard making(icuMakingMutex());
   const std::unique_ptr<icu::DateFormat> format(icu::DateFormat::createDateTimeInstance(
-      icuStyle(dateStyle_), icuStyle(timeStyle_),
-      localeWithCalendar(locale_, calendar().calendarIdentifier())));
+      icuStyle(dateStyle_), icuStyle(timeStyle_), localeWithCalendar(locale_, calendarIdentifier)));
   icu::UnicodeString pattern;
   if (const auto* simple = dynamic_cast<const icu::SimpleDateFormat*>(format.get()))
     simple->toPattern(pattern);

@@ -1,6 +1,7 @@
 #include "zqticker/platform/calendar/Locale.h"
 
 #include "zqticker/platform/calendar/LocaleRecord_p.h"
+#include "zqticker/platform/calendar/icu_making_p.h"
 
 #include <unicode/calendar.h>
 #include <unicode/ures.h>
@@ -33,6 +34,7 @@ bool hasTexts(const icu::Locale& locale) {
 
 QString calendarOf(const icu::Locale& locale) {
   UErrorCode status = U_ZERO_ERROR;
+  const std::lock_guard making(icuMakingMutex());
   const std::unique_ptr<icu::Calendar> calendar(icu::Calendar::createInstance(locale, status));
   return U_SUCCESS(status) ? QString::fromLatin1(calendar->getType()) : u"gregorian"_s;
 }

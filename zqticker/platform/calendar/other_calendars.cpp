@@ -1,6 +1,7 @@
 #include "zqticker/platform/calendar/other_calendars_p.h"
 
 #include "zqticker/platform/calendar/gregorian_days_p.h"
+#include "zqticker/platform/calendar/icu_making_p.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QSet>
@@ -60,6 +61,7 @@ bool isCalendarIdentifier(const QString& identifier) {
 
 std::unique_ptr<icu::Calendar> makeCalendar(const QString& identifier, const icu::Locale& locale,
                                             std::unique_ptr<icu::TimeZone> zone) {
+  const std::lock_guard making(icuMakingMutex());
   UErrorCode status = U_ZERO_ERROR;
   icu::Locale withCalendar = locale;
   withCalendar.setKeywordValue("calendar", identifier.toLatin1().constData(), status);
