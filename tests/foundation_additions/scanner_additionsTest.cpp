@@ -1,5 +1,6 @@
 #include "zqticker/foundation_additions/string_additions.h"
 
+#include "tests/support/scanners.h"
 #include "zqticker/platform/text/Scanner.h"
 
 #include <gtest/gtest.h>
@@ -8,22 +9,8 @@ using namespace Qt::StringLiterals;
 using namespace zq;
 using zq::platform::CharacterSet;
 using zq::platform::Scanner;
-
-namespace {
-
-Scanner scannerOf(const QString& string, qsizetype location = 0) {
-  Scanner scanner(string);
-  scanner.setScanLocation(location);
-  return scanner;
-}
-
-Scanner unskipping(const QString& string, qsizetype location = 0) {
-  Scanner scanner = scannerOf(string, location);
-  scanner.setCharactersToBeSkipped(std::nullopt);
-  return scanner;
-}
-
-} // namespace
+using zq::testing::scannerOf;
+using zq::testing::unskipping;
 
 TEST(CharacterAtScanLocation, IsTheCodeUnitThereWithoutSkipping) {
   EXPECT_EQ(characterAtScanLocation(scannerOf(u"abc"_s, 1)), u"b"_s);

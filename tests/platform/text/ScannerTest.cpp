@@ -1,5 +1,6 @@
 #include "zqticker/platform/text/Scanner.h"
 
+#include "tests/support/scanners.h"
 #include "zqticker/platform/objects/Exception.h"
 
 #include <gtest/gtest.h>
@@ -10,20 +11,10 @@ using namespace Qt::StringLiterals;
 using zq::platform::CharacterSet;
 using zq::platform::RangeException;
 using zq::platform::Scanner;
+using zq::testing::scannerOf;
+using zq::testing::unskipping;
 
 namespace {
-
-Scanner scannerOf(const QString& string, qsizetype location = 0) {
-  Scanner scanner(string);
-  scanner.setScanLocation(location);
-  return scanner;
-}
-
-Scanner unskipping(const QString& string, qsizetype location = 0) {
-  Scanner scanner = scannerOf(string, location);
-  scanner.setCharactersToBeSkipped(std::nullopt);
-  return scanner;
-}
 
 CharacterSet setOf(const QString& characters) {
   return CharacterSet::characterSetWithCharactersInString(characters);
