@@ -1,0 +1,2 @@
+# The program on the session bus.
+set(bus_SOURCES)

@@ -1,0 +1,2 @@
+# Display messages.
+set(message_SOURCES)

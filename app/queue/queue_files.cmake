@@ -1,0 +1,2 @@
+# The window that shows what is queued.
+set(queue_SOURCES)

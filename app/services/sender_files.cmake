@@ -1,0 +1,2 @@
+# Services that send what they bring to a running ticker.
+set(sender_SOURCES)

@@ -1,0 +1,2 @@
+# What the user has chosen, kept.
+set(settings_SOURCES)

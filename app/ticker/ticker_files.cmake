@@ -1,0 +1,2 @@
+# The running ticker: its strip, and what feeds it.
+set(ticker_SOURCES)

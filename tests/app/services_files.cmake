@@ -1,0 +1,2 @@
+# Services as programs of their own.
+set(app_services_SOURCES)
