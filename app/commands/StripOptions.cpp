@@ -153,14 +153,6 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   return true;
 }
 
-void requireSomethingToShow(const StripOptions& options, const QString& command) {
-  if (options.sources.empty() && options.feeds.feeds.empty() && options.files.isEmpty() &&
-      !options.readsStandardInput)
-    throw UsageError(
-        u"nothing to show: give --text, --image, --combo, --sign, --clock, --feed, "
-        u"--tail, --stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
-}
-
 // Settings of feeds are for feeds.
 void requireFeeds(const StripOptions& options, const std::vector<ParsedOption>& given) {
   if (!options.feeds.feeds.empty())
@@ -196,6 +188,14 @@ Edge edgeOf(const ParsedOption& option) {
 }
 } // namespace
 
+void requireSomethingToShow(const StripOptions& options, const QString& command) {
+  if (options.sources.empty() && options.feeds.feeds.empty() && options.files.isEmpty() &&
+      !options.readsStandardInput)
+    throw UsageError(
+        u"nothing to show: give --text, --image, --combo, --sign, --clock, --feed, "
+        u"--tail, --stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
+}
+
 RunOptions readRunOptions(const QStringList& arguments) {
   RunOptions options;
   const auto given = parseOptions(runTable(), arguments);
@@ -208,7 +208,6 @@ RunOptions readRunOptions(const QStringList& arguments) {
       options.strip.files.watched.append(newFileOf(option, options.strip.files.watched));
     else
       readStripOption(options.strip, option);
-  requireSomethingToShow(options.strip, runTable().command);
   requireFeeds(options.strip, given);
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
   if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)

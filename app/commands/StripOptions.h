@@ -85,4 +85,8 @@ RunOptions readRunOptions(const QStringList& arguments);
 RenderOptions readRenderOptions(const QStringList& arguments);
 SignOptions readSignOptions(const QStringList& arguments);
 
+// UsageError where the options of `command` name no source at all. `run` may go without, as long as
+// something can be sent to it.
+void requireSomethingToShow(const StripOptions& options, const QString& command);
+
 } // namespace zq::app

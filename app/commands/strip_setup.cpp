@@ -53,15 +53,20 @@ StripLook lookOf(const StripOptions& options, QSizeF room) {
   return look;
 }
 
-void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
-                 double time) {
-  const std::vector<Ref<ZQTickerSign>> signs = loadSigns(options, look.font, look.color);
+void setUpDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
+                  double time) {
   display.setHorizontal(options.isHorizontal, time);
   display.setSize(look.size, time);
   display.setDefaultFont(look.font);
   display.setDefaultTextColor(look.color);
   display.setShouldAutoscale(options.autoscale);
   display.setSpeed(options.speed, time);
+}
+
+void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
+                 double time) {
+  const std::vector<Ref<ZQTickerSign>> signs = loadSigns(options, look.font, look.color);
+  setUpDisplay(display, options, look, time);
   for (const Ref<ZQTickerSign>& sign : signs)
     display.addSign(sign, time);
 }

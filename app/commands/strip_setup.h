@@ -18,6 +18,10 @@ struct StripLook {
 // as wide as the room, a vertical one as high. Raises RunTimeError for an unknown font.
 StripLook lookOf(const StripOptions& options, QSizeF room);
 
+// Gives `display` its look at `time`.
+void setUpDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
+                  double time);
+
 // Gives `display` its look and the signs of the options, all read and checked, at `time`. Raises
 // RunTimeError for what cannot be shown; the display is unchanged then.
 void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,

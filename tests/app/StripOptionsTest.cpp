@@ -129,12 +129,21 @@ TEST(StripOptions, RefuseEmptyNamesAndTexts) {
             "--font  : the font name is empty");
 }
 
-TEST(StripOptions, RefuseToShowNothing) {
-  EXPECT_EQ(runFailure(""),
+TEST(StripOptions, TellWhetherThereIsSomethingToShow) {
+  const auto nothingToShow = [](const char* arguments) {
+    try {
+      requireSomethingToShow(readRunOptions(words(arguments)).strip, u"run"_s);
+      return std::string();
+    } catch (const UsageError& error) {
+      return error.message().toStdString();
+    }
+  };
+  EXPECT_EQ(nothingToShow("--stdin"), "");
+  EXPECT_EQ(nothingToShow(""),
             "nothing to show: give --text, --image, --combo, --sign, --clock, --feed, "
             "--tail, --stdin or, with run, --watch "
             "(see zqticker run --help)");
-  EXPECT_EQ(runFailure("--speed 50"), runFailure(""));
+  EXPECT_EQ(nothingToShow("--speed 50"), nothingToShow(""));
 }
 
 TEST(RunOptions, ReadThePosition) {

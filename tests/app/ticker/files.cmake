@@ -1,1 +1,1 @@
-set(app_ticker_SOURCES)
+set(app_ticker_SOURCES TickerTest.cpp)

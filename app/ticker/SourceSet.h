@@ -1,0 +1,60 @@
+// What one command line brings to the strip.
+#pragma once
+
+#include "app/commands/StripOptions.h"
+#include "app/display/StripItem.h"
+
+#include <QtCore/QObject>
+#include <QtDBus/QDBusUnixFileDescriptor>
+
+#include <memory>
+
+namespace zq::app {
+
+class FeedService;
+class FeedSigns;
+class FileService;
+class FileSigns;
+class LineReader;
+class Ticker;
+
+// The signs that the options name, and the services that go on bringing more: files, feeds and
+// lines of standard input. They end with the object; what they have brought stays.
+//
+// Thread: main.
+class SourceSet : public QObject {
+  Q_OBJECT
+
+ public:
+  // Reads and checks everything, puts the signs into the ticker's queue and begins. Lines come from
+  // `standardInput` where it is valid. Raises RunTimeError for what cannot be shown, watched or
+  // followed; the queue is unchanged then. `ticker` must outlive the
+  // object.
+  SourceSet(Ticker& ticker, const StripOptions& options,
+            const QDBusUnixFileDescriptor& standardInput);
+  ~SourceSet() override;
+
+  // Whether nothing more can come: feeds and files may always bring something, standard input until
+  // it ends.
+  bool hasEnded() const;
+  Q_SIGNAL void ended();
+
+ private:
+  void followFilesOf(const StripOptions& options);
+  void readFeedsOf(const StripOptions& options);
+  void readLinesOf(const QDBusUnixFileDescriptor& standardInput);
+  void addLine(const QString& line);
+
+  Ticker& ticker_;
+  LoopRule lineRule_;
+  bool isComplete_ = false; // all that could fail is done
+  QStringList earlyLines_;  // of files, until then
+  std::unique_ptr<FileSigns> fileSigns_;
+  std::unique_ptr<FileService> files_;
+  std::unique_ptr<FeedSigns> feedSigns_;
+  std::unique_ptr<FeedService> feeds_;
+  QDBusUnixFileDescriptor standardInput_;
+  std::unique_ptr<LineReader> reader_;
+};
+
+} // namespace zq::app

@@ -1,0 +1,95 @@
+// The running ticker: a strip on the screen, what is queued for it, and what brings more.
+#pragma once
+
+#include "app/commands/StripOptions.h"
+#include "app/commands/strip_setup.h"
+#include "app/display/SignOrigin.h"
+#include "app/display/StripWidget.h"
+#include "app/display/TickerDisplay.h"
+
+#include <QtCore/QObject>
+#include <QtDBus/QDBusUnixFileDescriptor>
+
+#include <memory>
+#include <vector>
+
+class QScreen;
+
+namespace zq::app {
+
+class ClockService;
+class SourceSet;
+
+// The one place through which a running program changes what is shown: the command line, other
+// programs' messages, windows and settings all act on it.
+//
+// The strip's window is hidden at first, and again while there is nothing to show and no source
+// that might bring something.
+//
+// Thread: main.
+class Ticker : public QObject {
+  Q_OBJECT
+
+ public:
+  // The strip on `screen`, without anything to show and not to be seen yet. Raises RunTimeError for
+  // an unknown font.
+  Ticker(const RunOptions& options, const QScreen& screen);
+  ~Ticker() override;
+
+  TickerDisplay& display() { return display_; }
+  StripWidget& widget() { return *widget_; }
+  // Seconds on the strip's own clock.
+  double time() const { return widget_->time(); }
+
+  // Does what a further program was asked for by `arguments`, those of `run`: adds their sources.
+  // Relative paths begin in `folder`. Raises CommandFailure, and changes nothing then.
+  void run(const QStringList& arguments, const QString& folder,
+           const QDBusUnixFileDescriptor& standardInput = {});
+  // Adds the sources of a command line, with lines from `standardInput` where the options ask for
+  // them and it is valid. Its font and colour style its own texts; the strip keeps its look. Raises
+  // RunTimeError for what cannot be shown, and adds nothing then.
+  void add(const StripOptions& sources, const QDBusUnixFileDescriptor& standardInput = {});
+
+  // Shows a sign behind the others. One whose identifier waits already takes over from that one;
+  // one without an identifier gets a new one. Its identifier.
+  QString show(const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin = {},
+               bool arranged = false);
+  // Takes the sign with this identifier out; false where there is none that waits.
+  bool remove(const QString& identifier);
+  // See TickerDisplay::arrangeSigns.
+  void arrange(const QStringList& identifiers);
+
+  // Whether so many lines wait that more of them drop others.
+  bool isFullOfLines() const;
+  // The font and colour for texts of `sources`: their own, else the strip's.
+  StripLook lookFor(const StripOptions& sources) const;
+  // The most that pictures of feeds take, in pixels.
+  QSize pictureRoom() const;
+
+  // Whether the ticker goes on when all has been shown, since something may be sent to it; false
+  // at first.
+  void setWaiting(bool waits) { waits_ = waits; }
+
+  // Tells that the display was changed. Several calls within a turn of the event loop are one.
+  void displayChanged();
+  // What is queued or shown has changed.
+  Q_SIGNAL void changed();
+  // Everything has been shown, nothing more can come, and nothing is waited for.
+  Q_SIGNAL void finished();
+
+ private:
+  void runClockOf(const StripOptions& options);
+  void update();
+  void finishWhenDone();
+
+  RunOptions options_;
+  TickerDisplay display_;
+  std::unique_ptr<StripWidget> widget_;
+  std::vector<std::unique_ptr<SourceSet>> sources_;
+  std::unique_ptr<ClockService> clock_; // one: there is one sign for it
+  double deviceScale_;
+  bool waits_ = false;
+  bool isUpdateDue_ = false;
+};
+
+} // namespace zq::app

@@ -1,0 +1,157 @@
+#include "app/ticker/Ticker.h"
+
+#include "app/commands/failures.h"
+#include "tests/app/XServer.h"
+#include "tests/support/LogWatch.h"
+#include "zqticker/platform/graphics/Font.h"
+#include "zqticker/signs/ZQTextTickerSign.h"
+
+#include <QtCore/QFile>
+#include <QtCore/QTemporaryDir>
+#include <QtGui/QGuiApplication>
+#include <QtGui/QScreen>
+
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+using namespace zq::platform;
+using zq::app::testing::waitUntil;
+
+namespace {
+class RunningTicker : public ::testing::Test {
+ protected:
+  RunningTicker() {
+    // The platform without a screen says so of every window that stays on top.
+    zq::testing::allowLog(u"does not support raise()"_s);
+    QObject::connect(&ticker, &Ticker::finished, &ticker, [this] { ++finishedCount; });
+    QObject::connect(&ticker, &Ticker::changed, &ticker, [this] { ++changeCount; });
+  }
+
+  static RunOptions options() {
+    RunOptions options;
+    options.showsControlBar = false;
+    options.strip.speed = 10'000;
+    return options;
+  }
+  // A text that is shown `loopCount` times.
+  static Ref<ZQTickerSign> text(const QString& text, std::int64_t loopCount = 1) {
+    const auto sign = ZQTextTickerSign::make(text);
+    sign->setLoopCount(loopCount);
+    return sign;
+  }
+  std::size_t waiting() { return ticker.display().waitingCount(); }
+
+  Ticker ticker{options(), *QGuiApplication::primaryScreen()};
+  int finishedCount = 0;
+  int changeCount = 0;
+};
+} // namespace
+
+TEST_F(RunningTicker, IsHiddenUntilThereIsSomethingToShow) {
+  EXPECT_FALSE(ticker.widget().isVisible());
+  ticker.show(text(u"Hello"_s, ZQEndlessLoopCount));
+  EXPECT_TRUE(waitUntil([&] { return ticker.widget().isVisible(); }));
+}
+
+TEST_F(RunningTicker, FinishesWhenAllHasBeenShown) {
+  ticker.show(text(u"Hello"_s));
+  EXPECT_TRUE(waitUntil([&] { return finishedCount > 0; }));
+}
+
+TEST_F(RunningTicker, HidesAndGoesOnWhileItWaitsForMessages) {
+  ticker.setWaiting(true);
+  ticker.show(text(u"Hello"_s));
+  EXPECT_TRUE(waitUntil([&] { return ticker.widget().isVisible(); }));
+  EXPECT_TRUE(waitUntil([&] { return !ticker.widget().isVisible(); }));
+  EXPECT_EQ(finishedCount, 0);
+  ticker.show(text(u"again"_s, ZQEndlessLoopCount));
+  EXPECT_TRUE(waitUntil([&] { return ticker.widget().isVisible(); }));
+}
+
+TEST_F(RunningTicker, GivesASignWithoutAnIdentifierOneOfItsOwn) {
+  const QString first = ticker.show(text(u"one"_s, ZQEndlessLoopCount));
+  const QString second = ticker.show(text(u"two"_s, ZQEndlessLoopCount));
+  EXPECT_FALSE(first.isEmpty());
+  EXPECT_NE(first, second);
+  EXPECT_EQ(waiting(), 2u);
+  EXPECT_TRUE(ticker.remove(first));
+  EXPECT_EQ(waiting(), 1u);
+}
+
+TEST_F(RunningTicker, LetsASignTakeOverFromTheOneWithItsIdentifier) {
+  for (const QString& words : {u"one"_s, u"two"_s}) {
+    const Ref<ZQTickerSign> sign = text(words, ZQEndlessLoopCount);
+    sign->setIdentifier(u"news"_s);
+    EXPECT_EQ(ticker.show(sign), u"news"_s);
+  }
+  EXPECT_EQ(waiting(), 1u);
+}
+
+TEST_F(RunningTicker, DoesNotRemoveWhatItDoesNotKnow) {
+  EXPECT_FALSE(ticker.remove(u"nothing"_s));
+}
+
+TEST_F(RunningTicker, TellsSeveralChangesOfATurnOnce) {
+  ticker.show(text(u"one"_s, ZQEndlessLoopCount));
+  ticker.show(text(u"two"_s, ZQEndlessLoopCount));
+  EXPECT_EQ(changeCount, 0);
+  EXPECT_TRUE(waitUntil([&] { return changeCount > 0; }));
+  EXPECT_EQ(changeCount, 1);
+}
+
+TEST_F(RunningTicker, AddsTheSourcesOfAFurtherCommandLine) {
+  ticker.run({u"--text"_s, u"one"_s, u"--text"_s, u"two"_s}, u"/"_s);
+  EXPECT_EQ(waiting(), 2u);
+}
+
+TEST_F(RunningTicker, FindsFilesOfAFurtherCommandLineInItsFolder) {
+  QTemporaryDir folder;
+  QFile file(folder.filePath(u"lines.txt"_s));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("last\n");
+  file.close();
+  ticker.run({u"--tail"_s, u"lines.txt"_s}, folder.path());
+  EXPECT_EQ(ticker.display().waitingLineCount(), 1u);
+}
+
+TEST_F(RunningTicker, AddsNothingOfACommandLineThatCannotBeDone) {
+  EXPECT_THROW(ticker.run({u"--text"_s, u"one"_s, u"--image"_s, u"missing.png"_s}, u"/"_s),
+               RunTimeError);
+  EXPECT_THROW(ticker.run({u"--text"_s, u"one"_s, u"--watch"_s, u"missing.txt"_s}, u"/"_s),
+               RunTimeError);
+  EXPECT_THROW(ticker.run({u"--dance"_s}, u"/"_s), UsageError);
+  EXPECT_EQ(waiting(), 0u);
+}
+
+TEST_F(RunningTicker, ReadsTheLinesOfSeveralCommandLines) {
+  int ends[2][2];
+  for (auto& pipe : ends) {
+    ASSERT_EQ(::pipe(pipe), 0);
+    const QDBusUnixFileDescriptor input(pipe[0]);
+    ::close(pipe[0]);
+    ticker.run({u"--stdin"_s, u"--loop"_s, u"forever"_s}, u"/"_s, input);
+  }
+  for (const auto& pipe : ends)
+    ASSERT_EQ(::write(pipe[1], "line\n", 5), 5);
+  EXPECT_TRUE(waitUntil([&] { return ticker.display().waitingLineCount() == 2; }));
+  for (const auto& pipe : ends)
+    ::close(pipe[1]);
+}
+
+TEST_F(RunningTicker, HasOneClock) {
+  ticker.run({u"--clock"_s, u"%H"_s}, u"/"_s);
+  ticker.run({u"--clock"_s, u"%H:%M"_s}, u"/"_s);
+  EXPECT_EQ(waiting(), 1u);
+}
+
+TEST_F(RunningTicker, StylesTextsOfAFurtherCommandLineByItsOwnOptions) {
+  EXPECT_EQ(ticker.lookFor({}).font, ticker.display().defaultFont());
+  StripOptions sources;
+  sources.font = FontRequest{u"DejaVu Sans 30"_s};
+  sources.color = Qt::red;
+  EXPECT_EQ(ticker.lookFor(sources).font->pointSize(), 30);
+  EXPECT_EQ(ticker.lookFor(sources).size, ticker.display().size());
+}
