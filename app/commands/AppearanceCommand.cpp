@@ -95,8 +95,6 @@ std::optional<QString> nameOfFine(const QString& output) {
   return name.insert(output.size() - ending.size(), u"@2x"_s);
 }
 
-} // namespace
-
 int showAppearanceCommand(const QStringList& arguments) {
   const Options options = readOptions(appearanceShowTable(), arguments);
   writeStandardOutput(madeOfAppearance(
@@ -144,6 +142,17 @@ int previewAppearanceCommand(const QStringList& arguments) {
       });
   writeOutputFiles(u"--output"_s, files);
   return Success;
+}
+} // namespace
+
+const std::vector<Command>& appearanceCommands() {
+  static const std::vector<Command> commands{
+      {&appearanceShowTable(), CommandGroup::Signs, Application::Core, showAppearanceCommand},
+      {&appearanceMakeTable(), CommandGroup::Signs, Application::Core, makeAppearanceCommand},
+      // Menus exist in an application with widgets only.
+      {&appearancePreviewTable(), CommandGroup::Signs, Application::OffscreenWidgets,
+       previewAppearanceCommand}};
+  return commands;
 }
 
 } // namespace zq::app

@@ -1,6 +1,7 @@
 #include "app/commands/ArchiveCommand.h"
 
 #include "app/commands/ArchiveTree.h"
+#include "app/commands/failures.h"
 #include "zqticker/platform/objects/Exception.h"
 
 #include <QtCore/QFile>
@@ -15,49 +16,42 @@ namespace zq::app {
 
 namespace {
 
-constexpr int Success = 0;
-constexpr int RunTimeFailure = 1;
-constexpr int UsageFailure = 2;
-
 // The largest file that is read, in bytes.
 constexpr qint64 MaximumFileSize = qint64(1) << 30;
 
-const char HelpText[] =
-    "Usage: zqticker archive [--json] FILE...\n"
-    "\n"
-    "Prints keyed archives, binary or XML, as indented trees. A single - stands for standard\n"
-    "input.\n"
-    "\n"
-    "  --json      print JSON instead of a tree\n"
-    "  -h, --help  print this text\n"
-    "\n"
-    "Keys stand in the order of the file. Each object shows its class, its place in the archive\n"
-    "as #N, and its values; where it comes up again, in a cycle too, only -> #N stands. Colours,\n"
-    "fonts, shadows, attributed strings, dates, URLs and the like show what they mean.\n"
-    "\n"
-    "In JSON an object is {\"$class\": name, \"$classes\": [...], \"$id\": N, key: value, ...} "
-    "and\n"
-    "{\"$ref\": N} where it comes up again. \"$value\" is what the object means, \"$elements\" "
-    "are\n"
-    "the elements of a list or a set, \"$entries\" those of a dictionary: an object where all "
-    "keys\n"
-    "are texts, else a list of {\"key\", \"value\"}. Data is {\"$hex\": digits}, with \"$text\" "
-    "where\n"
-    "it is ASCII text; a date without a record is {\"$secondsSince2001\": number}; nothing is "
-    "null.\n"
-    "Integers are exact, reals have a point or an exponent, and what is no number is \"nan\",\n"
-    "\"inf\" or \"-inf\". Lone surrogates are escaped. Objects more than 100 deep stand in "
-    "\"$deeper\"\n"
-    "at the end. A key of an object that begins with one of these words keeps a second $. Several\n"
-    "files make a list of {\"$file\": name, \"$archive\": ...}.\n"
-    "\n"
-    "Exit status: 0, 1 where a file could not be printed, 2 for a wrong command line.\n"
-    "\n"
-    "Examples:\n"
-    "  zqticker archive noon.sign\n"
-    "      The sign as a tree.\n"
-    "  zqticker archive --json noon.sign | python3 -m json.tool\n"
-    "      The same for another program.\n";
+OptionTable makeArchiveTable() {
+  OptionTable table;
+  table.command = u"archive"_s;
+  table.brief = u"print a keyed archive"_s;
+  table.summary = u"Prints keyed archives, binary or XML, as indented trees. A single - stands for "
+                  u"standard input."_s;
+  table.operands = {u"FILE"_s};
+  table.repeatsLastOperand = true;
+  table.options = {{u"json"_s, {}, u"Print JSON instead of a tree."_s, true},
+                   {u"help"_s, {}, u"Print this text."_s}};
+  table.notes = {
+      u"Keys stand in the order of the file. Each object shows its class, its place in the archive "
+      u"as #N, and its values; where it comes up again, in a cycle too, only -> #N stands. "
+      u"Colours, "
+      u"fonts, shadows, attributed strings, dates, URLs and the like show what they mean."_s,
+      u"In JSON an object is {\"$class\": name, \"$classes\": [...], \"$id\": N, key: value, ...} "
+      u"and {\"$ref\": N} where it comes up again. \"$value\" is what the object means, "
+      u"\"$elements\" are the elements of a list or a set, \"$entries\" those of a dictionary: an "
+      u"object where all keys are texts, else a list of {\"key\", \"value\"}. Data is {\"$hex\": "
+      u"digits}, with \"$text\" where it is ASCII text; a date without a record is "
+      u"{\"$secondsSince2001\": number}; nothing is null. Integers are exact, reals have a point "
+      u"or "
+      u"an exponent, and what is no number is \"nan\", \"inf\" or \"-inf\". Lone surrogates are "
+      u"escaped. Objects more than 100 deep stand in \"$deeper\" at the end. A key of an object "
+      u"that "
+      u"begins with one of these words keeps a second $. Several files make a list of {\"$file\": "
+      u"name, \"$archive\": ...}."_s};
+  table.exitStatus = u"0, 1 where a file could not be printed, 2 for a wrong command line."_s;
+  table.examples = {u"zqticker archive noon.sign"_s, u"The sign as a tree."_s,
+                    u"zqticker archive --json noon.sign | python3 -m json.tool"_s,
+                    u"The same for another program."_s};
+  return table;
+}
 
 // A message on one line, whatever it quotes.
 QByteArray errorLine(const QString& message) {
@@ -95,28 +89,17 @@ QByteArray contentsOfFile(const QString& name) {
 
 struct Arguments {
   bool json = false;
-  bool help = false;
   QStringList files;
 };
 
-// Raises FileError for a wrong command line.
-Arguments parse(const QStringList& arguments) {
+Arguments readArguments(const QStringList& arguments) {
   Arguments result;
-  bool hasEnded = false;
-  for (const QString& argument : arguments) {
-    if (hasEnded || argument == "-"_L1 || !argument.startsWith(u'-'))
-      result.files.append(argument);
-    else if (argument == "--"_L1)
-      hasEnded = true;
-    else if (argument == "--json"_L1)
+  for (const ParsedOption& option : parseOptions(archiveTable(), arguments)) {
+    if (option.isOperand())
+      result.files.append(option.values.first());
+    else if (option.name == "json"_L1)
       result.json = true;
-    else if (argument == "--help"_L1 || argument == "-h"_L1)
-      result.help = true;
-    else
-      throw FileError(u"%1: unknown option (see zqticker archive --help)"_s.arg(argument));
   }
-  if (!result.help && result.files.isEmpty())
-    throw FileError(u"no file is named (see zqticker archive --help)"_s);
   return result;
 }
 
@@ -145,20 +128,14 @@ QString json(const std::vector<std::pair<QString, OutputValue>>& archives, bool 
 
 } // namespace
 
+const OptionTable& archiveTable() {
+  static const OptionTable table = makeArchiveTable();
+  return table;
+}
+
 int archiveCommand(const QStringList& arguments, QIODevice& input, QIODevice& output,
                    QIODevice& errors) {
-  Arguments options;
-  try {
-    options = parse(arguments);
-  } catch (const FileError& error) {
-    errors.write(errorLine(error.reason()));
-    return UsageFailure;
-  }
-  if (options.help) {
-    output.write(HelpText);
-    return Success;
-  }
-
+  const Arguments options = readArguments(arguments);
   int status = Success;
   std::vector<std::pair<QString, OutputValue>> archives;
   for (const QString& name : options.files) {
@@ -182,7 +159,8 @@ int archiveCommand(const QStringList& arguments, QIODevice& input, QIODevice& ou
   return status;
 }
 
-int archiveCommand(const QStringList& arguments) {
+namespace {
+int runArchiveCommand(const QStringList& arguments) {
   QFile input;
   QFile output;
   QFile errors;
@@ -195,6 +173,13 @@ int archiveCommand(const QStringList& arguments) {
     return RunTimeFailure;
   }
   return status;
+}
+} // namespace
+
+const std::vector<Command>& archiveCommands() {
+  static const std::vector<Command> commands{
+      {&archiveTable(), CommandGroup::Signs, Application::OffscreenGui, runArchiveCommand}};
+  return commands;
 }
 
 } // namespace zq::app

@@ -1,17 +1,18 @@
 // zqticker archive: prints keyed archives.
 #pragma once
 
-#include <QtCore/QStringList>
+#include "app/commands/Command.h"
 
 class QIODevice;
 
 namespace zq::app {
 
-// Runs the command with its arguments, the command's own name left out. Returns the exit status: 0,
-// 1 where a file could not be printed, 2 where the command line is wrong.
-int archiveCommand(const QStringList& arguments);
+const OptionTable& archiveTable();
 
-// The same with other files than standard input, output and error.
+const std::vector<Command>& archiveCommands();
+
+// Runs the command with other files than standard input, output and error. Returns the exit status:
+// 0, or 1 where a file could not be printed. UsageError for a wrong command line.
 int archiveCommand(const QStringList& arguments, QIODevice& input, QIODevice& output,
                    QIODevice& errors);
 

@@ -1,7 +1,6 @@
 #include "app/commands/FeedCommand.h"
 
 #include "app/commands/OutputValue.h"
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "app/commands/url_loading.h"
@@ -20,6 +19,36 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
+OptionTable makeFeedCheckTable() {
+  OptionTable table;
+  table.command = u"feed check"_s;
+  table.brief = u"read a feed and tell what is in it"_s;
+  table.summary = u"Reads a feed and prints what the ticker would show of it, and what is odd "
+                  u"about it."_s;
+  table.operands = {u"URL"_s};
+  table.options = {
+      {u"json"_s, {}, u"Print it as JSON, also what was read of a broken feed."_s},
+      {u"timeout"_s,
+       {u"SECONDS"_s},
+       u"Give up when nothing has come for so long; 60 by default."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"URL is an address or the name of a file. Feeds are RSS 0.9x, 1.0 and 2.0, Atom, and JSON "
+      u"Feed 1.0 and 1.1, of at most 16 MiB and 200 levels; the first 1,000 items are read."_s,
+      u"Exit status: 0, 1 where the feed could not be loaded or read to its end, 2 for a wrong "
+      u"command line."_s};
+  table.examples = {u"zqticker feed check https://www.debian.org/News/news"_s,
+                    u"The items that the ticker would show."_s,
+                    u"zqticker feed check --json feed.xml"_s, u"A file, for a script."_s};
+  return table;
+}
+
+const OptionTable& feedCheckTable() {
+  static const OptionTable table = makeFeedCheckTable();
+  return table;
+}
+
 constexpr int LeastFailedStatus = 300; // of HTTP
 
 struct CheckOptions {
@@ -176,7 +205,6 @@ QString reportOf(const FeedParser& parser) {
     add(u"Warning"_s, warning);
   return report;
 }
-} // namespace
 
 int feedCheckCommand(const QStringList& arguments) {
   const CheckOptions options = readOptions(arguments);
@@ -193,6 +221,13 @@ int feedCheckCommand(const QStringList& arguments) {
         quotedForMessage(readsFile ? options.source : checked.url.toDisplayString()) + u": "_s +
         checked.error);
   return Success;
+}
+} // namespace
+
+const std::vector<Command>& feedCommands() {
+  static const std::vector<Command> commands{
+      {&feedCheckTable(), CommandGroup::Sources, Application::Core, feedCheckCommand}};
+  return commands;
 }
 
 } // namespace zq::app

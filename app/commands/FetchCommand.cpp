@@ -2,7 +2,6 @@
 
 #include "app/commands/OutputValue.h"
 #include "app/commands/TransferProgress.h"
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "app/commands/size_text.h"
@@ -18,6 +17,51 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
+OptionTable makeFetchTable() {
+  OptionTable table;
+  table.command = u"fetch"_s;
+  table.brief = u"load the contents of an address"_s;
+  table.summary =
+      u"Loads the contents of an address and writes them to standard output or a file."_s;
+  table.operands = {u"URL"_s};
+  table.options = {
+      {u"json"_s,
+       {},
+       u"Print what came of it as JSON instead of the contents: outcome, number of bytes, the same "
+       u"as a size for people (\"1.5 KB\"), response and error."_s},
+      {u"policy"_s,
+       {u"POLICY"_s},
+       u"protocol (the default; the cache as HTTP has it), ignore-cache, cache-else-load (whatever "
+       u"its age) or cache-only."_s},
+      {u"timeout"_s,
+       {u"SECONDS"_s},
+       u"Give up when nothing has come for so long; 60 by default."_s},
+      {u"output"_s, {u"FILE"_s}, u"The file to write."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"Addresses begin with http://, https://, file:// or data:. Redirects are followed, up to "
+      u"20; "
+      u"compressed contents are written decoded. The page that comes with an HTTP error status is "
+      u"contents like any other; --json tells the status. At most 2 GiB are loaded."_s,
+      u"Proxies are those of the environment (http_proxy, https_proxy, all_proxy, no_proxy). Where "
+      u"SSL_CERT_FILE names a file, its certificates are trusted instead of the system's. A "
+      u"progress bar runs on standard error where that is a terminal. The file is complete or not "
+      u"there."_s,
+      u"Exit status: 0, 1 where the contents could not be loaded or written, 2 for a wrong command "
+      u"line."_s};
+  table.examples = {u"zqticker fetch https://www.debian.org/News/news --output news.rdf"_s,
+                    u"A feed into a file."_s,
+                    u"zqticker fetch --json --timeout 5 https://www.debian.org/"_s,
+                    u"Whether a server answers, and with what."_s};
+  return table;
+}
+
+const OptionTable& fetchTable() {
+  static const OptionTable table = makeFetchTable();
+  return table;
+}
+
 struct FetchOptions {
   QUrl url;
   bool json = false;
@@ -96,7 +140,6 @@ QByteArray jsonOf(const LoadedURL& loaded) {
   value.insert(u"error"_s, valueOf(loaded.error));
   return value.json().toUtf8() + '\n';
 }
-} // namespace
 
 int fetchCommand(const QStringList& arguments) {
   const FetchOptions options = readOptions(arguments);
@@ -121,6 +164,13 @@ int fetchCommand(const QStringList& arguments) {
   if (loaded->error)
     throw RunTimeError(address + u": "_s + loaded->error->localizedDescription());
   return Success;
+}
+} // namespace
+
+const std::vector<Command>& fetchCommands() {
+  static const std::vector<Command> commands{
+      {&fetchTable(), CommandGroup::Sources, Application::Core, fetchCommand}};
+  return commands;
 }
 
 } // namespace zq::app

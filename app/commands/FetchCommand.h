@@ -1,12 +1,11 @@
 // The command `fetch`: the contents of an address.
 #pragma once
 
-#include <QtCore/QStringList>
+#include "app/commands/Command.h"
 
 namespace zq::app {
 
-// Loads the address named in `arguments` and writes its body, or what came of it as JSON, and
-// returns the exit status. UsageError and RunTimeError as every command. Needs a QCoreApplication.
-int fetchCommand(const QStringList& arguments);
+// It writes the body, or what came of the load as JSON.
+const std::vector<Command>& fetchCommands();
 
 } // namespace zq::app

@@ -41,6 +41,23 @@ QString wrapped(const QString& text, qsizetype indent) {
   return result;
 }
 
+// A name and what is said of it, in two columns.
+QString lineOf(const QString& name, const QString& text) {
+  const QString start = u"  "_s + name;
+  const qsizetype gap = HelpColumn - start.size();
+  return start + (gap < 2 ? QString(u'\n' + QString(HelpColumn, u' ')) : QString(gap, u' ')) +
+         wrapped(text, HelpColumn) + u'\n';
+}
+
+QString listOf(const QString& title, const std::vector<NamedText>& entries) {
+  if (entries.empty())
+    return {};
+  QString text = u'\n' + title + u'\n';
+  for (const NamedText& entry : entries)
+    text += lineOf(entry.name, entry.text);
+  return text;
+}
+
 const OptionSpec& findSpec(const OptionTable& table, const QString& name, const QString& argument) {
   const auto found = std::find_if(table.options.begin(), table.options.end(),
                                   [&](const OptionSpec& spec) { return spec.name == name; });
@@ -50,6 +67,26 @@ const OptionSpec& findSpec(const OptionTable& table, const QString& name, const 
   return *found;
 }
 } // namespace
+
+QStringList OptionSpec::allowedWords() const {
+  QStringList list;
+  for (const AllowedWord& each : words)
+    list.append(each.word);
+  return list;
+}
+
+QString OptionSpec::fullHelp() const {
+  if (words.empty())
+    return help;
+  QStringList choices;
+  for (const AllowedWord& each : words)
+    choices.append(each.meaning.isEmpty() ? each.word
+                                          : QString(each.word + u" ("_s + each.meaning + u')'));
+  const QString last = choices.takeLast();
+  const QString start = help.endsWith(u'.') ? help.chopped(1) : help;
+  return start + u": "_s + choices.join(u", ") + (choices.isEmpty() ? u""_s : u" or "_s) + last +
+         u'.';
+}
 
 QString ParsedOption::text() const {
   if (isOperand())
@@ -82,7 +119,7 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
     const qsizetype equals = argument.indexOf(u'=');
     const QString name = argument.sliced(2, (equals < 0 ? argument.size() : equals) - 2);
     const OptionSpec& spec = findSpec(table, name, argument);
-    ParsedOption option{name, {}};
+    ParsedOption option{name, {}, &spec};
     if (equals >= 0) {
       if (spec.values.isEmpty())
         throw UsageError(u"--%1: takes no value"_s.arg(name));
@@ -100,7 +137,8 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
     seen.insert(name);
     parsed.push_back(option);
   }
-  if (operandCount < table.operands.size() && !seen.contains(u"help"_s))
+  if (operandCount < table.operands.size() && !table.operandsAreOptional &&
+      !seen.contains(u"help"_s))
     throw UsageError(
         u"%1: missing (see zqticker %2 --help)"_s.arg(table.operands[operandCount], table.command));
   return parsed;
@@ -109,19 +147,18 @@ std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringLi
 QString helpText(const OptionTable& table) {
   QString usage = table.command + u" [OPTION]..."_s;
   for (const QString& operand : table.operands)
-    usage += u' ' + operand;
+    usage +=
+        table.operandsAreOptional ? QString(u" ["_s + operand + u']') : QString(u' ' + operand);
   if (table.repeatsLastOperand)
     usage += u"..."_s;
   QString text = u"Usage: zqticker %1\n%2\n\nOptions:\n"_s.arg(usage, wrapped(table.summary, 0));
-  for (const OptionSpec& spec : table.options) {
-    const QString option = u"  "_s + usageOf(spec);
-    text += option;
-    text += option.size() + 2 > HelpColumn ? u'\n' + QString(HelpColumn, u' ')
-                                           : QString(HelpColumn - option.size(), u' ');
-    text += wrapped(spec.help, HelpColumn) + u'\n';
-  }
+  for (const OptionSpec& spec : table.options)
+    text += lineOf(usageOf(spec), spec.fullHelp());
   for (const QString& note : table.notes)
     text += u'\n' + wrapped(note, 0) + u'\n';
+  text += listOf(u"Environment:"_s, table.environment) + listOf(u"Files:"_s, table.files);
+  if (!table.exitStatus.isEmpty())
+    text += u'\n' + wrapped(u"Exit status: "_s + table.exitStatus, 0) + u'\n';
   if (!table.examples.isEmpty())
     text += u"\nExamples:\n"_s;
   for (qsizetype i = 0; i + 1 < table.examples.size(); i += 2)
@@ -153,6 +190,10 @@ QString wordOf(const ParsedOption& option, const QStringList& allowed) {
   if (!allowed.contains(option.values.first()))
     throw UsageError(option.text() + u": must be "_s + allowed.join(u" or "));
   return option.values.first();
+}
+
+QString wordOf(const ParsedOption& option) {
+  return wordOf(option, option.spec->allowedWords());
 }
 
 QColor colorOf(const ParsedOption& option) {

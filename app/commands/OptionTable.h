@@ -10,29 +10,56 @@ class QColor;
 
 namespace zq::app {
 
-// One option. Its name stands without the leading dashes; `values` names its values.
+// A word that an option's value may be, with what is said of it: {"top", ""}, {"bottom", "the
+// default"}.
+struct AllowedWord {
+  QString word;
+  QString meaning;
+};
+
+// One option. Its name stands without the leading dashes; `values` names its values. The names say
+// what shells complete there: file names for FILE, PATH and PNG, folders for FOLDER.
 struct OptionSpec {
   QString name;
   QStringList values;
   QString help;
   bool repeatable = false;
   bool isValueOptional = false; // its only one
+  // All that its only value may be, where that is a choice. The help text ends in them: `help` is
+  // what stands before ("Where the strip stands.").
+  std::vector<AllowedWord> words{};
+
+  QStringList allowedWords() const;
+  // `help` with the allowed words: "Where the strip stands: top or bottom (the default)."
+  QString fullHelp() const;
+};
+
+// A name with what is said of it.
+struct NamedText {
+  QString name;
+  QString text;
 };
 
 struct OptionTable {
   QString command;
   QString summary;
   std::vector<OptionSpec> options;
-  QStringList notes;               // paragraphs after the options
-  QStringList examples;            // command lines, each followed by its explanation
-  QStringList operands{};          // what stands beside the options, by name; all are needed
-  bool repeatsLastOperand = false; // it takes one or more
+  QStringList notes;                // paragraphs after the options
+  QStringList examples;             // command lines, each followed by its explanation
+  QStringList operands{};           // what stands beside the options, by name; all are needed
+  bool repeatsLastOperand = false;  // it takes one or more
+  bool operandsAreOptional = false; // all may be left out
+  QString brief{};                  // a few words for lists of commands: "write a sign's archive"
+  QString exitStatus{};             // "0, 1 where …, 2 for a wrong command line."
+  std::vector<NamedText> environment{}; // variables
+  std::vector<NamedText> files{};
 };
 
 // An option with its values, or an operand: no name, one value.
 struct ParsedOption {
   QString name;
   QStringList values;
+  const OptionSpec* spec = nullptr; // in the table that it was read by; null for an operand
 
   bool isOperand() const { return name.isEmpty(); }
 
@@ -55,6 +82,7 @@ QString helpText(const OptionTable& table);
 double numberOf(const ParsedOption& option, double least, double most);
 qint64 integerOf(const ParsedOption& option, qint64 least, qint64 most);
 QString wordOf(const ParsedOption& option, const QStringList& allowed);
+QString wordOf(const ParsedOption& option); // one of the words that its table allows
 QColor colorOf(const ParsedOption& option);
 
 } // namespace zq::app

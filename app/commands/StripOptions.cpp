@@ -1,7 +1,7 @@
 #include "app/commands/StripOptions.h"
 
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
+#include "app/commands/strip_commands.h"
 #include "app/intake/LineSplitter.h"
 #include "app/services/ClockText.h"
 #include "zqticker/signs/ZQTickerSign.h"

@@ -1,9 +1,9 @@
 #include "app/commands/WatchCommand.h"
 
 #include "app/commands/LineOutput.h"
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/interrupts.h"
+#include "app/commands/output_files.h"
 #include "app/commands/watch_lines.h"
 #include "app/services/FolderWatch.h"
 #include "app/services/PathWatch.h"
@@ -24,6 +24,63 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
+OptionTable makeWatchTable() {
+  OptionTable table;
+  table.command = u"watch"_s;
+  table.brief = u"print what happens to files, as it happens"_s;
+  table.summary = u"Prints a line for each thing that happens to files and folders, until it is "
+                  u"interrupted."_s;
+  table.operands = {u"PATH"_s};
+  table.repeatsLastOperand = true;
+  table.options = {
+      {u"json"_s, {}, u"Print JSON, one object on a line."_s},
+      {u"all-flags"_s, {}, u"Watch for everything."_s},
+      {u"mask"_s,
+       {u"HEX"_s},
+       u"Watch for the sum of: 1 deleted, 2 written, 4 grown, 8 attributes, 10 links, 20 renamed, "
+       u"40 revoked. By default 2b: deleted, written, attributes and renamed."_s},
+      {u"folders"_s,
+       {},
+       u"Watch folders with their files: any change inside one, of a file's contents too, is one "
+       u"\"written\" of the folder for each burst of changes."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
+  table.notes = {
+      u"A line is a word, a tab and the path as it was given. Words: written (contents; of a "
+      u"folder: an entry came, went or was renamed), deleted, renamed (it has left the path), "
+      u"attributes (mode, owner or times), grown, links (the number of names; of a folder: of its "
+      u"subfolders) and revoked (its file system was unmounted). Several things that happen before "
+      u"they can be told may be one line. A backslash, control characters and line separators in a "
+      u"path are written as in JSON: \\\\, \\n, \\t, \\u001b."_s,
+      u"With --json the first line is {\"ready\": true}, when everything is watched. Lines "
+      u"like "
+      u"{\"time\": NANOSECONDS, \"notification\": NAME, \"path\": PATH} follow. The time, since "
+      u"1970 in UTC, is that at which the report arrived. Names are "
+      u"VXKQueueFileRenamedNotification, VXKQueueFileWrittenToNotification, "
+      u"VXKQueueFileDeletedNotification, VXKQueueFileAttributesChangedNotification, "
+      u"VXKQueueFileSizeIncreasedNotification, VXKQueueFileLinkCountChangedNotification and "
+      u"VXKQueueFileAccessRevocationNotification."_s,
+      u"A path is followed. When the file is replaced, as editors do to save, or is deleted or "
+      u"renamed and there is one again later, that one is watched; its coming is told as written. "
+      u"Symbolic links are followed. A path at which there is nothing to watch at the start is an "
+      u"error, and nothing is watched then. With --folders a folder that is renamed is watched until there is another at its path."_s,
+      u"The command ends on Ctrl+C and as soon as nobody reads its output any more. Exit status: 0 "
+      u"then, 1 where a path cannot be watched or a line cannot be written, 2 for a wrong command "
+      u"line."_s};
+  table.examples = {u"zqticker watch notes.txt /etc/hosts"_s,
+                    u"What happens to two files."_s,
+                    u"zqticker watch --folders --json Downloads"_s,
+                    u"Whatever changes in a folder, for a script."_s,
+                    u"zqticker watch --mask 2 page.html | while read -r line; do make; done"_s,
+                    u"Makes anew what depends on a file, each time that it has been saved."_s};
+  return table;
+}
+
+const OptionTable& watchTable() {
+  static const OptionTable table = makeWatchTable();
+  return table;
+}
+
 constexpr std::uint32_t EveryEvent = 0x7F;
 
 struct WatchOptions {
@@ -134,7 +191,6 @@ bool anyFails(const QStringList& paths, const ErrorOf& errorOf) {
   }
   return fails;
 }
-} // namespace
 
 int watchCommand(const QStringList& arguments) {
   const WatchOptions options = readOptions(arguments);
@@ -161,6 +217,18 @@ int watchCommand(const QStringList& arguments) {
   if (!output.failure().isEmpty())
     throw RunTimeError(u"standard output: "_s + output.failure());
   return Success;
+}
+} // namespace
+
+const std::vector<Command>& watchCommands() {
+  static const std::vector<Command> commands{
+      {&watchTable(), CommandGroup::Sources, Application::Core, watchCommand,
+       // Before the application opens descriptors of its own, one of which might take its place.
+       [](const QStringList&) -> std::optional<int> {
+         requireStandardOutput();
+         return std::nullopt;
+       }}};
+  return commands;
 }
 
 } // namespace zq::app

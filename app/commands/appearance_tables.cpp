@@ -8,6 +8,7 @@ namespace {
 OptionTable makeAppearanceShowTable() {
   OptionTable table;
   table.command = u"appearance show"_s;
+  table.brief = u"print the look of buttons as JSON"_s;
   table.summary = u"Prints the look of buttons that a file holds as JSON, which `appearance make` "
                   u"takes."_s;
   table.operands = {u"FILE"_s};
@@ -23,6 +24,7 @@ OptionTable makeAppearanceShowTable() {
 OptionTable makeAppearanceMakeTable() {
   OptionTable table;
   table.command = u"appearance make"_s;
+  table.brief = u"make the look of buttons from JSON"_s;
   table.summary = u"Writes the look of buttons that a JSON file describes."_s;
   table.operands = {u"FILE"_s};
   table.options = {{u"output"_s, {u"FILE"_s}, u"The file to write, such as dark.button."_s},
@@ -52,6 +54,7 @@ OptionTable makeAppearanceMakeTable() {
 OptionTable makeAppearancePreviewTable() {
   OptionTable table;
   table.command = u"appearance preview"_s;
+  table.brief = u"draw all looks of the buttons"_s;
   table.summary = u"Writes pictures of all looks of the buttons that a file describes, for people "
                   u"to look at."_s;
   table.operands = {u"FILE"_s};

@@ -1,16 +1,8 @@
 #include "app/commands/program.h"
 
-#include "app/commands/AppearanceCommand.h"
-#include "app/commands/ArchiveCommand.h"
-#include "app/commands/FeedCommand.h"
-#include "app/commands/FetchCommand.h"
-#include "app/commands/RenderCommand.h"
+#include "app/commands/Command.h"
+#include "app/commands/HelpCommand.h"
 #include "app/commands/RunCommand.h"
-#include "app/commands/SignCommand.h"
-#include "app/commands/StripOptions.h"
-#include "app/commands/WatchCommand.h"
-#include "app/commands/appearance_tables.h"
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "zqticker/platform/objects/Exception.h"
@@ -18,9 +10,8 @@
 
 #include <QtWidgets/QApplication>
 
-#include <cstdio>
-#include <cstdlib>
 #include <exception>
+#include <memory>
 #include <new>
 
 #include <unistd.h>
@@ -54,11 +45,6 @@ void handleMessage(QtMsgType type, const QMessageLogContext& context, const QStr
     printError(message);
 }
 
-void print(const QString& text) {
-  const QByteArray bytes = text.toUtf8();
-  std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stdout);
-}
-
 bool asksForHelp(const OptionTable& table, const QStringList& arguments) {
   if (arguments == QStringList{u"-h"_s})
     return true;
@@ -68,7 +54,7 @@ bool asksForHelp(const OptionTable& table, const QStringList& arguments) {
   return false;
 }
 
-// A command that draws, but not on a display. Menus exist in an application with widgets only.
+// For a command that draws, but not on a display.
 template <class Application = QGuiApplication>
 class OffscreenApplication {
  public:
@@ -85,13 +71,11 @@ class OffscreenApplication {
   std::unique_ptr<Application> application_;
 };
 
-int runOnDisplay(const QStringList& arguments, char** argv) {
-  // Before the display is looked for: a wrong command line is wrong everywhere.
-  readRunOptions(arguments);
+int runOnDisplay(const Command& command, const QStringList& arguments, char** argv) {
   if (!hasDisplay()) {
     const QByteArray lost = qgetenv(LostDisplayVariable);
     const OffscreenApplication<> application(argv);
-    return runWithoutDisplay(
+    return command.runWithoutDisplay(
         arguments, lost.isEmpty() ? u"no display"_s
                                   : u"display %1 does not answer"_s.arg(QString::fromUtf8(lost)));
   }
@@ -100,135 +84,57 @@ int runOnDisplay(const QStringList& arguments, char** argv) {
   QApplication application(argc, argv);
   argumentsWhileConnecting = nullptr;
   QApplication::setQuitOnLastWindowClosed(false);
-  return runCommand(arguments);
+  return command.run(arguments);
 }
 
-int runHelp(const QStringList& arguments) {
-  if (arguments.isEmpty()) {
-    print(programHelp());
-    return Success;
+int run(const Command& command, const QStringList& arguments, char** argv) {
+  if (command.prepare)
+    if (const std::optional<int> status = command.prepare(arguments))
+      return *status;
+  switch (command.application) {
+  case Application::None:
+    break;
+  case Application::Core: {
+    int argc = 1;
+    const QCoreApplication application(argc, argv);
+    return command.run(arguments);
   }
-  for (const OptionTable* table :
-       {&runTable(), &renderTable(), &signTable(), &fetchTable(), &watchTable()})
-    if (arguments == QStringList{table->command}) {
-      print(helpText(*table));
-      return Success;
-    }
-  if (arguments == QStringList{u"feed"_s} || arguments == QStringList{u"feed"_s, u"check"_s}) {
-    print(helpText(feedCheckTable()));
-    return Success;
+  case Application::OffscreenGui: {
+    const OffscreenApplication<> application(argv);
+    return command.run(arguments);
   }
-  const std::vector<const OptionTable*> appearances{&appearanceShowTable(), &appearanceMakeTable(),
-                                                    &appearancePreviewTable()};
-  if (arguments == QStringList{u"appearance"_s}) {
-    QStringList texts;
-    for (const OptionTable* table : appearances)
-      texts.append(helpText(*table));
-    print(texts.join(u'\n'));
-    return Success;
-  }
-  for (const OptionTable* table : appearances)
-    if (arguments == table->command.split(u' ')) {
-      print(helpText(*table));
-      return Success;
-    }
-  if (arguments == QStringList{u"archive"_s})
-    return archiveCommand({u"--help"_s});
-  throw UsageError(quotedForMessage(arguments.join(u' ')) + u": unknown command (see zqticker "
-                                                            u"--help)"_s);
-}
-
-int runFeed(const QStringList& arguments, char** argv) {
-  const QStringList help{u"--help"_s, u"-h"_s};
-  if (arguments.size() == 1 && help.contains(arguments.first()))
-    return runHelp({u"feed"_s});
-  if (arguments.isEmpty() || arguments.first() != "check"_L1)
-    throw UsageError(u"feed: needs \"check\" (see zqticker feed --help)"_s);
-  if (asksForHelp(feedCheckTable(), arguments.sliced(1)))
-    return runHelp({u"feed"_s});
-  int argc = 1;
-  const QCoreApplication application(argc, argv);
-  return feedCheckCommand(arguments.sliced(1));
-}
-
-int runAppearance(const QStringList& arguments, char** argv) {
-  if (arguments == QStringList{u"--help"_s} || arguments == QStringList{u"-h"_s})
-    return runHelp({u"appearance"_s});
-  const QString command = arguments.value(0);
-  const OptionTable* table = command == "show"_L1      ? &appearanceShowTable()
-                             : command == "make"_L1    ? &appearanceMakeTable()
-                             : command == "preview"_L1 ? &appearancePreviewTable()
-                                                       : nullptr;
-  if (!table)
-    throw UsageError(u"appearance: needs \"show\", \"make\" or \"preview\" (see zqticker "
-                     u"appearance --help)"_s);
-  const QStringList rest = arguments.sliced(1);
-  if (asksForHelp(*table, rest))
-    return runHelp({u"appearance"_s, command});
-  if (command == "preview"_L1) {
+  case Application::OffscreenWidgets: {
     const OffscreenApplication<QApplication> application(argv);
-    return previewAppearanceCommand(rest);
+    return command.run(arguments);
   }
-  int argc = 1;
-  const QCoreApplication application(argc, argv);
-  return command == "show"_L1 ? showAppearanceCommand(rest) : makeAppearanceCommand(rest);
-}
-
-int runNamed(const QString& command, const QStringList& arguments, char** argv) {
-  if (command == "render"_L1 || command == "sign"_L1) {
-    const bool renders = command == "render"_L1;
-    const OptionTable& table = renders ? renderTable() : signTable();
-    if (asksForHelp(table, arguments))
-      return runHelp({command});
-    const OffscreenApplication<> application(argv);
-    return renders ? renderCommand(arguments) : signCommand(arguments);
+  case Application::Display:
+    return runOnDisplay(command, arguments, argv);
   }
-  if (command == "archive"_L1) {
-    const OffscreenApplication<> application(argv);
-    return archiveCommand(arguments);
-  }
-  if (command == "fetch"_L1) {
-    if (asksForHelp(fetchTable(), arguments))
-      return runHelp({command});
-    int argc = 1;
-    const QCoreApplication application(argc, argv);
-    return fetchCommand(arguments);
-  }
-  if (command == "watch"_L1) {
-    if (asksForHelp(watchTable(), arguments))
-      return runHelp({command});
-    // Before the application opens descriptors of its own, one of which might take its place.
-    requireStandardOutput();
-    int argc = 1;
-    const QCoreApplication application(argc, argv);
-    return watchCommand(arguments);
-  }
-  if (command == "feed"_L1)
-    return runFeed(arguments, argv);
-  if (command == "appearance"_L1)
-    return runAppearance(arguments, argv);
-  if (command == "help"_L1)
-    return runHelp(arguments);
-  if (command != "run"_L1)
-    throw UsageError(quotedForMessage(command) + u": unknown command (see zqticker --help)"_s);
-  if (asksForHelp(runTable(), arguments))
-    return runHelp({command});
-  return runOnDisplay(arguments, argv);
+  return command.run(arguments);
 }
 
 int dispatch(const QStringList& arguments, char** argv) {
-  if (arguments.isEmpty())
-    return runNamed(u"run"_s, arguments, argv);
-  const QString& first = arguments.first();
+  const QString first = arguments.value(0);
   if (first == "--version"_L1) {
-    print(QStringLiteral("zqticker " ZQTICKER_VERSION "\n"));
+    writeStandardOutput("zqticker " ZQTICKER_VERSION "\n");
     return Success;
   }
-  if (first == "--help"_L1 || first == "-h"_L1)
-    return runHelp({});
-  if (first.startsWith(u'-'))
-    return runNamed(u"run"_s, arguments, argv);
-  return runNamed(first, arguments.sliced(1), argv);
+  const QStringList help{u"--help"_s, u"-h"_s};
+  if (help.contains(first)) {
+    writeStandardOutput(programHelp().toUtf8());
+    return Success;
+  }
+  // Of commands that only share their first word, as "feed".
+  if (arguments.size() == 2 && help.contains(arguments.last()) && !commandsNamed(first).empty()) {
+    writeStandardOutput(helpOf(first).toUtf8());
+    return Success;
+  }
+  const CommandLine line = findCommand(arguments);
+  if (asksForHelp(*line.command->table, line.arguments)) {
+    writeStandardOutput(helpOf(line.command->name()).toUtf8());
+    return Success;
+  }
+  return run(*line.command, line.arguments, argv);
 }
 } // namespace
 

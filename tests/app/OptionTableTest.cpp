@@ -1,8 +1,9 @@
 #include "app/commands/OptionTable.h"
 
+#include "app/commands/HelpCommand.h"
 #include "app/commands/StripOptions.h"
-#include "app/commands/command_tables.h"
 #include "app/commands/failures.h"
+#include "app/commands/strip_commands.h"
 #include "app/display/TickerDisplay.h"
 #include "app/intake/LineSplitter.h"
 
@@ -151,6 +152,46 @@ TEST(OptionTable, ReadsNumbersOnlyWhole) {
   EXPECT_EQ(integerOf({u"n"_s, {u"9"_s}}, 0, 9), 9);
 }
 
+TEST(OptionTable, StatesAllowedWordsOnce) {
+  const OptionTable options{u"test"_s,
+                            u"Tests."_s,
+                            {{u"edge"_s,
+                              {u"EDGE"_s},
+                              u"Where it stands."_s,
+                              false,
+                              false,
+                              {{u"top"_s, {}}, {u"left"_s, {}}, {u"bottom"_s, u"the default"_s}}}},
+                            {},
+                            {}};
+  EXPECT_TRUE(helpText(options).contains(
+      u"--edge EDGE                 Where it stands: top, left or bottom (the default).\n"_s));
+  EXPECT_EQ(wordOf(parseOptions(options, {u"--edge=left"_s}).front()), u"left"_s);
+  try {
+    wordOf(parseOptions(options, {u"--edge"_s, u"right"_s}).front());
+    ADD_FAILURE();
+  } catch (const UsageError& error) {
+    EXPECT_EQ(error.message(), u"--edge right: must be top or left or bottom"_s);
+  }
+}
+
+TEST(OptionTable, LetsOptionalOperandsBeLeftOut) {
+  OptionTable options = tableWithOperands();
+  options.operandsAreOptional = true;
+  EXPECT_EQ(parsed({}, options), u""_s);
+  EXPECT_EQ(parsed({u"a"_s}, options), u"(a)"_s);
+  EXPECT_TRUE(helpText(options).startsWith("Usage: zqticker test [OPTION]... [FROM] [TO]\n"_L1));
+}
+
+TEST(OptionTable, TellsOfTheEnvironmentFilesAndTheExitStatus) {
+  OptionTable options = table();
+  options.environment = {{u"TZ"_s, u"The time zone."_s}};
+  options.files = {{u"/etc/a"_s, u"A file."_s}};
+  options.exitStatus = u"0."_s;
+  EXPECT_TRUE(helpText(options).contains(
+      u"\nEnvironment:\n  TZ                          The time zone.\n"
+      u"\nFiles:\n  /etc/a                      A file.\n\nExit status: 0.\n"_s));
+}
+
 TEST(OptionTable, QuotesArgumentsOnOneLine) {
   EXPECT_EQ((ParsedOption{u"text"_s, {u"a\nb\x1b"_s}}).text(), u"--text a?b?"_s);
   EXPECT_LT((ParsedOption{u"text"_s, {QString(100'000, u'x')}}).text().size(), 300);
@@ -168,6 +209,36 @@ TEST(CommandTables, NameEveryOptionInTheirHelp) {
     for (const QString& line : help.split(u'\n'))
       EXPECT_LE(line.size(), 130) << line.toStdString();
   }
+}
+
+TEST(Commands, AreFoundByTheLongestNameThatTheyBeginWith) {
+  const auto found = [](const QStringList& arguments) {
+    const CommandLine line = findCommand(arguments);
+    return QString(line.command->name() + u'|' + line.arguments.join(u','));
+  };
+  EXPECT_EQ(found({}), u"run|"_s);
+  EXPECT_EQ(found({u"--text"_s, u"render"_s}), u"run|--text,render"_s);
+  EXPECT_EQ(found({u"run"_s, u"--text"_s, u"a"_s}), u"run|--text,a"_s);
+  EXPECT_EQ(found({u"feed"_s, u"check"_s, u"check"_s}), u"feed check|check"_s);
+  EXPECT_EQ(found({u"help"_s, u"feed"_s, u"check"_s}), u"help|feed,check"_s);
+}
+
+TEST(Commands, AreListedOnceEachWithAFewWords) {
+  QStringList names;
+  for (const Command& command : allCommands()) {
+    const std::string name = command.name().toStdString();
+    EXPECT_FALSE(names.contains(command.name())) << name;
+    names.append(command.name());
+    EXPECT_LE(command.name().count(u' '), 1) << name;
+    EXPECT_FALSE(command.table->brief.isEmpty()) << name;
+    EXPECT_FALSE(command.table->brief.endsWith(u'.')) << name;
+    EXPECT_TRUE(programHelp().contains(
+        QString(u"\n  "_s + command.name().leftJustified(22) + command.table->brief + u'\n')))
+        << name;
+    EXPECT_EQ(command.application == Application::Display, command.runWithoutDisplay != nullptr)
+        << name;
+  }
+  EXPECT_TRUE(names.contains(u"run"_s));
 }
 
 TEST(CommandTables, StateTheLimitsOfLines) {

@@ -1,5 +1,6 @@
 #include "app/commands/ArchiveCommand.h"
 
+#include "app/commands/failures.h"
 #include "tests/platform/archiving/ArchiveBuilder.h"
 #include "zqticker/platform/archiving/PropertyListWriter_p.h"
 
@@ -287,19 +288,22 @@ TEST(ArchiveCommand, AFolderIsRefused) {
   EXPECT_EQ(result.errors, "zqticker archive: " + folder.path().toUtf8() + ": is a folder\n");
 }
 
-TEST(ArchiveCommand, AWrongCommandLineHasStatus2) {
-  EXPECT_EQ(run({}).status, 2);
-  EXPECT_EQ(run({u"--yaml"_s, u"x"_s}).status, 2);
-  EXPECT_EQ(run({u"--json"_s}).errors,
-            "zqticker archive: no file is named (see zqticker archive --help)\n");
+TEST(ArchiveCommand, RefusesAWrongCommandLine) {
+  EXPECT_THROW(run({}), zq::app::UsageError);
+  EXPECT_THROW(run({u"--yaml"_s, u"x"_s}), zq::app::UsageError);
+  try {
+    run({u"--json"_s});
+    ADD_FAILURE();
+  } catch (const zq::app::UsageError& error) {
+    EXPECT_EQ(error.message(), u"FILE: missing (see zqticker archive --help)"_s);
+  }
 }
 
 TEST(ArchiveCommand, HelpSaysWhatItPrints) {
-  for (const QString& option : {u"--help"_s, u"-h"_s}) {
-    const Outcome result = run({option});
-    EXPECT_EQ(result.status, 0);
-    EXPECT_TRUE(result.output.startsWith("Usage: zqticker archive [--json] FILE..."));
-  }
+  const QString help = zq::app::helpText(zq::app::archiveTable());
+  EXPECT_TRUE(help.startsWith("Usage: zqticker archive [OPTION]... FILE...\n"_L1));
+  for (const QString& key : {u"$class"_s, u"$ref"_s, u"$hex"_s, u"$deeper"_s})
+    EXPECT_TRUE(help.contains(key)) << key.toStdString();
 }
 
 TEST(ArchiveCommand, TwoDashesEndTheOptions) {

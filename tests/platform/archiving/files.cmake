@@ -19,5 +19,8 @@ set(archiving_TESTS
     XmlPropertyListReaderTest.cpp
     ../../../app/commands/ArchiveCommand.cpp
     ../../../app/commands/ArchiveTree.cpp
+    ../../../app/commands/OptionTable.cpp
     ../../../app/commands/OutputValue.cpp
-    ../../../app/commands/size_text.cpp)
+    ../../../app/commands/failures.cpp
+    ../../../app/commands/size_text.cpp
+    ../../../app/intake/SilencedStandardError.cpp)

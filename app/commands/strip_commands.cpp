@@ -1,4 +1,9 @@
-#include "app/commands/command_tables.h"
+#include "app/commands/strip_commands.h"
+
+#include "app/commands/RenderCommand.h"
+#include "app/commands/RunCommand.h"
+#include "app/commands/SignCommand.h"
+#include "app/commands/StripOptions.h"
 
 using namespace Qt::StringLiterals;
 
@@ -108,6 +113,8 @@ const QString FeedNote =
 OptionTable makeRunTable() {
   OptionTable table;
   table.command = u"run"_s;
+  table.brief = u"scroll signs over the screen; meant where no command is named"_s;
+  table.brief = u"scroll signs over the screen; meant where no command is named"_s;
   table.summary = u"Scrolls signs over a strip at the edge of the screen. The order of the options "
                   u"is the order on the strip."_s;
   table.options = stripOptions();
@@ -182,6 +189,7 @@ OptionTable makeRunTable() {
 OptionTable makeRenderTable() {
   OptionTable table;
   table.command = u"render"_s;
+  table.brief = u"render the same into pictures, without a display"_s;
   table.summary =
       u"Renders the strip that `run` would show into pictures, without a display. The "
       u"same arguments give the same bytes, as long as feeds and the time do not change."_s;
@@ -228,6 +236,7 @@ OptionTable makeRenderTable() {
 OptionTable makeSignTable() {
   OptionTable table;
   table.command = u"sign"_s;
+  table.brief = u"write a sign's archive"_s;
   table.summary = u"Writes a sign as a keyed archive, to be shown by `run --sign`: a text sign, an "
                   u"image sign, or from both a combo sign."_s;
   table.options = {
@@ -255,119 +264,6 @@ OptionTable makeSignTable() {
   return table;
 }
 
-OptionTable makeFetchTable() {
-  OptionTable table;
-  table.command = u"fetch"_s;
-  table.summary =
-      u"Loads the contents of an address and writes them to standard output or a file."_s;
-  table.operands = {u"URL"_s};
-  table.options = {
-      {u"json"_s,
-       {},
-       u"Print what came of it as JSON instead of the contents: outcome, number of bytes, the same "
-       u"as a size for people (\"1.5 KB\"), response and error."_s},
-      {u"policy"_s,
-       {u"POLICY"_s},
-       u"protocol (the default; the cache as HTTP has it), ignore-cache, cache-else-load (whatever "
-       u"its age) or cache-only."_s},
-      {u"timeout"_s,
-       {u"SECONDS"_s},
-       u"Give up when nothing has come for so long; 60 by default."_s},
-      {u"output"_s, {u"FILE"_s}, u"The file to write."_s},
-      {u"help"_s, {}, u"Print this text."_s},
-  };
-  table.notes = {
-      u"Addresses begin with http://, https://, file:// or data:. Redirects are followed, up to "
-      u"20; "
-      u"compressed contents are written decoded. The page that comes with an HTTP error status is "
-      u"contents like any other; --json tells the status. At most 2 GiB are loaded."_s,
-      u"Proxies are those of the environment (http_proxy, https_proxy, all_proxy, no_proxy). Where "
-      u"SSL_CERT_FILE names a file, its certificates are trusted instead of the system's. A "
-      u"progress bar runs on standard error where that is a terminal. The file is complete or not "
-      u"there."_s,
-      u"Exit status: 0, 1 where the contents could not be loaded or written, 2 for a wrong command "
-      u"line."_s};
-  table.examples = {u"zqticker fetch https://www.debian.org/News/news --output news.rdf"_s,
-                    u"A feed into a file."_s,
-                    u"zqticker fetch --json --timeout 5 https://www.debian.org/"_s,
-                    u"Whether a server answers, and with what."_s};
-  return table;
-}
-
-OptionTable makeFeedCheckTable() {
-  OptionTable table;
-  table.command = u"feed check"_s;
-  table.summary = u"Reads a feed and prints what the ticker would show of it, and what is odd "
-                  u"about it."_s;
-  table.operands = {u"URL"_s};
-  table.options = {
-      {u"json"_s, {}, u"Print it as JSON, also what was read of a broken feed."_s},
-      {u"timeout"_s,
-       {u"SECONDS"_s},
-       u"Give up when nothing has come for so long; 60 by default."_s},
-      {u"help"_s, {}, u"Print this text."_s},
-  };
-  table.notes = {
-      u"URL is an address or the name of a file. Feeds are RSS 0.9x, 1.0 and 2.0, Atom, and JSON "
-      u"Feed 1.0 and 1.1, of at most 16 MiB and 200 levels; the first 1,000 items are read."_s,
-      u"Exit status: 0, 1 where the feed could not be loaded or read to its end, 2 for a wrong "
-      u"command line."_s};
-  table.examples = {u"zqticker feed check https://www.debian.org/News/news"_s,
-                    u"The items that the ticker would show."_s,
-                    u"zqticker feed check --json feed.xml"_s, u"A file, for a script."_s};
-  return table;
-}
-
-OptionTable makeWatchTable() {
-  OptionTable table;
-  table.command = u"watch"_s;
-  table.summary = u"Prints a line for each thing that happens to files and folders, until it is "
-                  u"interrupted."_s;
-  table.operands = {u"PATH"_s};
-  table.repeatsLastOperand = true;
-  table.options = {
-      {u"json"_s, {}, u"Print JSON, one object on a line."_s},
-      {u"all-flags"_s, {}, u"Watch for everything."_s},
-      {u"mask"_s,
-       {u"HEX"_s},
-       u"Watch for the sum of: 1 deleted, 2 written, 4 grown, 8 attributes, 10 links, 20 renamed, "
-       u"40 revoked. By default 2b: deleted, written, attributes and renamed."_s},
-      {u"folders"_s,
-       {},
-       u"Watch folders with their files: any change inside one, of a file's contents too, is one "
-       u"\"written\" of the folder for each burst of changes."_s},
-      {u"help"_s, {}, u"Print this text."_s},
-  };
-  table.notes = {
-      u"A line is a word, a tab and the path as it was given. Words: written (contents; of a "
-      u"folder: an entry came, went or was renamed), deleted, renamed (it has left the path), "
-      u"attributes (mode, owner or times), grown, links (the number of names; of a folder: of its "
-      u"subfolders) and revoked (its file system was unmounted). Several things that happen before "
-      u"they can be told may be one line. A backslash, control characters and line separators in a "
-      u"path are written as in JSON: \\\\, \\n, \\t, \\u001b."_s,
-      u"With --json the first line is {\"ready\": true}, when everything is watched. Lines "
-      u"like "
-      u"{\"time\": NANOSECONDS, \"notification\": NAME, \"path\": PATH} follow. The time, since "
-      u"1970 in UTC, is that at which the report arrived. Names are "
-      u"VXKQueueFileRenamedNotification, VXKQueueFileWrittenToNotification, "
-      u"VXKQueueFileDeletedNotification, VXKQueueFileAttributesChangedNotification, "
-      u"VXKQueueFileSizeIncreasedNotification, VXKQueueFileLinkCountChangedNotification and "
-      u"VXKQueueFileAccessRevocationNotification."_s,
-      u"A path is followed. When the file is replaced, as editors do to save, or is deleted or "
-      u"renamed and there is one again later, that one is watched; its coming is told as written. "
-      u"Symbolic links are followed. A path at which there is nothing to watch at the start is an "
-      u"error, and nothing is watched then. With --folders a folder that is renamed is watched until there is another at its path."_s,
-      u"The command ends on Ctrl+C and as soon as nobody reads its output any more. Exit status: 0 "
-      u"then, 1 where a path cannot be watched or a line cannot be written, 2 for a wrong command "
-      u"line."_s};
-  table.examples = {u"zqticker watch notes.txt /etc/hosts"_s,
-                    u"What happens to two files."_s,
-                    u"zqticker watch --folders --json Downloads"_s,
-                    u"Whatever changes in a folder, for a script."_s,
-                    u"zqticker watch --mask 2 page.html | while read -r line; do make; done"_s,
-                    u"Makes anew what depends on a file, each time that it has been saved."_s};
-  return table;
-}
 } // namespace
 
 const OptionTable& runTable() {
@@ -385,37 +281,18 @@ const OptionTable& signTable() {
   return table;
 }
 
-const OptionTable& fetchTable() {
-  static const OptionTable table = makeFetchTable();
-  return table;
-}
-
-const OptionTable& feedCheckTable() {
-  static const OptionTable table = makeFeedCheckTable();
-  return table;
-}
-
-const OptionTable& watchTable() {
-  static const OptionTable table = makeWatchTable();
-  return table;
-}
-
-QString programHelp() {
-  return u"Usage: zqticker [COMMAND] [OPTION]...\n"
-         u"A desktop ticker: texts and pictures that scroll over a strip.\n\n"
-         u"Commands:\n"
-         u"  run         scroll signs over the screen; meant where no command is named\n"
-         u"  render      render the same into pictures, without a display\n"
-         u"  sign        write a sign's archive\n"
-         u"  archive     print a keyed archive\n"
-         u"  fetch       load the contents of an address\n"
-         u"  feed        read a feed and tell what is in it: \"feed check URL\"\n"
-         u"  watch       print what happens to files, as it happens\n"
-         u"  appearance  show, make or preview the look of buttons: \"appearance show FILE\"\n"
-         u"  help        print this text, or that of a command\n\n"
-         u"\"zqticker COMMAND --help\" tells more of each. \"zqticker --version\" prints the "
-         u"version.\n\n"_s +
-         helpText(runTable());
+const std::vector<Command>& stripCommands() {
+  static const std::vector<Command> commands{
+      {&runTable(), CommandGroup::Screen, Application::Display, runCommand,
+       // A wrong command line is wrong everywhere, with a display or without.
+       [](const QStringList& arguments) -> std::optional<int> {
+         readRunOptions(arguments);
+         return std::nullopt;
+       },
+       runWithoutDisplay},
+      {&renderTable(), CommandGroup::Screen, Application::OffscreenGui, renderCommand},
+      {&signTable(), CommandGroup::Signs, Application::OffscreenGui, signCommand}};
+  return commands;
 }
 
 } // namespace zq::app
