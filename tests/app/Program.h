@@ -14,7 +14,7 @@ struct Outcome {
   QByteArray errors;
 };
 
-// An environment without a display, without a proxy and without anything of Qt's.
+// An environment without a display, a session bus, a proxy and anything of Qt's.
 QProcessEnvironment plainEnvironment();
 
 // Runs the program to its end, `input` on its standard input.

@@ -1,1 +1,5 @@
-set(app_bus_SOURCES)
+set(app_bus_SOURCES
+    FakeReceiver.h
+    PrivateBus.cpp
+    PrivateBus.h
+    TickerServiceTest.cpp)

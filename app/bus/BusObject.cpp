@@ -1,0 +1,115 @@
+#include "app/bus/BusObject.h"
+
+#include "app/bus/BusFailure.h"
+#include "app/bus/bus_names.h"
+#include "app/bus/request_reading.h"
+#include "app/bus/ticker_interface.h"
+#include "zqticker/version.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QLoggingCategory>
+#include <QtDBus/QDBusVariant>
+
+#include <mutex>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+Q_LOGGING_CATEGORY(busLog, "zqticker.bus")
+
+constexpr int SilenceMilliseconds = 10'000; // between two lines of log
+constexpr qsizetype LongestReason = 300;
+
+void answerProperties(const QDBusMessage& call, const QDBusConnection& connection) {
+  const QVariant version = QStringLiteral(ZQTICKER_VERSION);
+  const QString interface = call.arguments().value(0).toString();
+  const bool isOurs = interface == TickerInterface || interface.isEmpty();
+  const bool isVersion = isOurs && call.arguments().value(1).toString() == "Version"_L1;
+  if (call.member() == "GetAll"_L1 && call.signature() == "s"_L1)
+    connection.send(
+        call.createReply(isOurs ? QVariantMap{{u"Version"_s, version}} : QVariantMap()));
+  else if (call.member() == "Get"_L1 && call.signature() == "ss"_L1 && isVersion)
+    connection.send(call.createReply(QVariant::fromValue(QDBusVariant(version))));
+  else if (call.member() == "Set"_L1 && call.signature() == "ssv"_L1 && isVersion)
+    connection.send(call.createErrorReply(QDBusError::PropertyReadOnly, u"Version is read only"_s));
+  else if (call.signature() == (call.member() == "Set"_L1 ? "ssv"_L1 : "ss"_L1))
+    connection.send(call.createErrorReply(QDBusError::UnknownProperty, u"no such property"_s));
+  else
+    connection.send(call.createErrorReply(QDBusError::InvalidArgs, u"no such method"_s));
+}
+} // namespace
+
+void logRefusal(const QString& sender, const QString& reason) {
+  static std::mutex mutex;
+  static QDeadlineTimer silence(0);
+  static std::uint64_t unsaid = 0;
+  const std::lock_guard lock(mutex);
+  if (!silence.hasExpired()) {
+    ++unsaid;
+    return;
+  }
+  silence.setRemainingTime(SilenceMilliseconds);
+  const QString more =
+      unsaid == 0 ? QString() : u" (and %1 more messages before that)"_s.arg(unsaid);
+  unsaid = 0;
+  qCWarning(busLog).noquote().nospace()
+      << "a message from " << sender << " is not shown: " << reason.left(LongestReason) << more;
+}
+
+BusObject::BusObject(BusInbox& inbox, std::function<void()> wake)
+    : inbox_(inbox), wake_(std::move(wake)) {}
+
+BusObject::~BusObject() = default;
+
+QString BusObject::introspect(const QString&) const {
+  return tickerInterface();
+}
+
+bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+  const QString interface = message.interface();
+  if (interface == "org.freedesktop.DBus.Properties"_L1) {
+    answerProperties(message, connection);
+    return true;
+  }
+  if (!interface.isEmpty() && interface != TickerInterface)
+    return false;
+  try {
+    return handleCall(message, connection);
+  } catch (const BusFailure& failure) {
+    connection.send(message.createErrorReply(failure.errorName(), failure.message()));
+  }
+  return true;
+}
+
+bool BusObject::handleCall(const QDBusMessage& call, const QDBusConnection& connection) {
+  std::optional<BusRequest> request = readCall(call);
+  if (!request)
+    return false;
+  put({std::move(*request), call, connection});
+  return true;
+}
+
+void BusObject::notified(const QDBusMessage& signal) {
+  try {
+    put({readNotification(signal), signal, QDBusConnection(QString())});
+  } catch (const BusFailure& failure) {
+    logRefusal(signal.service(), failure.message());
+  }
+}
+
+void BusObject::put(PendingRequest&& pending) {
+  switch (inbox_.put(std::move(pending))) {
+  case BusInbox::Admission::First:
+    wake_();
+    break;
+  case BusInbox::Admission::Further:
+    break;
+  case BusInbox::Admission::Refused:
+    throw BusFailure(BusFailure::Kind::TooMuch, u"too many messages wait"_s);
+  }
+}
+
+} // namespace zq::app

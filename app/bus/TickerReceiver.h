@@ -1,0 +1,42 @@
+// What does that which programs ask for over the bus.
+#pragma once
+
+#include <QtCore/QByteArray>
+#include <QtCore/QString>
+#include <QtCore/QStringList>
+#include <QtCore/QVariant>
+#include <QtDBus/QDBusUnixFileDescriptor>
+
+namespace zq::app {
+
+// Whose call it is and how large: what limits are counted by.
+struct BusSender {
+  QString name; // its unique name on the bus, never empty
+  qsizetype bytes = 0;
+};
+
+// Receives requests one by one, in the order in which a sender made them. Whatever is raised goes
+// back to the sender: a BusFailure as it says, another exception as org.zqticker.Error.Failed.
+//
+// Thread: main.
+class TickerReceiver {
+ public:
+  virtual ~TickerReceiver() = default;
+
+  // The identifier of what is shown.
+  virtual QString displayMessage(const QVariantMap& message, const BusSender& sender) = 0;
+  virtual QString displaySign(const QByteArray& archive, const QVariantMap& origin,
+                              const BusSender& sender) = 0;
+  // Whether there was one.
+  virtual bool removeSign(const QString& identifier) = 0;
+  virtual void arrangeSigns(const QStringList& identifiers) = 0;
+  // An invalid descriptor stands for no standard input.
+  virtual void run(const QStringList& arguments, const QString& folder,
+                   const QDBusUnixFileDescriptor& standardInput) = 0;
+  virtual void showQueue() = 0;
+  virtual void showSettings() = 0;
+  // The reply has been sent already.
+  virtual void quit() = 0;
+};
+
+} // namespace zq::app

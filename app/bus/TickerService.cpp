@@ -1,0 +1,176 @@
+#include "app/bus/TickerService.h"
+
+#include "app/bus/BusFailure.h"
+#include "app/bus/BusObject.h"
+#include "app/bus/TickerReceiver.h"
+#include "app/bus/bus_names.h"
+
+#include <QtCore/QDeadlineTimer>
+#include <QtCore/QLoggingCategory>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusMessage>
+
+#include <exception>
+#include <new>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+Q_LOGGING_CATEGORY(busLog, "zqticker.bus")
+
+// Of a turn of the event loop; a frame of 60 a second has 16.
+constexpr int MillisecondsAtOnce = 4;
+constexpr int CallMilliseconds = 10'000;
+
+// Requests and replies of the bus for names.
+constexpr uint DoNotQueue = 4;
+constexpr uint BecameOwner = 1;
+constexpr uint IsOwnerAlready = 4;
+
+QDBusMessage busCall(const QString& method, const QVariantList& arguments) {
+  QDBusMessage call =
+      QDBusMessage::createMethodCall(BusDaemonName, BusDaemonPath, BusDaemonName, method);
+  call.setArguments(arguments);
+  return call;
+}
+
+// Does what is asked; the reply's arguments. Quitting comes after the reply.
+QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
+  const BusSender sender{request.sender, request.bytes};
+  switch (request.kind) {
+  case BusRequest::Kind::DisplayMessage:
+    return {receiver.displayMessage(request.dictionary, sender)};
+  case BusRequest::Kind::DisplaySign:
+    return {receiver.displaySign(request.archive, request.dictionary, sender)};
+  case BusRequest::Kind::RemoveSign:
+    return {receiver.removeSign(request.text)};
+  case BusRequest::Kind::ArrangeSigns:
+    receiver.arrangeSigns(request.strings);
+    break;
+  case BusRequest::Kind::Run:
+    receiver.run(request.strings, request.text, request.descriptor);
+    break;
+  case BusRequest::Kind::ShowQueue:
+    receiver.showQueue();
+    break;
+  case BusRequest::Kind::ShowSettings:
+    receiver.showSettings();
+    break;
+  case BusRequest::Kind::Quit:
+    break;
+  }
+  return {};
+}
+} // namespace
+
+TickerService::TickerService(std::optional<QString> address, QObject* parent)
+    : QObject(parent), bus_(std::move(address)),
+      object_(std::make_unique<BusObject>(inbox_, [this] {
+        QMetaObject::invokeMethod(this, &TickerService::handOut, Qt::QueuedConnection);
+      })) {
+  thread_.setObjectName(u"zqticker-bus"_s);
+  object_->moveToThread(&thread_);
+  thread_.start();
+  connect(&bus_, &SessionBus::opened, this, &TickerService::rejoin);
+  connect(&bus_, &SessionBus::closed, this, [this] { ownsName_ = isExported_ = false; });
+}
+
+TickerService::~TickerService() {
+  QDBusConnection(bus_.connection()).unregisterObject(TickerObjectPath);
+  thread_.quit();
+  thread_.wait();
+}
+
+TickerService::Start TickerService::start() {
+  return bus_.open() ? join(false) : Start::NoBus;
+}
+
+// The object first: calls that made the bus start this program come with the name.
+TickerService::Start TickerService::join(bool waitsForName) {
+  QDBusConnection connection = bus_.connection();
+  if (!std::exchange(isExported_, true)) {
+    connection.registerVirtualObject(TickerObjectPath, object_.get());
+    connection.connect(BusDaemonName, BusDaemonPath, BusDaemonName, u"NameAcquired"_s, this,
+                       SLOT(nameAcquired(QString)));
+    connection.connect(BusDaemonName, BusDaemonPath, BusDaemonName, u"NameLost"_s, this,
+                       SLOT(nameLost(QString)));
+  }
+  const QDBusMessage reply = connection.call(
+      busCall(u"RequestName"_s, {QString(TickerBusName), waitsForName ? 0u : DoNotQueue}),
+      QDBus::Block, CallMilliseconds);
+  const uint result = reply.arguments().value(0).toUInt();
+  ownsName_ = result == BecameOwner || result == IsOwnerAlready;
+  if (ownsName_ || waitsForName)
+    connection.connect(QString(), QString(), TickerInterface, DisplayMessageSignal, object_.get(),
+                       SLOT(notified(QDBusMessage)));
+  if (reply.type() != QDBusMessage::ReplyMessage)
+    return Start::NoBus;
+  return ownsName_ ? Start::IsOwner : Start::IsTaken;
+}
+
+void TickerService::rejoin() {
+  if (join(true) == Start::IsTaken)
+    qCWarning(busLog).noquote()
+        << u"another ticker receives messages from other programs until it ends"_s;
+}
+
+void TickerService::nameAcquired(const QString& name) {
+  if (name == TickerBusName)
+    ownsName_ = true;
+}
+
+void TickerService::nameLost(const QString& name) {
+  if (name == TickerBusName)
+    ownsName_ = false;
+}
+
+void TickerService::setReceiver(TickerReceiver* receiver) {
+  receiver_ = receiver;
+  handOut();
+}
+
+void TickerService::handOut() {
+  if (isHandingOut_)
+    return;
+  isHandingOut_ = true;
+  const QDeadlineTimer deadline(MillisecondsAtOnce, Qt::PreciseTimer);
+  bool isEmpty = false;
+  while (receiver_ && !isEmpty && !deadline.hasExpired()) {
+    std::optional<PendingRequest> pending = inbox_.take();
+    isEmpty = !pending;
+    if (pending)
+      answer(*pending);
+  }
+  isHandingOut_ = false;
+  // Timers, frames and the user's events first.
+  if (receiver_ && !isEmpty)
+    QTimer::singleShot(0, this, &TickerService::handOut);
+}
+
+void TickerService::answer(PendingRequest& pending) {
+  const bool isCall = pending.message.type() == QDBusMessage::MethodCallMessage;
+  const auto refuse = [&](const QString& name, const QString& message) {
+    if (isCall)
+      pending.connection.send(pending.message.createErrorReply(name, message));
+    else
+      logRefusal(pending.request.sender, message);
+  };
+  try {
+    const QVariantList reply = perform(*receiver_, pending.request);
+    if (isCall)
+      pending.connection.send(pending.message.createReply(reply));
+    if (pending.request.kind == BusRequest::Kind::Quit)
+      receiver_->quit();
+  } catch (const BusFailure& failure) {
+    refuse(failure.errorName(), failure.message());
+  } catch (const std::bad_alloc&) {
+    refuse(TooMuchError, u"out of memory"_s);
+  } catch (const std::exception& exception) {
+    refuse(FailedError, QString::fromUtf8(exception.what()));
+  }
+}
+
+} // namespace zq::app

@@ -1,0 +1,68 @@
+// A ticker that only remembers what it was asked for.
+#pragma once
+
+#include "app/bus/BusFailure.h"
+#include "app/bus/TickerReceiver.h"
+
+#include <QtCore/QByteArray>
+
+#include <functional>
+#include <vector>
+
+#include <unistd.h>
+
+namespace zq::app::testing {
+
+class FakeReceiver : public TickerReceiver {
+ public:
+  struct Shown {
+    QVariantMap dictionary;
+    QByteArray archive;
+    BusSender sender;
+  };
+  std::vector<Shown> messages;
+  std::vector<Shown> signs;
+  QStringList removed;
+  QStringList arranged;
+  QStringList arguments;
+  QString folder;
+  QByteArray input; // what could be read at once
+  bool hadInput = false;
+  int queueCount = 0;
+  int settingsCount = 0;
+  int quitCount = 0;
+  std::function<void()> beforeMessage = [] {};
+
+  QString displayMessage(const QVariantMap& message, const BusSender& sender) override {
+    beforeMessage();
+    messages.push_back({message, {}, sender});
+    return message.value(QStringLiteral("identifier")).toString();
+  }
+  QString displaySign(const QByteArray& archive, const QVariantMap& origin,
+                      const BusSender& sender) override {
+    signs.push_back({origin, archive, sender});
+    return QStringLiteral("made");
+  }
+  bool removeSign(const QString& identifier) override {
+    removed.append(identifier);
+    return identifier == QStringLiteral("there");
+  }
+  void arrangeSigns(const QStringList& identifiers) override { arranged = identifiers; }
+  void run(const QStringList& runArguments, const QString& runFolder,
+           const QDBusUnixFileDescriptor& standardInput) override {
+    if (runArguments.contains(QStringLiteral("--wrong")))
+      throw BusFailure(BusFailure::Kind::Failed, QStringLiteral("--wrong: unknown option"));
+    arguments = runArguments;
+    folder = runFolder;
+    hadInput = standardInput.isValid();
+    char bytes[64];
+    const ssize_t count =
+        hadInput ? ::read(standardInput.fileDescriptor(), bytes, sizeof bytes) : 0;
+    input = QByteArray(bytes, count < 0 ? 0 : count);
+  }
+  void showQueue() override { ++queueCount; }
+  void showSettings() override { ++settingsCount; }
+  void quit() override { ++quitCount; }
+};
+
+} // namespace zq::app::testing
