@@ -1,6 +1,8 @@
 #include "app/display/SignItem.h"
 
 #include "app/display/TickerDisplay.h"
+#include "zqticker/platform/text/AttributedString.h"
+#include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <QtCore/QLoggingCategory>
@@ -14,10 +16,18 @@ using platform::Ref;
 
 namespace {
 Q_LOGGING_CATEGORY(signLog, "zqticker.display")
+
+const SignOrigin NoOrigin;
+
+bool isEmpty(const SignOrigin& origin) {
+  return origin.senderIdentifier.isEmpty() && origin.senderName.isEmpty() && origin.priority == 0 &&
+         !origin.fades && !origin.actionData.isValid();
+}
 } // namespace
 
-SignItem::SignItem(TickerDisplay& display, Ref<ZQTickerSign> sign)
-    : display_(display), sign_(std::move(sign)) {}
+SignItem::SignItem(TickerDisplay& display, Ref<ZQTickerSign> sign, SignOrigin origin)
+    : display_(display), sign_(std::move(sign)),
+      origin_(isEmpty(origin) ? nullptr : std::make_unique<const SignOrigin>(std::move(origin))) {}
 
 SignItem::SignItem(TickerDisplay& display, QString line, LoopRule rule)
     : display_(display), line_(std::move(line)), lineRule_(rule), isLine_(true) {}
@@ -64,6 +74,29 @@ bool SignItem::changeText(const QString& text) {
 void SignItem::leave() {
   if (isLine_)
     sign_.reset();
+}
+
+void SignItem::setQueued(bool isQueued) {
+  if (!isLine_)
+    display_.countSign(origin().senderIdentifier, isQueued);
+}
+
+const SignOrigin& SignItem::origin() const {
+  return origin_ ? *origin_ : NoOrigin;
+}
+
+QString SignItem::text() const {
+  if (isLine_)
+    return line_;
+  if (const auto* combo = dynamic_cast<const ZQComboTickerSign*>(sign_.get())) {
+    const auto attributed = platform::objectOf<platform::AttributedString>(combo->text());
+    return attributed ? attributed->string() : combo->text().toString();
+  }
+  if (const auto* text = dynamic_cast<const ZQTextTickerSign*>(sign_.get()))
+    return text->text() ? text->text()->string() : QString();
+  if (const auto* picture = dynamic_cast<const ZQImageTickerSign*>(sign_.get()))
+    return picture->textRepresentation().value_or(QString());
+  return QString();
 }
 
 } // namespace zq::app

@@ -1,11 +1,14 @@
 // A sign as an item of a strip.
 #pragma once
 
+#include "app/display/SignOrigin.h"
 #include "app/display/StripItem.h"
 #include "app/display/sign_placement.h"
 #include "zqticker/platform/objects/Object.h"
 
 #include <QtCore/QString>
+
+#include <memory>
 
 class ZQTickerSign;
 
@@ -17,13 +20,14 @@ class TickerDisplay;
 // a long queue of lines takes no more than their characters.
 class SignItem : public StripItem {
  public:
-  SignItem(TickerDisplay& display, platform::Ref<ZQTickerSign> sign);
+  SignItem(TickerDisplay& display, platform::Ref<ZQTickerSign> sign, SignOrigin origin = {});
   SignItem(TickerDisplay& display, QString line, LoopRule rule);
   ~SignItem() override;
 
   double enter() override;
   void leave() override;
   LoopRule loopRule() const override;
+  void setQueued(bool isQueued) override;
 
   // Lets a text sign show `text`, also where it is on the strip; its length there stays. False for
   // another sign and for a line.
@@ -32,12 +36,17 @@ class SignItem : public StripItem {
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }
+  // That of a line is empty.
+  const SignOrigin& origin() const;
+  // The line, or what the sign says; empty where it says nothing.
+  QString text() const;
 
  private:
   double place();
 
   TickerDisplay& display_;
   platform::Ref<ZQTickerSign> sign_;
+  std::unique_ptr<const SignOrigin> origin_; // null where it is empty
   QString line_;
   LoopRule lineRule_;
   bool isLine_ = false;

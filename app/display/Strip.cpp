@@ -55,8 +55,10 @@ Strip::Event Strip::nextEvent() const {
   const double clear = std::max(now_, motion_.timeAt(lastEnd_));
   const Entry fresh = queue_.fresh();
   const Entry again = queue_.again();
-  const bool againIsFirst = again && (!fresh || again->ticket < fresh->ticket);
-  if (const Entry returned = queue_.returned()) {
+  const bool isUrgent = fresh && fresh->priority() > 0;
+  const bool againIsFirst = again && !isUrgent && (!fresh || again->ticket < fresh->ticket);
+  const Entry returned = queue_.returned();
+  if (returned && !isUrgent) {
     event = {Event::Kind::Start, clear, returned};
   } else if (againIsFirst && again->round == round_ && (!fresh || endOfRound(*again) <= clear)) {
     event = {Event::Kind::EndOfRound, endOfRound(*again), again};
@@ -89,6 +91,7 @@ void Strip::perform(const Event& event) {
     return;
   case Event::Kind::EndOfRound:
     ++round_;
+    ++revision_;
     roundEnd_ = now_;
     return;
   case Event::Kind::Start:
@@ -104,6 +107,7 @@ void Strip::start(const Entry& entry) {
   const double length = entry->item->enter();
   if (!(length > 0) || !std::isfinite(length)) {
     entry->item->leave();
+    queue_.settle(*entry);
     return;
   }
   const double here = travel();
@@ -128,8 +132,11 @@ void Strip::retire() {
   while (!runs_.empty() && runs_.front().end() <= gone) {
     Run run = std::move(runs_.front());
     runs_.pop_front();
-    if (--run.entry->onStrip == 0)
+    ++revision_;
+    if (--run.entry->onStrip == 0) {
       run.item().leave();
+      queue_.settle(*run.entry);
+    }
     if (!run.entry->isWithdrawn)
       keepPast(std::move(run));
   }
@@ -164,6 +171,8 @@ bool Strip::bringBack() {
   }
   run.start = end - run.length;
   ++run.entry->onStrip;
+  ++revision_;
+  queue_.settle(*run.entry);
   runs_.push_front(std::move(run));
   return true;
 }
@@ -172,6 +181,7 @@ void Strip::withdraw(const Entry& entry) {
   const Entry kept = entry;
   queue_.take(kept);
   kept->isWithdrawn = true;
+  queue_.settle(*kept);
   std::erase_if(past_, [&](const Run& run) {
     if (run.entry != kept)
       return false;

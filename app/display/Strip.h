@@ -18,11 +18,12 @@ namespace zq::app {
 // item that is on the strip moves with it and with nothing else: what is added, dropped or changed
 // behind it does not move it.
 //
-// Order: as added. A round is over when the first waiting item has already been shown in it. The
-// next round begins when all items of this one have left the strip, or, if that first item scrolls
-// continuously, when the last item has entered wholly; each item's own delay counts from there.
-// Items that have not been shown yet pass meanwhile, and droppable items that are shown once are
-// not waited for: a stream of them does not keep the next round away.
+// Order: as added, new items of a higher priority first, see StripQueue. A round is over when the
+// first waiting item has already been shown in it. The next round begins when all items of this one
+// have left the strip, or, if that first item scrolls continuously, when the last item has entered
+// wholly; each item's own delay counts from there. Items that have not been shown yet pass
+// meanwhile, and droppable items that are shown once are not waited for: a stream of them does not
+// keep the next round away.
 //
 // Steps forward and back move everything together, as far as it takes to bring the start of the
 // next or of the one before to the edge at which runs leave. Runs that have left are kept for that:
@@ -92,6 +93,12 @@ class Strip {
   // both.
   template <class Visit>
   void forEachItem(Visit visit) const;
+  // Calls `visit` with every run on the strip and then with every entry that waits, both in the
+  // order of showing, see StripQueue.
+  template <class VisitRun, class VisitWaiting>
+  void forEachInOrder(VisitRun visitRun, VisitWaiting visitWaiting) const;
+  // Grows with every change of what these visit and of its order.
+  std::uint64_t revision() const { return queue_.revision() + revision_; }
 
   // Whether something is on the strip and moves.
   bool isMoving() const { return !runs_.empty() && (speed() > 0 || motion_.isGlidingAt(now_)); }
@@ -129,6 +136,7 @@ class Strip {
   std::uint64_t round_ = 1;
   double roundEnd_; // when the round before this one ended
   std::uint64_t nextNumber_ = 1;
+  std::uint64_t revision_ = 0; // changes that the queue does not know of
 };
 
 template <class Visit>
@@ -136,6 +144,13 @@ void Strip::forEachItem(Visit visit) const {
   for (const Run& run : runs_)
     visit(run.item());
   queue_.forEachItem(visit);
+}
+
+template <class VisitRun, class VisitWaiting>
+void Strip::forEachInOrder(VisitRun visitRun, VisitWaiting visitWaiting) const {
+  for (const Run& run : runs_)
+    visitRun(run);
+  queue_.forEachInOrder(round_, visitWaiting);
 }
 
 template <class Measure>

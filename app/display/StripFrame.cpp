@@ -8,8 +8,12 @@ void paintFrame(QPainter& painter, const StripFrame& frame, const QColor& backgr
   painter.setCompositionMode(QPainter::CompositionMode_Source);
   painter.fillRect(QRect(QPoint(0, 0), frame.size), background);
   painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
-  for (const StripFrame::Piece& piece : frame.pieces)
+  for (const StripFrame::Piece& piece : frame.pieces) {
+    if (piece.opacity != painter.opacity())
+      painter.setOpacity(piece.opacity);
     painter.drawImage(piece.target, piece.picture, piece.source);
+  }
+  painter.setOpacity(1);
 }
 
 } // namespace zq::app

@@ -22,6 +22,7 @@ struct StripFrame {
     QImage picture;
     QRect source;
     QPoint target;
+    double opacity = 1; // 0 to 1
   };
 
   QSize size;

@@ -4,4 +4,6 @@ namespace zq::app {
 
 StripItem::~StripItem() = default;
 
+void StripItem::setQueued(bool) {}
+
 } // namespace zq::app

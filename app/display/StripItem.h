@@ -33,6 +33,8 @@ class StripItem {
   virtual void leave() = 0;
   // Read when the item is about to enter.
   virtual LoopRule loopRule() const = 0;
+  // The item is queued from now on, or no longer: it waits or is on the strip. Nothing by default.
+  virtual void setQueued(bool isQueued);
 };
 
 } // namespace zq::app

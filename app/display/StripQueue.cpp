@@ -1,6 +1,8 @@
 #include "app/display/StripQueue.h"
 
 #include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace zq::app {
 
@@ -16,57 +18,149 @@ void StripQueue::setLimits(std::size_t droppableItems, std::size_t droppableCost
   makeRoom();
 }
 
-void StripQueue::add(const EntryRef& entry) {
-  entry->ticket = nextTicket_++;
-  entry->place = Entry::Place::Fresh;
-  entry->listPlace = fresh_.insert(fresh_.end(), entry);
+bool StripQueue::FreshOrder::operator()(const Entry* a, const Entry* b) const {
+  return a->level != b->level ? a->level > b->level : a->rank < b->rank;
 }
 
-StripQueue::EntryRef StripQueue::append(std::shared_ptr<StripItem> item) {
+// Rounds stay apart: what has been shown in this one comes behind what has not.
+bool StripQueue::AgainOrder::operator()(const Entry* a, const Entry* b) const {
+  return a->round != b->round ? a->round < b->round : a->rank < b->rank;
+}
+
+// The place behind the last fresh entry of this priority or a higher one.
+StripQueue::Line::iterator StripQueue::endOfLevel(double level) {
+  const auto lower = levels_.upper_bound(level);
+  return lower == levels_.begin() ? fresh_.begin() : std::next(std::prev(lower)->second);
+}
+
+void StripQueue::link(const EntryRef& entry, Entry::Place place, Line::iterator before) {
+  entry->place = place;
+  entry->listPlace = lineOf(place).insert(before, entry);
+  if (place == Entry::Place::Fresh && (before == fresh_.end() || (*before)->level != entry->level))
+    levels_.insert_or_assign(entry->level, entry->listPlace);
+  setArranged(*entry, true);
+  ++revision_;
+}
+
+// The entry's line lets it go: somebody else must hold it.
+void StripQueue::unlink(Entry& entry) {
+  setArranged(entry, false);
+  if (entry.place == Entry::Place::Resting) {
+    resting_.erase(entry.restPlace);
+  } else {
+    leaveLevel(entry);
+    lineOf(entry.place).erase(entry.listPlace);
+  }
+  entry.place = Entry::Place::None;
+  ++revision_;
+}
+
+void StripQueue::leaveLevel(const Entry& entry) {
+  if (entry.place != Entry::Place::Fresh)
+    return;
+  const auto level = levels_.find(entry.level);
+  if (level->second != entry.listPlace)
+    return;
+  const bool isFirst = entry.listPlace == fresh_.begin();
+  if (!isFirst && (*std::prev(entry.listPlace))->level == entry.level)
+    --level->second;
+  else
+    levels_.erase(level);
+}
+
+void StripQueue::setArranged(Entry& entry, bool isIn) {
+  if (entry.rank == 0)
+    return;
+  if (entry.place == Entry::Place::Fresh)
+    isIn ? void(arrangedFresh_.insert(&entry)) : void(arrangedFresh_.erase(&entry));
+  else if (entry.place == Entry::Place::Again)
+    isIn ? void(arrangedAgain_.insert(&entry)) : void(arrangedAgain_.erase(&entry));
+}
+
+void StripQueue::settle(Entry& entry) {
+  const bool isQueued = entry.isWaiting() || entry.onStrip > 0;
+  if (isQueued == entry.isCounted)
+    return;
+  entry.isCounted = isQueued;
+  entry.item->setQueued(isQueued);
+  ++revision_;
+}
+
+void StripQueue::addFresh(const EntryRef& entry, double priority) {
+  entry->level = std::isnan(priority) ? 0 : priority;
+  if (entry->ticket == 0)
+    entry->ticket = nextTicket_++;
+  link(entry, Entry::Place::Fresh, endOfLevel(entry->level));
+  settle(*entry);
+}
+
+StripQueue::EntryRef StripQueue::append(std::shared_ptr<StripItem> item, double priority) {
   const auto entry = std::make_shared<Entry>();
   entry->item = std::move(item);
-  add(entry);
+  addFresh(entry, priority);
   return entry;
 }
 
-StripQueue::EntryRef StripQueue::appendArranged(std::shared_ptr<StripItem> item) {
-  // The turn of the last fresh entry, or of the one that would be next.
-  const EntryRef before = fresh_.empty() ? again() : fresh_.back();
-  const EntryRef entry = append(std::move(item));
+StripQueue::EntryRef StripQueue::appendArranged(std::shared_ptr<StripItem> item, double priority) {
+  // The turn of the last fresh entry of its priority, or of the one that would be next.
+  const auto level = levels_.find(std::isnan(priority) ? 0 : priority);
+  const EntryRef before = level == levels_.end() ? again() : *level->second;
+  const auto entry = std::make_shared<Entry>();
+  entry->item = std::move(item);
+  entry->rank = nextRank_++;
   if (before)
     entry->ticket = before->ticket;
-  entry->rank = nextRank_++;
+  addFresh(entry, priority);
   return entry;
 }
 
 void StripQueue::arrange(const std::vector<EntryRef>& order) {
-  nextRank_ = 1;
+  std::vector<Entry*> named;
   for (const EntryRef& entry : order)
-    entry->rank = nextRank_++;
-  sortArranged(fresh_);
-  sortArranged(again_);
+    if (entry->rank != 0 && entry->isWaiting())
+      named.push_back(entry.get());
+  const auto isLower = [](const Entry* a, const Entry* b) { return a->rank < b->rank; };
+  if (std::is_sorted(named.begin(), named.end(), isLower))
+    return;
+  const std::vector<Entry*> fresh(arrangedFresh_.begin(), arrangedFresh_.end());
+  const std::vector<Entry*> again(arrangedAgain_.begin(), arrangedAgain_.end());
+  arrangedFresh_.clear();
+  arrangedAgain_.clear();
+  // They exchange their ranks; one that is named twice takes its first place.
+  std::vector<std::uint64_t> ranks;
+  std::erase_if(named, [&](Entry* entry) {
+    if (entry->rank == 0)
+      return true;
+    ranks.push_back(std::exchange(entry->rank, 0));
+    return false;
+  });
+  std::sort(ranks.begin(), ranks.end());
+  for (std::size_t i = 0; i < named.size(); ++i)
+    named[i]->rank = ranks[i];
+  putInOrder(arrangedFresh_, fresh);
+  putInOrder(arrangedAgain_, again);
+  ++revision_;
 }
 
-// The arranged entries change places among themselves. Rounds stay apart: what has been shown in
-// this one comes behind what has not.
-void StripQueue::sortArranged(Line& line) {
-  std::vector<Line::iterator> places;
-  std::vector<EntryRef> entries;
-  for (auto place = line.begin(); place != line.end(); ++place)
-    if ((*place)->rank != 0) {
-      places.push_back(place);
-      entries.push_back(*place);
-    }
+// Lets the entries of a line that had the order of `places` stand in these places in their new one.
+template <class Arranged>
+void StripQueue::putInOrder(Arranged& arranged, const std::vector<Entry*>& places) {
+  std::vector<Line::iterator> stands;
   std::vector<std::uint64_t> tickets;
-  for (const EntryRef& entry : entries)
+  std::vector<EntryRef> entries;
+  for (Entry* entry : places) {
+    stands.push_back(entry->listPlace);
     tickets.push_back(entry->ticket);
-  std::stable_sort(entries.begin(), entries.end(), [](const EntryRef& a, const EntryRef& b) {
-    return a->round != b->round ? a->round < b->round : a->rank < b->rank;
+    entries.push_back(*entry->listPlace);
+  }
+  std::sort(entries.begin(), entries.end(), [&](const EntryRef& a, const EntryRef& b) {
+    return arranged.key_comp()(a.get(), b.get());
   });
-  for (std::size_t i = 0; i < places.size(); ++i) {
+  for (std::size_t i = 0; i < entries.size(); ++i) {
     entries[i]->ticket = tickets[i];
-    entries[i]->listPlace = places[i];
-    *places[i] = entries[i];
+    entries[i]->listPlace = stands[i];
+    *stands[i] = entries[i];
+    arranged.insert(arranged.end(), entries[i].get());
   }
 }
 
@@ -75,7 +169,7 @@ void StripQueue::appendDroppable(std::shared_ptr<StripItem> item, std::size_t co
   entry->item = std::move(item);
   entry->droppable = true;
   entry->cost = cost;
-  add(entry);
+  addFresh(entry, 0);
   entry->dropPlace = freshDroppable_.insert(freshDroppable_.end(), entry.get());
   cost_ += cost;
   makeRoom();
@@ -87,6 +181,7 @@ void StripQueue::makeRoom() {
     const EntryRef kept =
         victim->place == Entry::Place::Resting ? victim->restPlace->second : *victim->listPlace;
     detach(kept);
+    settle(*kept);
     ++dropped_;
   }
 }
@@ -102,11 +197,7 @@ void StripQueue::detach(const EntryRef& entry) {
     (entry->showings == 0 ? freshDroppable_ : shownDroppable_).erase(entry->dropPlace);
     cost_ -= entry->cost;
   }
-  if (entry->place == Entry::Place::Resting)
-    resting_.erase(entry->restPlace);
-  else
-    lineOf(entry->place).erase(entry->listPlace);
-  entry->place = Entry::Place::None;
+  unlink(*entry);
 }
 
 void StripQueue::take(const EntryRef& entry) {
@@ -121,6 +212,8 @@ StripQueue::EntryRef StripQueue::replace(const EntryRef& entry, std::shared_ptr<
   const auto successor = std::make_shared<Entry>(*old);
   successor->item = std::move(item);
   successor->onStrip = 0;
+  successor->isCounted = false;
+  setArranged(*old, false);
   if (old->place == Entry::Place::Resting)
     old->restPlace->second = successor;
   else
@@ -128,23 +221,53 @@ StripQueue::EntryRef StripQueue::replace(const EntryRef& entry, std::shared_ptr<
   if (old->droppable)
     *old->dropPlace = successor.get();
   old->place = Entry::Place::None;
+  setArranged(*successor, true);
+  settle(*successor);
+  settle(*old);
+  ++revision_;
   return successor;
+}
+
+bool StripQueue::move(const EntryRef& entry, const EntryRef& before) {
+  if (!entry->isWaiting() || entry == before || (before && !before->isWaiting()))
+    return false;
+  const bool isLast = !before || before->place == Entry::Place::Resting;
+  if (isLast && entry->place == Entry::Place::Resting)
+    return false;
+  const EntryRef kept = entry;
+  // Its delay is over, or counts as over.
+  if (kept->place == Entry::Place::Resting || kept->place == Entry::Place::Returned)
+    kept->delay = 0;
+  unlink(*kept);
+  kept->rank = 0;
+  if (isLast && again_.empty()) {
+    if (!fresh_.empty())
+      kept->level = std::min(kept->level, fresh_.back()->level);
+    kept->ticket = nextTicket_++;
+    link(kept, Entry::Place::Fresh, fresh_.end());
+    return true;
+  }
+  const Entry& neighbour = isLast ? *again_.back() : *before;
+  kept->ticket = isLast ? nextTicket_++ : neighbour.ticket;
+  kept->level = neighbour.level;
+  if (neighbour.place == Entry::Place::Again) {
+    kept->round = neighbour.round;
+    kept->continuous = neighbour.continuous;
+  }
+  link(kept, neighbour.place, isLast ? again_.end() : neighbour.listPlace);
+  return true;
 }
 
 void StripQueue::putAgain(const EntryRef& entry) {
   entry->ticket = nextTicket_++;
-  entry->place = Entry::Place::Again;
   auto behind = again_.end();
-  for (auto place = again_.end(); entry->rank != 0 && place != again_.begin();) {
-    const Entry& other = **--place;
-    if (other.round != entry->round || (other.rank != 0 && other.rank < entry->rank))
-      break;
-    if (other.rank != 0)
-      behind = place;
-  }
-  if (behind != again_.end())
-    entry->ticket = (*behind)->ticket;
-  entry->listPlace = again_.insert(behind, entry);
+  if (entry->rank != 0)
+    if (const auto next = arrangedAgain_.lower_bound(entry.get());
+        next != arrangedAgain_.end() && (*next)->round == entry->round) {
+      behind = (*next)->listPlace;
+      entry->ticket = (*next)->ticket;
+    }
+  link(entry, Entry::Place::Again, behind);
   if (!entry->droppable)
     return;
   entry->dropPlace = shownDroppable_.insert(shownDroppable_.end(), entry.get());
@@ -154,16 +277,15 @@ void StripQueue::putAgain(const EntryRef& entry) {
 
 void StripQueue::rest(const EntryRef& entry, double time) {
   const EntryRef kept = entry;
-  lineOf(kept->place).erase(kept->listPlace);
+  unlink(*kept);
   kept->place = Entry::Place::Resting;
   kept->restPlace = resting_.emplace(time, kept);
 }
 
 void StripQueue::wakeFirst() {
   const EntryRef entry = resting_.begin()->second;
-  resting_.erase(resting_.begin());
-  entry->place = Entry::Place::Returned;
-  entry->listPlace = returned_.insert(returned_.end(), entry);
+  unlink(*entry);
+  link(entry, Entry::Place::Returned, returned_.end());
 }
 
 } // namespace zq::app

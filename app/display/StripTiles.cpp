@@ -10,6 +10,13 @@ namespace {
 constexpr std::size_t MostSpares = 8;
 // Pixels of a run that are told apart; a longer one shows nothing behind them.
 constexpr double LongestRun = 1e15;
+
+// `entered` and `remaining` are pixels: of the leading edge from where it entered, and of the
+// trailing one to where it leaves.
+double fadedOpacity(qint64 entered, qint64 remaining, double fadePixels) {
+  const auto nearest = static_cast<double>(std::min(entered, remaining));
+  return nearest < fadePixels ? std::max(nearest, 0.0) / fadePixels : 1;
+}
 } // namespace
 
 StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}
@@ -37,11 +44,12 @@ StripTiles::Tile StripTiles::make(const Strip::Run& run, qint64 index, int pixel
   return tile;
 }
 
-void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, bool horizontal,
-                      qint64 offset, double scale,
-                      const std::function<double(const Strip::Run&)>& lengthOf) {
+void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, const View& view,
+                      const std::function<Look(const Strip::Run&)>& lookOf) {
   // Before tiles are drawn again, so that no frame shares their pixels.
   frame.pieces.clear();
+  const bool horizontal = view.isHorizontal;
+  const double fadePixels = view.fadeLength * view.scale;
   const qint64 extent = horizontal ? frame.size.width() : frame.size.height();
   const QSize tileSize =
       horizontal ? QSize(TileLength, frame.size.height()) : QSize(frame.size.width(), TileLength);
@@ -52,9 +60,11 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, boo
   auto old = tiles_.begin();
   kept_.clear();
   for (const Strip::Run& run : runs) {
-    const qint64 length = std::llround(std::min(std::ceil(lengthOf(run) * scale), LongestRun));
+    const Look look = lookOf(run);
+    const qint64 length = std::llround(std::min(std::ceil(look.length * view.scale), LongestRun));
     // The run's leading edge, in pixels from the edge at which runs leave.
-    const qint64 lead = extent - (offset - std::llround(run.start * scale));
+    const qint64 lead = extent - (view.offset - std::llround(run.start * view.scale));
+    const double opacity = look.fades ? fadedOpacity(extent - lead, lead + length, fadePixels) : 1;
     const qint64 firstPixel = std::max<qint64>(-lead, 0);
     const qint64 endPixel = std::min(extent - lead, length);
     for (qint64 index = firstPixel / TileLength; index * TileLength < endPixel; ++index) {
@@ -70,7 +80,7 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, boo
       frame.pieces.push_back({tile.serial, tile.picture,
                               horizontal ? QRect(0, 0, pixels, frame.size.height())
                                          : QRect(0, 0, frame.size.width(), pixels),
-                              horizontal ? QPoint(place, 0) : QPoint(0, place)});
+                              horizontal ? QPoint(place, 0) : QPoint(0, place), opacity});
     }
   }
   for (; old != tiles_.end(); ++old)

@@ -29,6 +29,18 @@ class StripTiles {
     int pixels = 0;
   };
   using Draw = std::function<void(const Request&, QImage&)>;
+  // What a run shows: its drawn length in points, and whether it fades.
+  struct Look {
+    double length = 0;
+    bool fades = false;
+  };
+  // From where the strip is seen.
+  struct View {
+    bool isHorizontal = true;
+    qint64 offset = 0;     // the travel in device pixels
+    double scale = 1;      // pixels per point
+    double fadeLength = 0; // points over which a run fades in and out
+  };
 
   explicit StripTiles(Draw draw);
 
@@ -37,10 +49,11 @@ class StripTiles {
   // Drops the tiles of one run.
   void forget(std::uint64_t runNumber);
 
-  // Fills `frame` with what is in sight: `offset` is the travel in device pixels, `scale` the
-  // pixels per point, `lengthOf` gives the drawn length of a run in points.
-  void fill(StripFrame& frame, const std::deque<Strip::Run>& runs, bool horizontal, qint64 offset,
-            double scale, const std::function<double(const Strip::Run&)>& lengthOf);
+  // Fills `frame` with what is in sight. A run that fades has one opacity all over: it grows from 0
+  // while the leading edge goes the fade length from where it entered, and falls to 0 while the
+  // trailing edge goes the last of it before it leaves.
+  void fill(StripFrame& frame, const std::deque<Strip::Run>& runs, const View& view,
+            const std::function<Look(const Strip::Run&)>& lookOf);
 
   std::size_t count() const { return tiles_.size(); }
   std::uint64_t drawn() const { return nextSerial_ - 1; }

@@ -27,6 +27,18 @@ constexpr int VerticalScrolling = 0;
 const SignItem& itemOf(const Strip::Run& run) {
   return static_cast<const SignItem&>(run.item());
 }
+
+const SignOrigin& originOf(const Strip::Entry& entry) {
+  return static_cast<const SignItem&>(*entry->item).origin();
+}
+
+std::int64_t loopsLeft(const StripQueue::Entry& entry) {
+  if (!entry.isWaiting())
+    return 0;
+  const std::int64_t count = entry.item->loopRule().count;
+  return count < 0 ? -1
+                   : std::max<std::int64_t>(std::max<std::int64_t>(count, 1) - entry.showings, 0);
+}
 } // namespace
 
 // What text signs see of the display: all of it, but a text offset of 0. Their buffer is exactly
@@ -86,6 +98,10 @@ void TickerDisplay::setHorizontal(bool horizontal, double time) {
       sign->setScrollDirection(scrollDirection());
   });
   markForLayout();
+}
+
+double TickerDisplay::fadeLength() const {
+  return std::min(extent() * FadeShare, LongestFade);
 }
 
 void TickerDisplay::setSpeed(double pointsPerSecond, double time) {
@@ -160,50 +176,110 @@ void TickerDisplay::catchUp(double time) {
     strip_.advanceTo(time);
 }
 
-void TickerDisplay::addSign(Ref<ZQTickerSign> sign, double time) {
+TickerDisplay::Entry TickerDisplay::addSign(Ref<ZQTickerSign> sign, double time,
+                                            SignOrigin origin) {
   catchUp(time);
   prepare(*sign);
-  remember(*sign, strip_.queue().append(std::make_shared<SignItem>(*this, sign)));
+  const double priority = origin.priority;
+  const Entry entry =
+      strip_.queue().append(std::make_shared<SignItem>(*this, sign, std::move(origin)), priority);
+  remember(*sign, entry);
+  return entry;
 }
 
-void TickerDisplay::addArrangedSign(Ref<ZQTickerSign> sign, double time) {
+TickerDisplay::Entry TickerDisplay::addArrangedSign(Ref<ZQTickerSign> sign, double time,
+                                                    SignOrigin origin) {
   catchUp(time);
   prepare(*sign);
-  remember(*sign, strip_.queue().appendArranged(std::make_shared<SignItem>(*this, sign)));
+  const double priority = origin.priority;
+  const Entry entry = strip_.queue().appendArranged(
+      std::make_shared<SignItem>(*this, sign, std::move(origin)), priority);
+  remember(*sign, entry);
+  return entry;
 }
 
 void TickerDisplay::arrangeSigns(const QStringList& identifiers, double time) {
   catchUp(time);
-  std::vector<Strip::Entry> order;
+  std::vector<Entry> order;
   for (const QString& identifier : identifiers)
-    if (const Strip::Entry entry = waitingEntry(identifier))
+    if (const Entry entry = waitingEntry(identifier))
       order.push_back(entry);
   strip_.queue().arrange(order);
 }
 
-bool TickerDisplay::replaceSign(Ref<ZQTickerSign> sign, double time) {
+bool TickerDisplay::replaceSign(Ref<ZQTickerSign> sign, double time,
+                                std::optional<SignOrigin> origin) {
   catchUp(time);
-  const Strip::Entry entry = waitingEntry(sign->identifier().value_or(QString()));
+  const Entry entry = waitingEntry(sign->identifier().value_or(QString()));
   if (!entry)
     return false;
+  return replaceWaiting(entry, std::move(sign), origin ? *std::move(origin) : originOf(entry));
+}
+
+bool TickerDisplay::replaceEntry(const Entry& entry, Ref<ZQTickerSign> sign, double time) {
+  catchUp(time);
+  return replaceWaiting(entry, std::move(sign), originOf(entry));
+}
+
+bool TickerDisplay::replaceWaiting(const Entry& entry, Ref<ZQTickerSign> sign, SignOrigin origin) {
+  if (!entry->isWaiting())
+    return false;
   prepare(*sign);
-  remember(*sign, strip_.queue().replace(entry, std::make_shared<SignItem>(*this, sign)));
+  forget(entry);
+  remember(*sign, strip_.queue().replace(
+                      entry, std::make_shared<SignItem>(*this, sign, std::move(origin))));
   return true;
 }
 
 bool TickerDisplay::removeSign(const QString& identifier, double time) {
   catchUp(time);
-  const Strip::Entry entry = waitingEntry(identifier);
-  if (!entry)
+  const Entry entry = waitingEntry(identifier);
+  return entry && removeEntry(entry, time);
+}
+
+bool TickerDisplay::removeEntry(const Entry& entry, double time) {
+  catchUp(time);
+  if (!entry->isWaiting())
     return false;
-  named_.remove(identifier);
+  forget(entry);
   strip_.withdraw(entry);
   return true;
 }
 
+bool TickerDisplay::moveEntry(const Entry& entry, const Entry& before, double time) {
+  catchUp(time);
+  return strip_.queue().move(entry, before);
+}
+
+std::vector<QueuedSign> TickerDisplay::queuedSigns(double time) {
+  catchUp(time);
+  std::vector<QueuedSign> signs;
+  signs.reserve(strip_.runs().size() + strip_.queue().size());
+  const auto add = [&](const Entry& entry) {
+    const auto& item = static_cast<const SignItem&>(*entry->item);
+    signs.push_back({entry, item.sign(), item.text(), item.origin(), loopsLeft(*entry),
+                     entry->onStrip > 0, entry->isWaiting()});
+  };
+  strip_.forEachInOrder(
+      [&](const Strip::Run& run) {
+        const auto isSame = [&](const QueuedSign& sign) { return sign.entry == run.entry; };
+        if (run.entry->onStrip == 1 || std::none_of(signs.begin(), signs.end(), isSame))
+          add(run.entry);
+      },
+      [&](const Entry& entry) {
+        if (entry->onStrip == 0)
+          add(entry);
+      });
+  return signs;
+}
+
+void TickerDisplay::countSign(const QString& sender, bool isQueued) {
+  isQueued ? senders_.add(sender) : senders_.remove(sender);
+}
+
 bool TickerDisplay::changeText(const QString& identifier, const QString& text, double time) {
   catchUp(time);
-  const Strip::Entry entry = named_.value(identifier).lock();
+  const Entry entry = named_.value(identifier).lock();
   if (!entry || !(entry->isWaiting() || entry->onStrip > 0) ||
       !static_cast<SignItem&>(*entry->item).changeText(text))
     return false;
@@ -212,6 +288,7 @@ bool TickerDisplay::changeText(const QString& identifier, const QString& text, d
       tiles_.forget(run.number);
       frameIsStale_ = true;
     }
+  ++textRevision_;
   return true;
 }
 
@@ -220,12 +297,12 @@ bool TickerDisplay::hasWaitingSign(const QString& identifier, double time) {
   return waitingEntry(identifier) != nullptr;
 }
 
-Strip::Entry TickerDisplay::waitingEntry(const QString& identifier) const {
-  const Strip::Entry entry = named_.value(identifier).lock();
+TickerDisplay::Entry TickerDisplay::waitingEntry(const QString& identifier) const {
+  const Entry entry = named_.value(identifier).lock();
   return entry && entry->isWaiting() ? entry : nullptr;
 }
 
-void TickerDisplay::remember(const ZQTickerSign& sign, const Strip::Entry& entry) {
+void TickerDisplay::remember(const ZQTickerSign& sign, const Entry& entry) {
   if (!sign.identifier())
     return;
   if (named_.size() >= mostNamed_) {
@@ -233,6 +310,15 @@ void TickerDisplay::remember(const ZQTickerSign& sign, const Strip::Entry& entry
     mostNamed_ = std::max(mostNamed_, 2 * named_.size());
   }
   named_.insert(*sign.identifier(), entry);
+}
+
+void TickerDisplay::forget(const Entry& entry) {
+  const Ref<ZQTickerSign>& sign = static_cast<const SignItem&>(*entry->item).sign();
+  if (!sign || !sign->identifier())
+    return;
+  const auto named = named_.find(*sign->identifier());
+  if (named != named_.end() && named->lock() == entry)
+    named_.erase(named);
 }
 
 void TickerDisplay::addLine(const QString& line, double time, const LoopRule& rule) {
@@ -265,9 +351,12 @@ bool TickerDisplay::advanceTo(double time) {
     return false;
   frameOffset_ = offset;
   frameIsStale_ = false;
-  tiles_.fill(frame_, strip_.runs(), horizontal_, offset, scale_, [](const Strip::Run& run) {
-    return std::min(itemOf(run).placement().length, run.length);
-  });
+  tiles_.fill(
+      frame_, strip_.runs(), {horizontal_, offset, scale_, fadeLength()},
+      [](const Strip::Run& run) {
+        const SignItem& item = itemOf(run);
+        return StripTiles::Look{std::min(item.placement().length, run.length), item.origin().fades};
+      });
   return true;
 }
 

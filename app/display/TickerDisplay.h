@@ -1,6 +1,9 @@
 // The display of the ticker: owns its signs, lays them out, and moves them over a strip.
 #pragma once
 
+#include "app/display/QueuedSign.h"
+#include "app/display/SenderCounts.h"
+#include "app/display/SignOrigin.h"
 #include "app/display/Strip.h"
 #include "app/display/StripFrame.h"
 #include "app/display/StripTiles.h"
@@ -10,6 +13,9 @@
 #include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
+
+#include <optional>
+#include <vector>
 
 class ZQTickerSign;
 
@@ -22,6 +28,20 @@ namespace zq::app {
 // Shows signs one behind the other, in the order in which they were added, each as often as its
 // loopCount says; loopDelay counts in seconds. See Strip for the order of rounds.
 //
+// The priority of a sign's origin decides its place among those that have not been shown yet: the
+// higher one goes first, equal ones go as they came; one above 0 also passes those that wait for
+// another showing. Lines, and signs without a priority, have 0. Nothing passes what is on the
+// strip. There is no fairness beyond that: as long as signs above 0 keep coming, the others wait.
+// Whoever takes signs from strangers bounds how many they queue, see signCountOf.
+//
+// A sign whose origin fades is drawn with an opacity that grows from 0 to 1 while its leading edge
+// goes fadeLength from where it entered, and falls to 0 while its trailing edge goes the last
+// fadeLength before it leaves: a function of the place alone, so that it stands still with the
+// strip and goes back with it.
+//
+// Nothing that changes the queue moves what is on the strip. Every change takes constant time, or
+// logarithmic time in the number of signs, where nothing else is said.
+//
 // It gives frames for a time of a monotonic clock, in seconds, and knows neither window nor timer.
 // Device pixels are whole: what is shown moves by whole pixels and is sharp at every scale.
 //
@@ -31,6 +51,12 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // The most lines that wait, and the most characters (UTF-16 units) in them.
   static constexpr std::size_t MostLines = 1000;
   static constexpr std::size_t MostLineCharacters = 16'000'000;
+  // Over what part of the strip's extent a sign fades, and at most over how many points.
+  static constexpr double FadeShare = 0.2;
+  static constexpr double LongestFade = 200;
+
+  // Identity of what is queued.
+  using Entry = Strip::Entry;
 
   explicit TickerDisplay(double startTime = 0);
   ~TickerDisplay() override;
@@ -59,6 +85,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool isHorizontal() const { return horizontal_; }
   StripShape shape() const;
 
+  // Points over which a sign fades in and out.
+  double fadeLength() const;
+
   // Points per second, also of a strip that is paused.
   double speed() const { return isPaused() ? *pausedSpeed_ : strip_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
@@ -71,21 +100,46 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool stepForward(double time) { return strip_.stepForward(time); }
   bool stepBack(double time) { return strip_.stepBack(time); }
 
-  // Adds a sign behind the others at `time`. It takes the strip's scroll direction and this
-  // display, and a text sign renders its buffer for it.
-  void addSign(platform::Ref<ZQTickerSign> sign, double time);
+  // Adds a sign behind the others of its priority at `time`. It takes the strip's scroll direction
+  // and this display, and a text sign renders its buffer for it.
+  Entry addSign(platform::Ref<ZQTickerSign> sign, double time, SignOrigin origin = {});
   // The same for a sign that is last among the arranged ones: every round shows these in one order,
   // that of arrangeSigns. It is shown before those that wait for another showing.
-  void addArrangedSign(platform::Ref<ZQTickerSign> sign, double time);
-  // Gives the arranged signs the order of `identifiers`, which names all of them; others are passed
-  // over. Nothing on the strip moves.
+  Entry addArrangedSign(platform::Ref<ZQTickerSign> sign, double time, SignOrigin origin = {});
+  // Puts the arranged signs of these identifiers into this order among themselves; others keep
+  // their turns, unknown identifiers are passed over. Takes time in proportion to `identifiers`
+  // where they stand so already, else to the number of arranged signs and its logarithm.
   void arrangeSigns(const QStringList& identifiers, double time);
   // A sign that waits is known by its identifier; of several with the same, the one added last.
-  // Lets `sign` take over from the one with its identifier, in its place and with the showings it
-  // has had. One that is on the strip goes on to its end. False where none waits.
-  bool replaceSign(platform::Ref<ZQTickerSign> sign, double time);
+  // Lets `sign` take over from the one with its identifier, in its place, whatever its priority,
+  // and with the showings it has had. Without an origin it takes over that as well. One that is on
+  // the strip goes on to its end. False where none waits.
+  bool replaceSign(platform::Ref<ZQTickerSign> sign, double time,
+                   std::optional<SignOrigin> origin = {});
   // Takes the sign out, once it has left where it is on the strip. False where none waits.
   bool removeSign(const QString& identifier, double time);
+
+  // The same for an entry: of addSign, or of a row of queuedSigns. False where it does not wait.
+  bool removeEntry(const Entry& entry, double time);
+  // The identifier may be another one; the origin stays.
+  bool replaceEntry(const Entry& entry, platform::Ref<ZQTickerSign> sign, double time);
+  // Puts an entry that waits directly before another one in the order of showing, whatever their
+  // priorities; null is the end, before those whose delays are not over. An arranged sign is
+  // arranged no longer. False, and nothing changes, where either does not wait.
+  bool moveEntry(const Entry& entry, const Entry& before, double time);
+
+  // What is queued at `time`, in the order of showing: what is on the strip, the oldest first, then
+  // what waits, those whose delays are not over last. A sign on the strip that waits for another
+  // showing is there once. Takes time in proportion to the number of signs.
+  std::vector<QueuedSign> queuedSigns(double time);
+  // Another number whenever queuedSigns would give something else, but for changes to a sign behind
+  // the display's back; it may be another one for the same, too.
+  std::uint64_t queueRevision() const { return strip_.revision() + textRevision_; }
+  // The signs of this sender that wait or are on the strip; those without a sender have an empty
+  // one. Lines are not counted.
+  std::size_t signCountOf(const QString& senderIdentifier) const {
+    return senders_.of(senderIdentifier);
+  }
 
   // Lets the text sign of this identifier show `text` in the default font and color, where it waits
   // and where it is on the strip, without moving anything: a text that has become longer than the
@@ -122,12 +176,16 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
 
  private:
   class TextSignDisplay;
+  friend class SignItem;
 
   double extent() const { return horizontal_ ? size_.width() : size_.height(); }
   void catchUp(double time);
   void prepare(ZQTickerSign& sign);
-  Strip::Entry waitingEntry(const QString& identifier) const;
-  void remember(const ZQTickerSign& sign, const Strip::Entry& entry);
+  Entry waitingEntry(const QString& identifier) const;
+  void remember(const ZQTickerSign& sign, const Entry& entry);
+  void forget(const Entry& entry);
+  bool replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
+  void countSign(const QString& sender, bool isQueued);
   void markForLayout();
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
@@ -139,10 +197,12 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   double scale_ = 1;
   std::optional<double> pausedSpeed_;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
+  SenderCounts senders_;
   Strip strip_;
   // Entries that wait or are on the strip, and some that have gone.
   QHash<QString, std::weak_ptr<StripQueue::Entry>> named_;
-  qsizetype mostNamed_ = 64; // more are looked through for those that have gone
+  qsizetype mostNamed_ = 64;       // more are looked through for those that have gone
+  std::uint64_t textRevision_ = 0; // texts changed in their places
   StripTiles tiles_;
   StripFrame frame_;
   qint64 frameOffset_ = 0;

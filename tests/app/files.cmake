@@ -38,6 +38,7 @@ set(app_SOURCES
     ScreenTest.cpp
     ShippedAppearanceTest.cpp
     StripOptionsTest.cpp
+    StripQueueOrderTest.cpp
     StripQueueTest.cpp
     StripStepsTest.cpp
     StripTest.cpp
