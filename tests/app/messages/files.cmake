@@ -1,1 +1,1 @@
-set(app_messages_SOURCES)
+set(app_messages_SOURCES DisplayMessageTest.cpp Samples.h)
