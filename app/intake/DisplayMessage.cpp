@@ -12,7 +12,6 @@
 #include "zqticker/signs/ZQTextTickerSign.h"
 #include "zqticker/signs/message_keys.h"
 
-
 #include <limits>
 
 using namespace Qt::StringLiterals;

@@ -39,7 +39,7 @@ QString nameOf(const SenderKey& sender) {
 }
 } // namespace
 
-TooMuchError::~TooMuchError() = default;
+LimitError::~LimitError() = default;
 
 MessageIntake::MessageIntake(Host host, QObject* parent) : QObject(parent), host_(std::move(host)) {
   reportTimer_.setSingleShot(true);
@@ -68,18 +68,6 @@ QString MessageIntake::takeSign(const QByteArray& archive, const QVariantMap& or
               sender);
 }
 
-void MessageIntake::takeNotification(const QVariantMap& dictionary, const QString& connection) {
-  try {
-    takeMessage(dictionary, connection);
-  } catch (const TooMuchError&) {
-    // Logged already.
-  } catch (const MessageError& error) {
-    // By the connection: names may be made up by the thousand.
-    note(u"messages from %1 that cannot be shown"_s.arg(nameOf({QString(), connection})),
-         nameOf(senderOf(dictionary, connection)) + u", "_s + error.message());
-  }
-}
-
 void MessageIntake::admitCall(qsizetype bytes, const QString& connection) {
   admit({QString(), connection}, bytes);
 }
@@ -95,7 +83,7 @@ void MessageIntake::refuse(const SenderKey& sender, const SenderLimits::Refusal&
                       : refusal.scope == Scope::Connection ? sender.connection
                                                            : u"all senders"_s;
   note(u"messages refused from "_s + who, refusal.reason);
-  throw TooMuchError(refusal.reason);
+  throw LimitError(refusal.reason);
 }
 
 QString MessageIntake::hold(const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin,

@@ -15,11 +15,11 @@
 namespace zq::app {
 
 // A limit is exceeded; the same message may be taken later.
-class TooMuchError : public std::runtime_error {
+class LimitError : public std::runtime_error {
  public:
-  explicit TooMuchError(const QString& message)
+  explicit LimitError(const QString& message)
       : std::runtime_error(message.toStdString()), message_(message) {}
-  ~TooMuchError() override;
+  ~LimitError() override;
 
   const QString& message() const { return message_; }
 
@@ -55,20 +55,16 @@ class MessageIntake : public QObject {
   ~MessageIntake() override;
 
   // Shows what `dictionary` describes, see readMessage; `connection` is the sender's unique name
-  // on the bus. The sign's identifier. Raises MessageError and TooMuchError.
+  // on the bus. The sign's identifier. Raises MessageError and LimitError.
   QString takeMessage(const QVariantMap& dictionary, const QString& connection);
 
   // Shows the sign in `archive`, see readArchivedSign. `origin` has the keys of readOrigin and the
   // boolean "arranged". The sign's identifier. Raises SignError, MessageError (for `origin`) and
-  // TooMuchError.
+  // LimitError.
   QString takeSign(const QByteArray& archive, const QVariantMap& origin, const QString& connection);
 
-  // The same as takeMessage for a message that was broadcast: nobody waits for an answer, so that
-  // what is wrong is logged, few lines for many messages.
-  void takeNotification(const QVariantMap& dictionary, const QString& connection);
-
   // Counts a call that shows nothing (removing, arranging) with so many bytes of arguments. Raises
-  // TooMuchError.
+  // LimitError.
   void admitCall(qsizetype bytes, const QString& connection);
 
   // Logs what is due about refusals. The intake does so itself from the event loop.

@@ -12,6 +12,7 @@ set(message_SOURCES
     intake/MessageValues.h
     intake/SenderLimits.cpp
     intake/SenderLimits.h
+    intake/bus_answers.h
     intake/message_pictures.cpp
     intake/message_pictures.h
     intake/sign_archives.cpp

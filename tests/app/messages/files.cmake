@@ -1,1 +1,2 @@
-set(app_messages_SOURCES DisplayMessageTest.cpp Samples.h)
+set(app_messages_SOURCES DisplayMessageTest.cpp MessageIntakeTest.cpp Samples.h
+                         SenderLimitsTest.cpp)

@@ -1,0 +1,190 @@
+#include "tests/app/messages/Samples.h"
+
+#include "app/bus/bus_names.h"
+#include "app/intake/MessageIntake.h"
+#include "app/intake/bus_answers.h"
+#include "tests/support/LogWatch.h"
+#include "zqticker/signs/message_keys.h"
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+using namespace zq::app::testing;
+using namespace zq::platform;
+using zq::testing::expectLog;
+
+namespace {
+const QString Connection = u":1.7"_s;
+
+class MessageIntakeTest : public ::testing::Test {
+ protected:
+  struct Shown {
+    Ref<ZQTickerSign> sign;
+    SignOrigin origin;
+    MessageIntake::Order order;
+  };
+
+  MessageIntake::Host host() {
+    MessageIntake::Host host;
+    host.style = [] { return style(); };
+    host.show = [this](const Ref<ZQTickerSign>& sign, const SignOrigin& origin,
+                       MessageIntake::Order order) {
+      shown_.push_back({sign, origin, order});
+      return sign->identifier().value_or(u"made"_s);
+    };
+    host.time = [this] { return time_; };
+    return host;
+  }
+
+  QString limitOf(const QVariantMap& dictionary, const QString& connection = Connection) {
+    return errorOf<LimitError>([&] { intake_.takeMessage(dictionary, connection); });
+  }
+
+  static QVariantMap textFrom(const QString& sender, const QString& identifier = QString()) {
+    return {{u"text"_s, u"Hello"_s}, {u"senderID"_s, sender}, {u"identifier"_s, identifier}};
+  }
+
+  double time_ = 100;
+  std::vector<Shown> shown_;
+  MessageIntake intake_{host()};
+};
+
+constexpr int Burst = int(OneSender.messages.burst);
+} // namespace
+
+TEST_F(MessageIntakeTest, ShowsAMessageAndReturnsItsIdentifier) {
+  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s, u"headline"_s), Connection), u"headline"_s);
+  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s), Connection), u"made"_s);
+  ASSERT_EQ(shown_.size(), 2u);
+  EXPECT_EQ(shown_[0].sign->description(), u"Hello"_s);
+  EXPECT_EQ(shown_[0].origin.senderIdentifier, u"news"_s);
+  EXPECT_EQ(shown_[0].order, MessageIntake::Order::Free);
+}
+
+TEST_F(MessageIntakeTest, ShowsASignByCopyWithItsOrigin) {
+  const auto sign = ZQComboTickerSign::make(u"Hello"_s, Image::fromQImage(solid(16, 12)));
+  sign->setIdentifier(u"headline"_s);
+  const QVariantMap origin{{u"senderID"_s, u"news"_s}, {u"priority"_s, 3}, {u"arranged"_s, true}};
+  EXPECT_EQ(intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), origin, Connection), u"headline"_s);
+  ASSERT_EQ(shown_.size(), 1u);
+  EXPECT_EQ(shown_[0].sign->className(), u"ZQComboTickerSign"_s);
+  EXPECT_EQ(shown_[0].origin.priority, 3);
+  EXPECT_EQ(shown_[0].order, MessageIntake::Order::Arranged);
+  intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection);
+  EXPECT_EQ(shown_[1].order, MessageIntake::Order::Free);
+}
+
+TEST_F(MessageIntakeTest, ShowsNothingOfWhatItRefuses) {
+  EXPECT_THROW(intake_.takeMessage({{u"text"_s, 1}}, Connection), MessageError);
+  EXPECT_THROW(intake_.takeSign("no archive", {}, Connection), SignError);
+  const QByteArray sign = archived(Ref<ZQTickerSign>(ZQTextTickerSign::make(u"Hello"_s)));
+  EXPECT_THROW(intake_.takeSign(sign, {{u"priority"_s, u"high"_s}}, Connection), MessageError);
+  EXPECT_THROW(intake_.takeSign(sign, {{u"arranged"_s, u"yes"_s}}, Connection), MessageError);
+  EXPECT_TRUE(shown_.empty());
+}
+
+TEST_F(MessageIntakeTest, RefusesAFloodWithoutDecoding) {
+  for (int i = 0; i < Burst; ++i)
+    EXPECT_EQ(limitOf(textFrom(u"news"_s, u"one"_s)), QString());
+  expectLog(u"messages refused from news: more than 50 messages a second from one sender"_s);
+  // What is wrong with it is not looked at any more.
+  QVariantMap wrong = textFrom(u"news"_s);
+  wrong.insert(u"loopCount"_s, u"many"_s);
+  for (int i = 0; i < 10'000; ++i)
+    ASSERT_EQ(limitOf(wrong), u"more than 50 messages a second from one sender"_s);
+  EXPECT_EQ(shown_.size(), std::size_t(Burst));
+  EXPECT_EQ(limitOf(textFrom(u"weather"_s), u":1.8"_s), QString()) << "others come through";
+  time_ += 1;
+  EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString()) << "a sender that rests may go on";
+  time_ += FloodLog::QuietTime;
+  expectLog(u"messages refused from news: 10000 in all"_s);
+  intake_.reportRefusals();
+}
+
+TEST_F(MessageIntakeTest, RefusesAMessageOfMoreThanTheLargestSize) {
+  expectLog(u"messages refused from news: a message of more than 20 MiB"_s);
+  QVariantMap large = textFrom(u"news"_s);
+  large.insert(u"image"_s, QByteArray(50 << 20, 'x'));
+  EXPECT_EQ(limitOf(large), u"a message of more than 20 MiB"_s);
+  QVariantMap unknown = textFrom(u"news"_s);
+  unknown.insert(u"else"_s, QByteArray(50 << 20, 'x'));
+  EXPECT_EQ(limitOf(unknown), u"a message of more than 20 MiB"_s);
+  EXPECT_THROW(
+      intake_.takeSign(QByteArray(21 << 20, 'x'), {{u"senderID"_s, u"news"_s}}, Connection),
+      LimitError);
+  EXPECT_TRUE(shown_.empty());
+}
+
+TEST_F(MessageIntakeTest, LimitsTheShareOfOneSenderInTheQueue) {
+  int taken = 0;
+  for (; taken < int(OneSender.signCount); ++taken) {
+    time_ += 1;
+    ASSERT_EQ(limitOf(textFrom(u"news"_s, QString::number(taken))), QString());
+  }
+  time_ += 1;
+  expectLog(u"messages refused from news: 500 signs of one sender are queued already"_s);
+  EXPECT_EQ(limitOf(textFrom(u"news"_s)), u"500 signs of one sender are queued already"_s);
+  EXPECT_EQ(limitOf(textFrom(u"news"_s, u"7"_s)), QString())
+      << "a sign that takes over from another one needs no further place";
+  const auto sign = ZQTextTickerSign::make(u"Hello"_s);
+  EXPECT_THROW(
+      intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
+      LimitError);
+  sign->setIdentifier(u"7"_s);
+  EXPECT_EQ(
+      intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
+      u"7"_s);
+  EXPECT_EQ(limitOf(textFrom(u"weather"_s)), QString()) << "others have their own share";
+  shown_.erase(shown_.begin(), shown_.begin() + 10);
+  EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString()) << "signs that are gone leave their places";
+}
+
+TEST_F(MessageIntakeTest, LimitsWhatOneConnectionQueuesUnderManyNames) {
+  for (int i = 0; i < int(OneConnection.signCount); ++i) {
+    time_ += 1;
+    ASSERT_EQ(limitOf(textFrom(QString::number(i))), QString());
+  }
+  expectLog(u"messages refused from :1.7: 1000 signs of one program are queued already"_s);
+  EXPECT_EQ(limitOf(textFrom(u"another"_s)), u"1000 signs of one program are queued already"_s);
+}
+
+TEST_F(MessageIntakeTest, LimitsTheMemoryOfTheQueuedSigns) {
+  // 64 MB each once they are decoded, and a few kilobytes on the way.
+  QVariantMap picture = textFrom(u"news"_s);
+  picture.insert(u"image"_s, png(4000, 4000));
+  for (int i = 0; i < 2; ++i) {
+    time_ += 100;
+    EXPECT_EQ(limitOf(picture), QString());
+  }
+  time_ += 100;
+  expectLog(u"messages refused from news: the signs of one sender that are queued take 122 MiB"_s);
+  EXPECT_EQ(limitOf(picture), u"the signs of one sender that are queued take 122 MiB"_s);
+  EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString()) << "small ones find room";
+}
+
+TEST_F(MessageIntakeTest, CountsCallsThatShowNothing) {
+  const auto call = [this] { intake_.admitCall(100, Connection); };
+  for (int i = 0; i < Burst; ++i)
+    EXPECT_EQ(errorOf<LimitError>(call), QString());
+  expectLog(u"messages refused from :1.7: more than"_s);
+  EXPECT_NE(errorOf<LimitError>(call), QString());
+}
+
+TEST_F(MessageIntakeTest, NamesTheErrorsOfTheBus) {
+  const auto nameOf = [](auto act) {
+    try {
+      answeringBus(act);
+    } catch (const BusFailure& failure) {
+      return QString(failure.errorName() + u' ' + failure.message());
+    }
+    return QString();
+  };
+  EXPECT_EQ(nameOf([&] { intake_.takeMessage({{u"text"_s, u"Hello"_s}}, Connection); }), QString());
+  EXPECT_EQ(nameOf([&] { intake_.takeMessage({}, Connection); }),
+            u"org.zqticker.Error.InvalidMessage text: missing, and no image either"_s);
+  EXPECT_TRUE(nameOf([&] {
+                intake_.takeSign("bplist00", {}, Connection);
+              }).startsWith(u"org.zqticker.Error.InvalidSign "_s));
+  expectLog(u"a message of more than 20 MiB"_s);
+  EXPECT_EQ(nameOf([&] { intake_.admitCall(21 << 20, Connection); }),
+            u"org.zqticker.Error.TooMuch a message of more than 20 MiB"_s);
+}
