@@ -20,12 +20,14 @@ class FakeItem : public StripItem {
   }
   void leave() override { ++left; }
   LoopRule loopRule() const override { return rule; }
+  void setQueued(bool isQueuedNow) override { isQueued = isQueuedNow; }
 
   std::string name;
   double length;
   LoopRule rule;
   int entered = 0;
   int left = 0;
+  bool isQueued = false;
 };
 
 inline std::shared_ptr<FakeItem> fake(std::string name, double length, LoopRule rule = {}) {

@@ -40,11 +40,15 @@ set(app_SOURCES
     StripOptionsTest.cpp
     StripQueueOrderTest.cpp
     StripQueueTest.cpp
+    StripQueueWalkTest.cpp
     StripStepsTest.cpp
     StripTest.cpp
     StripWidgetTest.cpp
     TailReaderTest.cpp
     TickerDisplayChangesTest.cpp
+    TickerDisplayEditsTest.cpp
+    TickerDisplayFadeTest.cpp
+    TickerDisplayQueueTest.cpp
     TickerDisplayTest.cpp
     WatchTest.cpp
     XServer.cpp
