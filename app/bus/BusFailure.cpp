@@ -14,17 +14,17 @@ BusFailure::~BusFailure() = default;
 QString BusFailure::errorName() const {
   switch (kind_) {
   case Kind::InvalidMessage:
-    return InvalidMessageError;
+    return InvalidMessageErrorName;
   case Kind::InvalidSign:
-    return InvalidSignError;
+    return InvalidSignErrorName;
   case Kind::TooMuch:
-    return TooMuchError;
+    return TooMuchErrorName;
   case Kind::InvalidArguments:
     return u"org.freedesktop.DBus.Error.InvalidArgs"_s;
   case Kind::Failed:
     break;
   }
-  return FailedError;
+  return FailedErrorName;
 }
 
 } // namespace zq::app

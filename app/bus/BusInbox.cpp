@@ -8,10 +8,15 @@ BusInbox::Admission BusInbox::put(PendingRequest&& pending) {
   const std::lock_guard lock(mutex_);
   const BusRequest& request = pending.request;
   const bool isFirst = pending_.empty();
-  if (!isFirst && (pending_.size() >= MostRequests || bytes_ + request.bytes > MostBytes ||
-                   bySender_.value(request.sender) >= MostRequestsOfSender))
+  if (pending_.size() >= OfAll.requests || bytes_ + request.bytes > OfAll.bytes)
     return Admission::Refused;
-  ++bySender_[request.sender];
+  const auto known = bySender_.constFind(request.sender);
+  if (known != bySender_.cend() &&
+      (known->requests >= OfSender.requests || known->bytes + request.bytes > OfSender.bytes))
+    return Admission::Refused;
+  Share& share = bySender_[request.sender];
+  ++share.requests;
+  share.bytes += request.bytes;
   bytes_ += request.bytes;
   pending_.push_back(std::move(pending));
   return isFirst ? Admission::First : Admission::Further;
@@ -24,9 +29,10 @@ std::optional<PendingRequest> BusInbox::take() {
   PendingRequest oldest = std::move(pending_.front());
   pending_.pop_front();
   bytes_ -= oldest.request.bytes;
-  const auto count = bySender_.find(oldest.request.sender);
-  if (--*count == 0)
-    bySender_.erase(count);
+  const auto share = bySender_.find(oldest.request.sender);
+  share->bytes -= oldest.request.bytes;
+  if (--share->requests == 0)
+    bySender_.erase(share);
   return oldest;
 }
 

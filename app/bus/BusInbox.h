@@ -26,10 +26,13 @@ struct PendingRequest {
 // Thread: any.
 class BusInbox {
  public:
-  static constexpr std::size_t MostRequests = 256;
-  static constexpr std::size_t MostRequestsOfSender = 64;
-  // Of values; a single request may have as many by itself.
-  static constexpr qsizetype MostBytes = qsizetype(64) << 20;
+  // What may wait; the first request of a sender may be larger than its share.
+  struct Share {
+    std::size_t requests;
+    qsizetype bytes;
+  };
+  static constexpr Share OfAll{1024, qsizetype(96) << 20};
+  static constexpr Share OfSender{512, qsizetype(32) << 20};
 
   enum class Admission { First, Further, Refused };
 
@@ -42,7 +45,7 @@ class BusInbox {
  private:
   std::mutex mutex_;
   std::deque<PendingRequest> pending_;
-  QHash<QString, std::size_t> bySender_;
+  QHash<QString, Share> bySender_;
   qsizetype bytes_ = 0;
 };
 

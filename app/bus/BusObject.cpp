@@ -74,22 +74,28 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
     answerProperties(message, connection);
     return true;
   }
-  if (!interface.isEmpty() && interface != TickerInterface)
+  // These the library answers, with the description above.
+  if (interface == "org.freedesktop.DBus.Introspectable"_L1 ||
+      interface == "org.freedesktop.DBus.Peer"_L1 ||
+      (interface.isEmpty() && message.member() == "Introspect"_L1))
     return false;
   try {
-    return handleCall(message, connection);
+    handleCall(message, connection);
   } catch (const BusFailure& failure) {
     connection.send(message.createErrorReply(failure.errorName(), failure.message()));
   }
   return true;
 }
 
-bool BusObject::handleCall(const QDBusMessage& call, const QDBusConnection& connection) {
-  std::optional<BusRequest> request = readCall(call);
-  if (!request)
-    return false;
-  put({std::move(*request), call, connection});
-  return true;
+void BusObject::handleCall(const QDBusMessage& call, const QDBusConnection& connection) {
+  const bool isOurs = call.interface().isEmpty() || call.interface() == TickerInterface;
+  if (std::optional<BusRequest> request = isOurs ? readCall(call) : std::nullopt)
+    put({std::move(*request), call, connection});
+  else if (isOurs)
+    connection.send(call.createErrorReply(QDBusError::UnknownMethod,
+                                          TickerInterface + u" has no such method"_s));
+  else
+    connection.send(call.createErrorReply(QDBusError::UnknownInterface, u"no such interface"_s));
 }
 
 void BusObject::notified(const QDBusMessage& signal) {

@@ -29,7 +29,7 @@ class BusObject : public QDBusVirtualObject {
   Q_SLOT void notified(const QDBusMessage& signal);
 
  private:
-  bool handleCall(const QDBusMessage& call, const QDBusConnection& connection);
+  void handleCall(const QDBusMessage& call, const QDBusConnection& connection);
   void put(PendingRequest&& pending);
 
   BusInbox& inbox_;

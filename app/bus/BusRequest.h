@@ -14,6 +14,7 @@ namespace zq::app {
 struct BusRequest {
   enum class Kind {
     DisplayMessage,
+    DisplayNotification,
     DisplaySign,
     RemoveSign,
     ArrangeSigns,

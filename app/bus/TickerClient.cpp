@@ -36,7 +36,7 @@ bool isLost(const QString& errorName) {
 }
 
 BusReply noBus() {
-  return {false, NoBusError, u"no session bus"_s, {}, false};
+  return {false, NoBusErrorName, u"no session bus"_s, {}, false};
 }
 
 BusReply readReply(const QDBusMessage& message) {
@@ -59,7 +59,7 @@ BusReply readReply(const QDBusMessage& message) {
 } // namespace
 
 bool BusReply::isUnreachable() const {
-  return errorName == NoBusError || isNoTicker(errorName) ||
+  return errorName == NoBusErrorName || isNoTicker(errorName) ||
          errorName == "org.freedesktop.DBus.Error.Disconnected"_L1;
 }
 

@@ -25,11 +25,13 @@ class TickerReceiver {
 
   // The identifier of what is shown.
   virtual QString displayMessage(const QVariantMap& message, const BusSender& sender) = 0;
+  // The same for one that was broadcast; whatever is wrong with it is the receiver's to log.
+  virtual void displayNotification(const QVariantMap& message, const BusSender& sender) = 0;
   virtual QString displaySign(const QByteArray& archive, const QVariantMap& origin,
                               const BusSender& sender) = 0;
   // Whether there was one.
-  virtual bool removeSign(const QString& identifier) = 0;
-  virtual void arrangeSigns(const QStringList& identifiers) = 0;
+  virtual bool removeSign(const QString& identifier, const BusSender& sender) = 0;
+  virtual void arrangeSigns(const QStringList& identifiers, const BusSender& sender) = 0;
   // An invalid descriptor stands for no standard input.
   virtual void run(const QStringList& arguments, const QString& folder,
                    const QDBusUnixFileDescriptor& standardInput) = 0;

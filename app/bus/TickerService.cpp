@@ -43,12 +43,15 @@ QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
   switch (request.kind) {
   case BusRequest::Kind::DisplayMessage:
     return {receiver.displayMessage(request.dictionary, sender)};
+  case BusRequest::Kind::DisplayNotification:
+    receiver.displayNotification(request.dictionary, sender);
+    break;
   case BusRequest::Kind::DisplaySign:
     return {receiver.displaySign(request.archive, request.dictionary, sender)};
   case BusRequest::Kind::RemoveSign:
-    return {receiver.removeSign(request.text)};
+    return {receiver.removeSign(request.text, sender)};
   case BusRequest::Kind::ArrangeSigns:
-    receiver.arrangeSigns(request.strings);
+    receiver.arrangeSigns(request.strings, sender);
     break;
   case BusRequest::Kind::Run:
     receiver.run(request.strings, request.text, request.descriptor);
@@ -151,25 +154,22 @@ void TickerService::handOut() {
 }
 
 void TickerService::answer(PendingRequest& pending) {
-  const bool isCall = pending.message.type() == QDBusMessage::MethodCallMessage;
+  // A notification has no sender that waits.
   const auto refuse = [&](const QString& name, const QString& message) {
-    if (isCall)
-      pending.connection.send(pending.message.createErrorReply(name, message));
-    else
-      logRefusal(pending.request.sender, message);
+    pending.connection.send(pending.message.createErrorReply(name, message));
   };
   try {
     const QVariantList reply = perform(*receiver_, pending.request);
-    if (isCall)
+    if (pending.message.isReplyRequired())
       pending.connection.send(pending.message.createReply(reply));
     if (pending.request.kind == BusRequest::Kind::Quit)
       receiver_->quit();
   } catch (const BusFailure& failure) {
     refuse(failure.errorName(), failure.message());
   } catch (const std::bad_alloc&) {
-    refuse(TooMuchError, u"out of memory"_s);
+    refuse(TooMuchErrorName, u"out of memory"_s);
   } catch (const std::exception& exception) {
-    refuse(FailedError, QString::fromUtf8(exception.what()));
+    refuse(FailedErrorName, QString::fromUtf8(exception.what()));
   }
 }
 

@@ -11,12 +11,12 @@ inline constexpr QLatin1StringView TickerInterface("org.zqticker.Ticker1");
 inline constexpr QLatin1StringView DisplayMessageSignal("ZQTickerDisplayMessageNotification");
 
 // Errors of calls.
-inline constexpr QLatin1StringView InvalidMessageError("org.zqticker.Error.InvalidMessage");
-inline constexpr QLatin1StringView InvalidSignError("org.zqticker.Error.InvalidSign");
-inline constexpr QLatin1StringView TooMuchError("org.zqticker.Error.TooMuch");
-inline constexpr QLatin1StringView FailedError("org.zqticker.Error.Failed");
+inline constexpr QLatin1StringView InvalidMessageErrorName("org.zqticker.Error.InvalidMessage");
+inline constexpr QLatin1StringView InvalidSignErrorName("org.zqticker.Error.InvalidSign");
+inline constexpr QLatin1StringView TooMuchErrorName("org.zqticker.Error.TooMuch");
+inline constexpr QLatin1StringView FailedErrorName("org.zqticker.Error.Failed");
 // For replies that never came from a bus: there is none.
-inline constexpr QLatin1StringView NoBusError("org.zqticker.Error.NoBus");
+inline constexpr QLatin1StringView NoBusErrorName("org.zqticker.Error.NoBus");
 
 // The bus itself.
 inline constexpr QLatin1StringView BusDaemonName("org.freedesktop.DBus");

@@ -96,6 +96,7 @@ std::optional<BusRequest> readCall(const QDBusMessage& call) {
     request.text = values.plain(arguments.at(1)).toString();
     request.descriptor = readDescriptor(arguments.at(2));
     break;
+  case Kind::DisplayNotification: // no method
   case Kind::ShowQueue:
   case Kind::ShowSettings:
   case Kind::Quit:
@@ -107,7 +108,7 @@ std::optional<BusRequest> readCall(const QDBusMessage& call) {
 
 BusRequest readNotification(const QDBusMessage& signal) {
   requireSignature(signal, "a{sv}"_L1);
-  BusRequest request = begin(Kind::DisplayMessage, signal);
+  BusRequest request = begin(Kind::DisplayNotification, signal);
   PlainValues values;
   request.dictionary = values.plain(signal.arguments().at(0)).toMap();
   request.bytes = values.bytes();

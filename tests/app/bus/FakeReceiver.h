@@ -21,6 +21,7 @@ class FakeReceiver : public TickerReceiver {
     BusSender sender;
   };
   std::vector<Shown> messages;
+  std::vector<Shown> notifications;
   std::vector<Shown> signs;
   QStringList removed;
   QStringList arranged;
@@ -38,16 +39,21 @@ class FakeReceiver : public TickerReceiver {
     messages.push_back({message, {}, sender});
     return message.value(QStringLiteral("identifier")).toString();
   }
+  void displayNotification(const QVariantMap& message, const BusSender& sender) override {
+    notifications.push_back({message, {}, sender});
+  }
   QString displaySign(const QByteArray& archive, const QVariantMap& origin,
                       const BusSender& sender) override {
     signs.push_back({origin, archive, sender});
     return QStringLiteral("made");
   }
-  bool removeSign(const QString& identifier) override {
+  bool removeSign(const QString& identifier, const BusSender&) override {
     removed.append(identifier);
     return identifier == QStringLiteral("there");
   }
-  void arrangeSigns(const QStringList& identifiers) override { arranged = identifiers; }
+  void arrangeSigns(const QStringList& identifiers, const BusSender&) override {
+    arranged = identifiers;
+  }
   void run(const QStringList& runArguments, const QString& runFolder,
            const QDBusUnixFileDescriptor& standardInput) override {
     if (runArguments.contains(QStringLiteral("--wrong")))

@@ -1,19 +1,23 @@
-// The ticker on a bus, called by clients of its own and by others that know nothing of it.
-#include "app/bus/TickerService.h"
-#include "app/bus/TickerClient.h"
+// The ticker on a bus: what it makes of calls and notifications.
 #include "app/bus/bus_names.h"
-#include "tests/app/XServer.h"
-#include "tests/app/bus/FakeReceiver.h"
-#include "tests/app/bus/PrivateBus.h"
+#include "app/bus/bus_values.h"
+#include "app/bus/ticker_interface.h"
+#include "tests/app/bus/BusTicker.h"
+#include "tests/app/bus/interface_elements.h"
 #include "tests/support/LogWatch.h"
+#include "zqticker/version.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QFile>
-#include <QtCore/QXmlStreamReader>
-#include <QtDBus/QDBusConnection>
+#include <QtCore/QTimer>
+#include <QtDBus/QDBusObjectPath>
+#include <QtDBus/QDBusSignature>
+#include <QtDBus/QDBusVariant>
 
 #include <gtest/gtest.h>
 
-#include <optional>
+#include <stdexcept>
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app;
@@ -21,47 +25,17 @@ using namespace zq::app::testing;
 using zq::testing::expectLog;
 
 namespace {
+// A message of any shape to the ticker's object.
+QDBusMessage tickerCall(const QString& method, const QVariantList& arguments,
+                        const QString& interface = TickerInterface) {
+  QDBusMessage call =
+      QDBusMessage::createMethodCall(TickerBusName, TickerObjectPath, interface, method);
+  call.setArguments(arguments);
+  return call;
+}
 
-class BusTicker : public ::testing::Test {
- protected:
-  void SetUp() override {
-    if (!PrivateBus::isInstalled())
-      GTEST_SKIP() << "dbus-daemon is not installed";
-    bus_.emplace();
-    ASSERT_TRUE(bus_->isRunning());
-    service_.emplace(bus_->address());
-    service_->setReceiver(&receiver_);
-    ASSERT_EQ(service_->start(), TickerService::Start::IsOwner);
-    client_.emplace(bus_->address());
-  }
-
-  // The reply to a call that is given its callback.
-  template <typename Call>
-  BusReply reply(Call call) {
-    std::optional<BusReply> result;
-    call([&](const BusReply& one) { result = one; });
-    EXPECT_TRUE(waitUntil([&] { return result.has_value(); }));
-    return result.value_or(BusReply());
-  }
-  BusReply display(const QVariantMap& message) {
-    return reply([&](auto callback) { client_->displayMessage(message, callback); });
-  }
-
-  // What a program writes, its errors included, and its status.
-  Outcome runTool(const QString& tool, const QStringList& arguments) {
-    QProcess process;
-    process.setProcessEnvironment(bus_->environment());
-    process.start(tool, arguments);
-    EXPECT_TRUE(waitUntil([&] { return process.state() == QProcess::NotRunning; }));
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-  }
-
-  FakeReceiver receiver_;
-  std::optional<PrivateBus> bus_;
-  std::optional<TickerService> service_;
-  std::optional<TickerClient> client_;
-};
-
+const QString Properties = u"org.freedesktop.DBus.Properties"_s;
+const QString InvalidArgs = u"org.freedesktop.DBus.Error.InvalidArgs"_s;
 } // namespace
 
 TEST_F(BusTicker, ReceivesAMessageWithPlainValues) {
@@ -84,23 +58,247 @@ TEST_F(BusTicker, ReceivesAMessageWithPlainValues) {
   EXPECT_GT(receiver_.messages[0].sender.bytes, 0);
 }
 
-TEST_F(BusTicker, AnswersGdbus) {
-  if (!XServer::hasProgram(u"gdbus"_s))
-    GTEST_SKIP() << "gdbus is not installed";
-  const QStringList place{u"--session"_s, u"--dest"_s, TickerBusName, u"--object-path"_s,
-                          TickerObjectPath};
-  const Outcome called = runTool(
-      u"gdbus"_s, QStringList{u"call"_s} + place +
-                      QStringList{u"--method"_s, u"org.zqticker.Ticker1.DisplayMessage"_s,
-                                  u"{'text': <'Hello'>, 'identifier': <'g'>, 'loopCount': <2>}"_s});
-  EXPECT_EQ(called.status, 0) << called.errors.toStdString();
-  EXPECT_EQ(called.output, "('g',)\n");
-  ASSERT_EQ(receiver_.messages.size(), 1u);
-  EXPECT_EQ(receiver_.messages[0].dictionary.value(u"loopCount"_s), QVariant(2));
+TEST_F(BusTicker, TakesContainersApart) {
+  const QVariantMap data{{u"list"_s, QVariantList{1, u"two"_s, QVariantList{3.0}}},
+                         {u"map"_s, QVariantMap{{u"b"_s, QByteArray("bytes")}}},
+                         {u"strings"_s, QStringList{u"x"_s, u"y"_s}},
+                         {u"path"_s, QVariant::fromValue(QDBusObjectPath(u"/a/b"_s))},
+                         {u"type"_s, QVariant::fromValue(QDBusSignature(u"a{sv}"_s))},
+                         {u"small"_s, QVariant::fromValue(uchar(7))},
+                         {u"large"_s, QVariant::fromValue(quint64(1) << 63)},
+                         {u"standardInput"_s, QVariant::fromValue(QDBusUnixFileDescriptor(0))}};
+  ASSERT_TRUE(display({{u"actionData"_s, data}}).ok);
+  const QVariantMap read = receiver_.messages.at(0).dictionary.value(u"actionData"_s).toMap();
+  EXPECT_EQ(read.value(u"list"_s), QVariant(QVariantList{1, u"two"_s, QVariantList{3.0}}));
+  EXPECT_EQ(read.value(u"map"_s), QVariant(QVariantMap{{u"b"_s, QByteArray("bytes")}}));
+  EXPECT_EQ(read.value(u"strings"_s), QVariant(QStringList{u"x"_s, u"y"_s}));
+  EXPECT_EQ(read.value(u"path"_s), QVariant(u"/a/b"_s));
+  EXPECT_EQ(read.value(u"type"_s), QVariant(u"a{sv}"_s));
+  EXPECT_EQ(read.value(u"small"_s), QVariant::fromValue(uchar(7)));
+  EXPECT_EQ(read.value(u"large"_s), QVariant::fromValue(quint64(1) << 63));
+  EXPECT_TRUE(read.contains(u"standardInput"_s));
+  EXPECT_FALSE(read.value(u"standardInput"_s).isValid());
+}
 
-  const Outcome described = runTool(u"gdbus"_s, QStringList{u"introspect"_s} + place);
-  EXPECT_EQ(described.status, 0) << described.errors.toStdString();
-  EXPECT_TRUE(described.output.contains("DisplayMessage(in  a{sv} message,"))
-      << described.output.toStdString();
-  EXPECT_TRUE(described.output.contains("readonly s Version = ")) << described.output.toStdString();
+TEST_F(BusTicker, RefusesWhatIsNestedTooDeep) {
+  QVariant nested = u"core"_s;
+  for (int i = 0; i < 20; ++i)
+    nested = QVariantList{nested};
+  const BusReply result = display({{u"actionData"_s, nested}});
+  EXPECT_EQ(result.errorName, TooMuchErrorName);
+  EXPECT_EQ(result.errorMessage, u"containers nested more than 8 deep"_s);
+  EXPECT_TRUE(receiver_.messages.empty());
+}
+
+TEST_F(BusTicker, RefusesTooManyValues) {
+  QVariantList many(20'000, QVariant(1));
+  EXPECT_EQ(display({{u"actionData"_s, many}}).errorMessage, u"more than 10000 values"_s);
+  QStringList strings(20'000, u"s"_s);
+  EXPECT_EQ(display({{u"actionData"_s, strings}}).errorMessage, u"more than 10000 values"_s);
+  EXPECT_TRUE(receiver_.messages.empty());
+}
+
+TEST_F(BusTicker, RefusesAPictureOfFiftyMegabytes) {
+  const BusReply result = display({{u"image"_s, QByteArray(50 << 20, 'x')}});
+  EXPECT_EQ(result.errorName, TooMuchErrorName);
+  EXPECT_EQ(result.errorMessage, u"more than 33554432 bytes"_s);
+  EXPECT_TRUE(display({{u"text"_s, u"next"_s}}).ok);
+  EXPECT_EQ(receiver_.messages.size(), 1u);
+}
+
+TEST_F(BusTicker, RefusesArgumentsOfOtherTypes) {
+  const struct {
+    QString method;
+    QVariantList arguments;
+    QString complaint;
+  } cases[] = {
+      {u"DisplayMessage"_s, {3}, u"DisplayMessage takes (a{sv}), not (i)"_s},
+      {u"DisplayMessage"_s, {}, u"DisplayMessage takes (a{sv}), not ()"_s},
+      {u"DisplayMessage"_s, {QVariantMap(), 1}, u"DisplayMessage takes (a{sv}), not (a{sv}i)"_s},
+      {u"DisplaySign"_s, {u"text"_s}, u"DisplaySign takes (ay), not (s)"_s},
+      {u"DisplaySignFrom"_s, {QByteArray("a")}, u"DisplaySignFrom takes (aya{sv}), not (ay)"_s},
+      {u"RemoveSign"_s, {1.5}, u"RemoveSign takes (s), not (d)"_s},
+      {u"ArrangeSigns"_s, {u"a"_s}, u"ArrangeSigns takes (as), not (s)"_s},
+      {u"Run"_s, {QStringList{u"a"_s}, u"/"_s}, u"Run takes (assah), not (ass)"_s},
+      {u"Quit"_s, {true}, u"Quit takes (), not (b)"_s},
+  };
+  for (const auto& one : cases) {
+    const QDBusMessage reply = send(tickerCall(one.method, one.arguments));
+    EXPECT_EQ(reply.errorName(), InvalidArgs) << one.method.toStdString();
+    EXPECT_EQ(reply.errorMessage(), one.complaint);
+  }
+  EXPECT_TRUE(receiver_.messages.empty());
+  EXPECT_TRUE(receiver_.signs.empty());
+  EXPECT_TRUE(receiver_.removed.empty());
+  EXPECT_EQ(receiver_.quitCount, 0);
+}
+
+TEST_F(BusTicker, KnowsNoOtherMethodsAndInterfaces) {
+  EXPECT_EQ(send(tickerCall(u"Explode"_s, {})).errorName(),
+            u"org.freedesktop.DBus.Error.UnknownMethod"_s);
+  EXPECT_EQ(send(tickerCall(u"Quit"_s, {}, u"org.example.Other"_s)).errorName(),
+            u"org.freedesktop.DBus.Error.UnknownInterface"_s);
+  EXPECT_EQ(receiver_.quitCount, 0);
+  EXPECT_EQ(send(tickerCall(u"Quit"_s, {}, QString())).type(), QDBusMessage::ReplyMessage)
+      << "an interface need not be named";
+  EXPECT_TRUE(waitUntil([&] { return receiver_.quitCount == 1; }));
+}
+
+TEST_F(BusTicker, HasAVersionThatCanOnlyBeRead) {
+  const QDBusMessage got =
+      send(tickerCall(u"Get"_s, {QString(TickerInterface), u"Version"_s}, Properties));
+  EXPECT_EQ(got.arguments().value(0).value<QDBusVariant>().variant(),
+            QVariant(QStringLiteral(ZQTICKER_VERSION)));
+  const QDBusMessage all = send(tickerCall(u"GetAll"_s, {QString(TickerInterface)}, Properties));
+  EXPECT_EQ(plainValue(all.arguments().value(0)),
+            QVariant(QVariantMap{{u"Version"_s, QStringLiteral(ZQTICKER_VERSION)}}));
+  const QVariant value = QVariant::fromValue(QDBusVariant(u"9"_s));
+  EXPECT_EQ(send(tickerCall(u"Set"_s, {QString(TickerInterface), u"Version"_s, value}, Properties))
+                .errorName(),
+            u"org.freedesktop.DBus.Error.PropertyReadOnly"_s);
+  EXPECT_EQ(
+      send(tickerCall(u"Get"_s, {QString(TickerInterface), u"Colour"_s}, Properties)).errorName(),
+      u"org.freedesktop.DBus.Error.UnknownProperty"_s);
+  EXPECT_EQ(send(tickerCall(u"Get"_s, {1}, Properties)).errorName(), InvalidArgs);
+}
+
+TEST_F(BusTicker, DescribesItselfAsTheShippedFileDoes) {
+  QFile file(QStringLiteral(ZQTICKER_SOURCE_DIR "/app/bus/org.zqticker.Ticker1.xml"));
+  ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+  const QDBusMessage reply =
+      send(tickerCall(u"Introspect"_s, {}, u"org.freedesktop.DBus.Introspectable"_s));
+  const QStringList shipped = interfaceElements(QString::fromUtf8(file.readAll()));
+  EXPECT_GT(shipped.size(), 20);
+  EXPECT_EQ(interfaceElements(reply.arguments().value(0).toString()), shipped);
+}
+
+TEST_F(BusTicker, DoesWhatItDescribes) {
+  // Every method of the description, called as it says, is known.
+  for (const QString& method : methodsOf(tickerInterface())) {
+    const QDBusMessage reply = send(tickerCall(method, {1, 2, 3, 4, 5}));
+    EXPECT_EQ(reply.errorName(), InvalidArgs) << method.toStdString();
+  }
+}
+
+TEST_F(BusTicker, ShowsSignsFromArchives) {
+  const QByteArray archive("archive\0bytes", 13);
+  const BusReply from = reply([&](auto callback) {
+    client_->displaySign(archive, {{u"priority"_s, 2}, {u"arranged"_s, true}}, callback);
+  });
+  EXPECT_EQ(from.identifier, u"made"_s);
+  const QDBusMessage plain = send(tickerCall(u"DisplaySign"_s, {archive}));
+  EXPECT_EQ(plain.arguments(), QVariantList{u"made"_s});
+  ASSERT_EQ(receiver_.signs.size(), 2u);
+  EXPECT_EQ(receiver_.signs[0].archive, archive);
+  EXPECT_EQ(receiver_.signs[0].dictionary,
+            (QVariantMap{{u"priority"_s, 2}, {u"arranged"_s, true}}));
+  EXPECT_EQ(receiver_.signs[1].archive, archive);
+  EXPECT_TRUE(receiver_.signs[1].dictionary.isEmpty());
+}
+
+TEST_F(BusTicker, RemovesAndArrangesSigns) {
+  EXPECT_TRUE(reply([&](auto callback) { client_->removeSign(u"there"_s, callback); }).removed);
+  const BusReply gone = reply([&](auto callback) { client_->removeSign(u"gone"_s, callback); });
+  EXPECT_TRUE(gone.ok);
+  EXPECT_FALSE(gone.removed);
+  EXPECT_EQ(receiver_.removed, (QStringList{u"there"_s, u"gone"_s}));
+  const QStringList order{u"b"_s, u"a"_s};
+  EXPECT_TRUE(reply([&](auto callback) { client_->arrangeSigns(order, callback); }).ok);
+  EXPECT_EQ(receiver_.arranged, order);
+}
+
+TEST_F(BusTicker, RepliesWithWhatTheReceiverRaises) {
+  receiver_.beforeMessage = [] {
+    throw BusFailure(BusFailure::Kind::InvalidMessage, u"loopCount: must be a whole number"_s);
+  };
+  BusReply result = display({{u"loopCount"_s, u"x"_s}});
+  EXPECT_FALSE(result.ok);
+  EXPECT_EQ(result.errorName, InvalidMessageErrorName);
+  EXPECT_EQ(result.errorMessage, u"loopCount: must be a whole number"_s);
+  receiver_.beforeMessage = [] { throw std::runtime_error("no more paint"); };
+  result = display({});
+  EXPECT_EQ(result.errorName, FailedErrorName);
+  EXPECT_EQ(result.errorMessage, u"no more paint"_s);
+}
+
+TEST_F(BusTicker, HearsTheNotificationFromAnyPathAndSender) {
+  QDBusMessage broadcast =
+      QDBusMessage::createSignal(u"/some/where"_s, TickerInterface, DisplayMessageSignal);
+  broadcast.setArguments({QVariantMap{{u"text"_s, u"for all"_s}}});
+  ASSERT_TRUE(connection().send(broadcast));
+  QDBusMessage unicast = QDBusMessage::createTargetedSignal(TickerBusName, u"/else/where"_s,
+                                                            TickerInterface, DisplayMessageSignal);
+  unicast.setArguments({QVariantMap{{u"text"_s, u"for the ticker"_s}}});
+  ASSERT_TRUE(connection().send(unicast));
+  ASSERT_TRUE(waitUntil([&] { return receiver_.notifications.size() == 2; }));
+  EXPECT_EQ(receiver_.notifications[0].dictionary.value(u"text"_s), QVariant(u"for all"_s));
+  EXPECT_EQ(receiver_.notifications[0].sender.name, connection().baseService());
+  EXPECT_EQ(receiver_.notifications[1].dictionary.value(u"text"_s), QVariant(u"for the ticker"_s));
+}
+
+TEST_F(BusTicker, PassesOverANotificationOfOtherTypes) {
+  expectLog(u"DisplayMessageNotification takes (a{sv}), not (i)"_s);
+  QDBusMessage wrong = QDBusMessage::createSignal(u"/"_s, TickerInterface, DisplayMessageSignal);
+  wrong.setArguments({3});
+  ASSERT_TRUE(connection().send(wrong));
+  QDBusMessage right = QDBusMessage::createSignal(u"/"_s, TickerInterface, DisplayMessageSignal);
+  right.setArguments({QVariantMap{}});
+  ASSERT_TRUE(connection().send(right));
+  EXPECT_TRUE(waitUntil([&] { return receiver_.notifications.size() == 1; }));
+}
+
+TEST_F(BusTicker, GoesOnWhereASenderVanishesBeforeItsReply) {
+  QProcess sender;
+  receiver_.beforeMessage = [&] {
+    sender.kill();
+    sender.waitForFinished();
+  };
+  sender.setProcessEnvironment(bus_->environment());
+  sender.start(u"dbus-send"_s,
+               {u"--session"_s, u"--print-reply"_s, u"--dest="_s + TickerBusName, TickerObjectPath,
+                u"org.zqticker.Ticker1.DisplayMessage"_s, u"dict:string:string:text,last"_s});
+  ASSERT_TRUE(waitUntil([&] { return receiver_.messages.size() == 1; }));
+  receiver_.beforeMessage = [] {};
+  EXPECT_TRUE(display({{u"text"_s, u"next"_s}}).ok);
+}
+
+TEST_F(BusTicker, KeepsTheEventLoopGoingWhileManyMessagesWait) {
+  // Each message takes its time; whatever else the loop has to do comes between them.
+  int turns = 0;
+  QTimer loop;
+  QObject::connect(&loop, &QTimer::timeout, [&] { ++turns; });
+  receiver_.beforeMessage = [] {
+    const QDeadlineTimer busy(1, Qt::PreciseTimer);
+    while (!busy.hasExpired())
+      continue;
+  };
+  constexpr std::size_t Count = 400;
+  for (std::size_t i = 0; i < Count; ++i) {
+    QDBusMessage call = tickerCall(u"DisplayMessage"_s, {QVariantMap{}});
+    connection().asyncCall(call);
+  }
+  loop.start(0);
+  EXPECT_TRUE(waitUntil([&] { return receiver_.messages.size() == Count; }));
+  EXPECT_GT(turns, 50);
+}
+
+TEST_F(BusTicker, LetsOthersThroughAFloodWhileAnotherThreadSendsIt) {
+  // The receiver takes nothing while the flood comes.
+  service_->setReceiver(nullptr);
+  std::thread flood([&] {
+    for (int i = 0; i < 20'000; ++i)
+      connection().send(tickerCall(u"DisplayMessage"_s, {QVariantMap{{u"text"_s, u"flood"_s}}}));
+  });
+  flood.join();
+  // A further message of the same sender is refused, when all before it have been read.
+  const QDBusMessage refused = send(tickerCall(u"DisplayMessage"_s, {QVariantMap{}}));
+  EXPECT_EQ(refused.errorName(), TooMuchErrorName);
+  EXPECT_EQ(refused.errorMessage(), u"too many messages wait"_s);
+  std::optional<BusReply> other;
+  client_->displayMessage({{u"identifier"_s, u"other"_s}},
+                          [&](const BusReply& one) { other = one; });
+  service_->setReceiver(&receiver_);
+  ASSERT_TRUE(waitUntil([&] { return other.has_value(); }));
+  EXPECT_EQ(other->identifier, u"other"_s);
+  EXPECT_EQ(receiver_.messages.size(), BusInbox::OfSender.requests + 1);
 }

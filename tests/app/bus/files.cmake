@@ -1,5 +1,12 @@
 set(app_bus_SOURCES
+    BusInboxTest.cpp
+    BusTicker.h
+    BusToolsTest.cpp
     FakeReceiver.h
     PrivateBus.cpp
     PrivateBus.h
-    TickerServiceTest.cpp)
+    SessionBusTest.cpp
+    TickerClientTest.cpp
+    TickerServiceTest.cpp
+    bus_addressTest.cpp
+    interface_elements.h)
