@@ -91,7 +91,7 @@ QString OptionSpec::fullHelp() const {
 QString ParsedOption::text() const {
   if (isOperand())
     return quotedForMessage(values.join(u' '));
-  return quotedForMessage(u"--"_s + name + (values.isEmpty() ? u""_s : u" "_s) + values.join(u' '));
+  return quotedForMessage(dashes + name + (values.isEmpty() ? u""_s : u" "_s) + values.join(u' '));
 }
 
 std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments) {

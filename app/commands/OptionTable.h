@@ -59,7 +59,8 @@ struct OptionTable {
 struct ParsedOption {
   QString name;
   QStringList values;
-  const OptionSpec* spec = nullptr; // in the table that it was read by; null for an operand
+  const OptionSpec* spec = nullptr;      // in the table that it was read by; null for an operand
+  QString dashes = QStringLiteral("--"); // before the name; none for a setting
 
   bool isOperand() const { return name.isEmpty(); }
 

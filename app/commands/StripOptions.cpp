@@ -2,12 +2,12 @@
 
 #include "app/commands/failures.h"
 #include "app/commands/strip_commands.h"
+#include "app/commands/strip_values.h"
 #include "app/intake/LineSplitter.h"
 #include "app/services/ClockText.h"
+#include "app/settings/run_settings.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
-#include <algorithm>
-#include <cmath>
 #include <limits>
 
 using namespace Qt::StringLiterals;
@@ -16,16 +16,7 @@ namespace zq::app {
 
 namespace {
 const QString UsualClockPattern = u"%a %e %b %H:%M"_s;
-constexpr double SlowestSpeed = 0.1;
-constexpr double FastestSpeed = 100'000;
-// Sides of a strip in points.
-constexpr double ShortestSide = 1;
-constexpr double LongestSide = 16'384;
 constexpr double LongestDelay = 1e9;
-constexpr qint64 MostFeedItems = 1000;
-// Minutes.
-constexpr double ShortestInterval = 0.001;
-constexpr double LongestInterval = 10'080;
 constexpr int MostFrames = 1'000'000;
 constexpr double LargestScale = 16;
 constexpr double SmallestScale = 0.1;
@@ -42,13 +33,6 @@ QString fileOf(const ParsedOption& option, const QString& value) {
   if (value.isEmpty())
     throw UsageError(option.text() + u": the file name is empty"_s);
   return value;
-}
-
-FontRequest fontOf(const ParsedOption& option) {
-  const QString text = option.values.first().simplified();
-  if (text.isEmpty())
-    throw UsageError(option.text() + u": the font name is empty"_s);
-  return {text};
 }
 
 std::int64_t loopCountOf(const ParsedOption& option) {
@@ -78,20 +62,6 @@ SignSource clockSource(const ParsedOption& option) {
   return {SignSource::Kind::Clock, {}, pattern, option.text()};
 }
 
-// An address that can be loaded. What is no address at all is told apart from one of another kind
-// only by its scheme.
-QUrl feedOf(const ParsedOption& option, const std::vector<QUrl>& before) {
-  const QUrl url(option.values.first().trimmed());
-  const bool isWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
-  const bool isLocal = url.scheme() == "file"_L1 || url.scheme() == "data"_L1;
-  if (!url.isValid() || !(isLocal || (isWeb && !url.host().isEmpty())))
-    throw UsageError(option.text() + u": not an address (write https://..., http://... or "
-                                     u"file:///...)"_s);
-  if (std::find(before.begin(), before.end(), url) != before.end())
-    throw UsageError(option.text() + u": given twice"_s);
-  return url;
-}
-
 // A file that is named once.
 QString newFileOf(const ParsedOption& option, const QStringList& before) {
   const QString file = fileOf(option, option.values.first());
@@ -118,21 +88,21 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   } else if (name == "feed"_L1) {
     options.feeds.feeds.push_back(feedOf(option, options.feeds.feeds));
   } else if (name == "feed-items"_L1) {
-    options.feeds.itemsPerFeed = static_cast<std::size_t>(integerOf(option, 1, MostFeedItems));
+    options.feeds.itemsPerFeed = feedItemsOf(option);
   } else if (name == "feed-interval"_L1) {
-    options.feeds.intervalMinutes = numberOf(option, ShortestInterval, LongestInterval);
+    options.feeds.intervalMinutes = feedIntervalOf(option);
   } else if (name == "tail"_L1) {
     options.files.tailed.append(newFileOf(option, options.files.tailed));
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
-    options.isHorizontal = wordOf(option, {u"horizontal"_s, u"vertical"_s}) == "horizontal"_L1;
+    options.isHorizontal = isHorizontalOf(option);
   } else if (name == "speed"_L1) {
-    options.speed = numberOf(option, SlowestSpeed, FastestSpeed);
+    options.speed = speedOf(option);
   } else if (name == "width"_L1) {
-    options.width = numberOf(option, ShortestSide, LongestSide);
+    options.width = sideOf(option);
   } else if (name == "height"_L1) {
-    options.height = numberOf(option, ShortestSide, LongestSide);
+    options.height = sideOf(option);
   } else if (name == "font"_L1) {
     options.font = fontOf(option);
   } else if (name == "color"_L1) {
@@ -177,15 +147,6 @@ void readSize(StripOptions& options, const ParsedOption& option) {
       throw UsageError(option.text() +
                        u": sides must be between %1 and %2"_s.arg(ShortestSide).arg(LongestSide));
 }
-
-Edge edgeOf(const ParsedOption& option) {
-  const QString word = wordOf(option, {u"top"_s, u"bottom"_s, u"left"_s, u"right"_s});
-  if (word == "top"_L1)
-    return Edge::Top;
-  if (word == "bottom"_L1)
-    return Edge::Bottom;
-  return word == "left"_L1 ? Edge::Left : Edge::Right;
-}
 } // namespace
 
 void requireSomethingToShow(const StripOptions& options, const QString& command) {
@@ -196,24 +157,46 @@ void requireSomethingToShow(const StripOptions& options, const QString& command)
         u"--tail, --stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
 }
 
+bool RunOptions::showsOwn() const {
+  for (const QLatin1StringView name : {"text"_L1, "image"_L1, "combo"_L1, "sign"_L1, "clock"_L1,
+                                       "feed"_L1, "tail"_L1, "stdin"_L1, "watch"_L1})
+    if (given.contains(name))
+      return true;
+  return false;
+}
+
 RunOptions readRunOptions(const QStringList& arguments) {
+  return readRunOptionsOver(Settings(), arguments);
+}
+
+RunOptions readRunOptionsOver(const Settings& settings, const QStringList& arguments) {
   RunOptions options;
   const auto given = parseOptions(runTable(), arguments);
-  for (const ParsedOption& option : given)
+  for (const ParsedOption& option : given) {
+    options.given.insert(option.name);
     if (option.name == "position"_L1)
       options.edge = edgeOf(option);
-    else if (option.name == "no-control-bar"_L1)
-      options.showsControlBar = false;
+    else if (option.name == "screen"_L1)
+      options.screen = screenOf(option);
+    else if (option.name == "no-autoscale"_L1)
+      options.strip.autoscale = false;
+    else if (option.name == "control-bar"_L1 || option.name == "no-control-bar"_L1)
+      options.showsControlBar = option.name == "control-bar"_L1;
     else if (option.name == "watch"_L1)
       options.strip.files.watched.append(newFileOf(option, options.strip.files.watched));
     else
       readStripOption(options.strip, option);
+  }
+  adoptSettings(options, settings);
   requireFeeds(options.strip, given);
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
   if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)
     throw UsageError(options.strip.isHorizontal
                          ? u"--position: a horizontal strip stands at the top or the bottom"_s
                          : u"--position: a vertical strip stands left or right"_s);
+  for (const QString& name : {u"autoscale"_s, u"control-bar"_s})
+    if (options.given.contains(name) && options.given.contains(u"no-"_s + name))
+      throw UsageError(u"--"_s + name + u": given together with --no-"_s + name);
   return options;
 }
 

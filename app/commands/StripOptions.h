@@ -5,6 +5,7 @@
 #include "app/services/FeedOptions.h"
 #include "app/services/FileOptions.h"
 
+#include <QtCore/QSet>
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
 #include <QtGui/QColor>
@@ -24,9 +25,14 @@ struct SignSource {
   QString argument; // as the user wrote it, for messages
 };
 
+struct Settings;
+
 // A font as written: "DejaVu Sans 18" or, without a size, "DejaVu Sans".
 struct FontRequest {
   QString text;
+  QString option = QStringLiteral("--font"); // what it was written for, in messages
+
+  bool operator==(const FontRequest&) const = default;
 };
 
 // The options that `run` and `render` share.
@@ -54,7 +60,13 @@ enum class Edge { Automatic, Top, Bottom, Left, Right };
 struct RunOptions {
   StripOptions strip;
   Edge edge = Edge::Automatic;
+  QString screen; // its name; empty for the primary one
   bool showsControlBar = true;
+  // The names of the options that were given. The others follow the settings.
+  QSet<QString> given;
+
+  // Whether the command line names something to show.
+  bool showsOwn() const;
 };
 
 struct RenderOptions {
@@ -82,6 +94,8 @@ struct SignOptions {
 // The commands' options. UsageError for what is wrong in itself; files and fonts are looked at
 // later.
 RunOptions readRunOptions(const QStringList& arguments);
+// The same over settings, which say what the command line does not.
+RunOptions readRunOptionsOver(const Settings& settings, const QStringList& arguments);
 RenderOptions readRenderOptions(const QStringList& arguments);
 SignOptions readSignOptions(const QStringList& arguments);
 

@@ -7,6 +7,7 @@
 #include "app/commands/HelpCommand.h"
 #include "app/commands/WatchCommand.h"
 #include "app/commands/strip_commands.h"
+#include "app/settings/SettingsCommand.h"
 
 #include <algorithm>
 
@@ -17,6 +18,7 @@ using Room = const std::vector<Command>& (*)();
 // clang-format off
 constexpr Room Rooms[] = {
     stripCommands,
+    settingsCommands,
     archiveCommands,
     appearanceCommands,
     fetchCommands,

@@ -140,9 +140,10 @@ FoundFont findFont(const FontRequest& request, double usualSize) {
       space < 0 ? 0 : QStringView(request.text).sliced(space + 1).toDouble(&isNumber);
   const QString name = isNumber ? request.text.left(space) : request.text;
   if (!Font::isNameKnown(name))
-    throw RunTimeError(u"--font "_s + quotedForMessage(request.text) + u": unknown font"_s);
+    throw RunTimeError(request.option + u' ' + quotedForMessage(request.text) +
+                       u": unknown font"_s);
   if (!(size > 0 && size <= LargestFontSize))
-    throw UsageError(u"--font "_s + quotedForMessage(request.text) +
+    throw UsageError(request.option + u' ' + quotedForMessage(request.text) +
                      u": the size must be above 0 and at most %1"_s.arg(LargestFontSize));
   return {Font::fontWithName(name, size), true};
 }

@@ -114,7 +114,6 @@ OptionTable makeRunTable() {
   OptionTable table;
   table.command = u"run"_s;
   table.brief = u"scroll signs over the screen; meant where no command is named"_s;
-  table.brief = u"scroll signs over the screen; meant where no command is named"_s;
   table.summary = u"Scrolls signs over a strip at the edge of the screen. The order of the options "
                   u"is the order on the strip."_s;
   table.options = stripOptions();
@@ -139,6 +138,14 @@ OptionTable makeRunTable() {
       {u"position"_s,
        {u"EDGE"_s},
        u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
+  table.options.push_back({u"screen"_s,
+                           {u"NAME"_s},
+                           u"The screen by its name, or primary (the default). While it is not "
+                           u"there the strip stands on the primary one."_s});
+  table.options.push_back(
+      {u"no-autoscale"_s, {}, u"Do not scale texts, where the settings say so."_s});
+  table.options.push_back(
+      {u"control-bar"_s, {}, u"Show the control bar, where the settings say otherwise."_s});
   table.options.push_back(
       {u"no-control-bar"_s,
        {},

@@ -13,6 +13,8 @@ struct FeedOptions {
   std::vector<QUrl> feeds; // each once
   std::optional<double> intervalMinutes;
   std::size_t itemsPerFeed = 10;
+
+  bool operator==(const FeedOptions&) const = default;
 };
 
 } // namespace zq::app

@@ -5,7 +5,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QLocale>
+#include <QtCore/QTemporaryDir>
 #include <QtWidgets/QApplication>
 
 int main(int argc, char** argv) {
@@ -22,6 +24,9 @@ int main(int argc, char** argv) {
     qunsetenv(variable);
   // Nothing of a test is to be seen on a bus but on one that the test starts.
   qputenv("DBUS_SESSION_BUS_ADDRESS", "disabled:");
+  // The settings of whoever runs the tests are not theirs.
+  const QTemporaryDir settings;
+  qputenv("XDG_CONFIG_HOME", QFile::encodeName(settings.path()));
   // Programs that a test starts on a window system of its own get another platform from it.
   qputenv("QT_QPA_PLATFORM", "offscreen");
   if (locale.isEmpty())

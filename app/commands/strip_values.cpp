@@ -1,0 +1,67 @@
+#include "app/commands/strip_values.h"
+
+#include "app/commands/failures.h"
+
+#include <algorithm>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+bool isHorizontalOf(const ParsedOption& option) {
+  return wordOf(option, {u"horizontal"_s, u"vertical"_s}) == "horizontal"_L1;
+}
+
+double speedOf(const ParsedOption& option) {
+  return numberOf(option, SlowestSpeed, FastestSpeed);
+}
+
+double sideOf(const ParsedOption& option) {
+  return numberOf(option, ShortestSide, LongestSide);
+}
+
+FontRequest fontOf(const ParsedOption& option) {
+  const QString text = option.values.first().simplified();
+  if (text.isEmpty())
+    throw UsageError(option.text() + u": the font name is empty"_s);
+  return {text, option.dashes + option.name};
+}
+
+Edge edgeOf(const ParsedOption& option) {
+  const QString word = wordOf(option, {u"top"_s, u"bottom"_s, u"left"_s, u"right"_s});
+  if (word == "top"_L1)
+    return Edge::Top;
+  if (word == "bottom"_L1)
+    return Edge::Bottom;
+  return word == "left"_L1 ? Edge::Left : Edge::Right;
+}
+
+QString screenOf(const ParsedOption& option) {
+  const QString name = option.values.first().trimmed();
+  if (name.isEmpty())
+    throw UsageError(option.text() + u": the name of the screen is empty"_s);
+  return name == "primary"_L1 ? QString() : name;
+}
+
+// What is no address at all is told apart from one of another kind only by its scheme.
+QUrl feedOf(const ParsedOption& option, const std::vector<QUrl>& before) {
+  const QUrl url(option.values.first().trimmed());
+  const bool isWeb = url.scheme() == "http"_L1 || url.scheme() == "https"_L1;
+  const bool isLocal = url.scheme() == "file"_L1 || url.scheme() == "data"_L1;
+  if (!url.isValid() || !(isLocal || (isWeb && !url.host().isEmpty())))
+    throw UsageError(option.text() + u": not an address (write https://..., http://... or "
+                                     u"file:///...)"_s);
+  if (std::find(before.begin(), before.end(), url) != before.end())
+    throw UsageError(option.text() + u": given twice"_s);
+  return url;
+}
+
+std::size_t feedItemsOf(const ParsedOption& option) {
+  return static_cast<std::size_t>(integerOf(option, 1, MostFeedItems));
+}
+
+double feedIntervalOf(const ParsedOption& option) {
+  return numberOf(option, ShortestInterval, LongestInterval);
+}
+
+} // namespace zq::app

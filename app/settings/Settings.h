@@ -1,0 +1,29 @@
+// What the user has chosen for every run of the ticker.
+#pragma once
+
+#include "app/commands/StripOptions.h"
+
+namespace zq::app {
+
+// Values as the settings file, `zqticker settings` and the settings window know them; see
+// settingTable(). As it is made it holds the defaults.
+struct Settings {
+  bool isHorizontal = true;
+  double speed = 60; // points per second
+  std::optional<FontRequest> font;
+  std::optional<QColor> color;
+  QColor background = Qt::white;
+  // One that does not fit the direction counts as Automatic.
+  Edge position = Edge::Automatic;
+  QString screen; // its name; empty for the primary one
+  std::optional<double> height;
+  std::optional<double> width;
+  bool autoscale = false;
+  bool showsControlBar = true;
+  FeedOptions feeds;
+  bool startsWithSession = false; // kept by Autostart, not in the file
+
+  bool operator==(const Settings&) const = default;
+};
+
+} // namespace zq::app

@@ -1,0 +1,43 @@
+#include "app/settings/run_settings.h"
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+void adoptSettings(RunOptions& options, const Settings& settings) {
+  StripOptions& strip = options.strip;
+  const auto isFree = [&](const QString& name) { return !options.given.contains(name); };
+  if (isFree(u"direction"_s))
+    strip.isHorizontal = settings.isHorizontal;
+  if (isFree(u"speed"_s))
+    strip.speed = settings.speed;
+  if (isFree(u"font"_s))
+    strip.font = settings.font;
+  if (isFree(u"color"_s))
+    strip.color = settings.color;
+  if (isFree(u"background"_s))
+    strip.background = settings.background;
+  if (isFree(u"position"_s))
+    options.edge = settings.position;
+  if (isFree(u"screen"_s))
+    options.screen = settings.screen;
+  if (isFree(u"height"_s))
+    strip.height = settings.height;
+  if (isFree(u"width"_s))
+    strip.width = settings.width;
+  if (isFree(u"autoscale"_s) && isFree(u"no-autoscale"_s))
+    strip.autoscale = settings.autoscale;
+  if (isFree(u"control-bar"_s) && isFree(u"no-control-bar"_s))
+    options.showsControlBar = settings.showsControlBar;
+  if (!options.showsOwn())
+    strip.feeds.feeds = settings.feeds.feeds;
+  if (isFree(u"feed-items"_s))
+    strip.feeds.itemsPerFeed = settings.feeds.itemsPerFeed;
+  if (isFree(u"feed-interval"_s))
+    strip.feeds.intervalMinutes = settings.feeds.intervalMinutes;
+  const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
+  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal)
+    options.edge = Edge::Automatic;
+}
+
+} // namespace zq::app

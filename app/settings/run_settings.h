@@ -1,0 +1,13 @@
+// Settings under the options of a command line.
+#pragma once
+
+#include "app/settings/Settings.h"
+
+namespace zq::app {
+
+// Gives `options` what the settings say, but for what the command line has said. Feeds are taken
+// where it names nothing to show. Called again with other settings, these take the place of the
+// first.
+void adoptSettings(RunOptions& options, const Settings& settings);
+
+} // namespace zq::app
