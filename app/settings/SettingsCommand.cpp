@@ -177,8 +177,7 @@ int set(const QStringList& arguments) {
 }
 
 int reset(const QStringList& arguments) {
-  SettingsStore().reset(arguments.isEmpty() ? QStringList()
-                                            : operandsOf(settingsResetTable(), arguments));
+  SettingsStore().reset(arguments.isEmpty() ? QStringList() : operandsOf(resetTable(), arguments));
   return Success;
 }
 } // namespace

@@ -82,7 +82,7 @@ TEST_F(SettingsOnDisk, TellWhatIsBroken) {
     EXPECT_TRUE(contents.object.isEmpty());
     return contents.problem.toStdString();
   };
-  EXPECT_EQ(problem("{\n\"speed\": 4"), "line 2: not JSON: unterminated object");
+  EXPECT_EQ(problem("{\n\"speed\": 4,"), "line 2: not JSON: unterminated object");
   EXPECT_EQ(problem("[1]"), "not a JSON object");
   EXPECT_NE(problem(QByteArray("\0\xff\xfe", 3)), "");
   EXPECT_EQ(problem("{}" + QByteArray(SettingsFile::LargestFile, ' ')), "larger than 1 MiB");

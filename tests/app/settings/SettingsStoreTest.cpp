@@ -148,7 +148,7 @@ TEST_F(StoredSettings, FollowTheirFile) {
 TEST_F(StoredSettings, StayWhileTheirFileIsBroken) {
   write(R"({"speed": 90})");
   makeStore()->watch();
-  expectLog(u"not JSON: unterminated object; the settings stay as they were"_s);
+  expectLog(u"not JSON: invalid termination by number; the settings stay as they were"_s);
   write(R"({"speed": 100)");
   // Reads the file, and finds it broken.
   store_->readAgain();

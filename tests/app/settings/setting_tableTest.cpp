@@ -5,6 +5,7 @@
 #include "app/commands/strip_values.h"
 
 #include <QtCore/QJsonArray>
+#include <QtCore/QJsonObject>
 #include <QtCore/QSet>
 
 #include <gtest/gtest.h>
