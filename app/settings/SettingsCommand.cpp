@@ -19,11 +19,12 @@ namespace {
 const QString ApplyNote =
     u"A ticker that is running takes the change at once, but for what its own command line says."_s;
 
-QString namesNote() {
-  QString note = u"Settings:"_s;
+// A paragraph for each setting.
+QStringList settingNotes() {
+  QStringList notes;
   for (const SettingSpec& spec : settingTable())
-    note += u" "_s + spec.name + u" ("_s + spec.values + u"): "_s + spec.help;
-  return note;
+    notes.append(spec.name + u' ' + spec.values + u": "_s + spec.help);
+  return notes;
 }
 
 OptionTable tableOf(const QString& action, const QString& brief, const QString& summary,
@@ -47,8 +48,8 @@ const OptionTable& listTable() {
     made.options.insert(
         made.options.begin(),
         {u"json"_s, {}, u"Print them as JSON, null for what is left to the program."_s});
-    made.notes = {
-        namesNote(),
+    made.notes = settingNotes();
+    made.notes += {
         u"The file is JSON and may be changed by hand: numbers and texts as they are written here, "
         u"true or false for on and off, a list of texts for feeds. Other members of it are left as "
         u"they are. A value that is wrong is left out, a file that is no JSON object is kept under "
