@@ -35,16 +35,6 @@ QString fileOf(const ParsedOption& option, const QString& value) {
   return value;
 }
 
-std::int64_t loopCountOf(const ParsedOption& option) {
-  if (option.values.first() == "forever"_L1)
-    return ZQEndlessLoopCount;
-  bool isNumber = false;
-  const qint64 count = option.values.first().toLongLong(&isNumber);
-  if (!isNumber || count < 1 || count > std::numeric_limits<std::int32_t>::max())
-    throw UsageError(option.text() + u": must be a whole number from 1 on, or forever"_s);
-  return count;
-}
-
 SignSource textSource(const ParsedOption& option) {
   return {SignSource::Kind::Text, {}, textOf(option, option.values[0]), option.text()};
 }
@@ -148,6 +138,16 @@ void readSize(StripOptions& options, const ParsedOption& option) {
                        u": sides must be between %1 and %2"_s.arg(ShortestSide).arg(LongestSide));
 }
 } // namespace
+
+std::int64_t loopCountOf(const ParsedOption& option) {
+  if (option.values.first() == "forever"_L1)
+    return ZQEndlessLoopCount;
+  bool isNumber = false;
+  const qint64 count = option.values.first().toLongLong(&isNumber);
+  if (!isNumber || count < 1 || count > std::numeric_limits<std::int32_t>::max())
+    throw UsageError(option.text() + u": must be a whole number from 1 on, or forever"_s);
+  return count;
+}
 
 void requireSomethingToShow(const StripOptions& options, const QString& command) {
   if (options.sources.empty() && options.feeds.feeds.empty() && options.files.isEmpty() &&

@@ -93,6 +93,9 @@ struct SignOptions {
 
 // The commands' options. UsageError for what is wrong in itself; files and fonts are looked at
 // later.
+// The count that a "--loop" asks for; UsageError where it is none.
+std::int64_t loopCountOf(const ParsedOption& option);
+
 RunOptions readRunOptions(const QStringList& arguments);
 // The same over settings, which say what the command line does not.
 RunOptions readRunOptionsOver(const Settings& settings, const QStringList& arguments);

@@ -5,6 +5,7 @@
 #include "app/commands/FeedCommand.h"
 #include "app/commands/FetchCommand.h"
 #include "app/commands/HelpCommand.h"
+#include "app/commands/PostCommand.h"
 #include "app/commands/WatchCommand.h"
 #include "app/commands/strip_commands.h"
 #include "app/settings/SettingsCommand.h"
@@ -19,6 +20,7 @@ using Room = const std::vector<Command>& (*)();
 constexpr Room Rooms[] = {
     stripCommands,
     settingsCommands,
+    postCommands,
     archiveCommands,
     appearanceCommands,
     fetchCommands,

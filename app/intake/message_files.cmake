@@ -1,5 +1,7 @@
-# Display messages.
+# Display messages: how they come in, and the command that sends one.
 set(message_SOURCES
+    commands/PostCommand.cpp
+    commands/PostCommand.h
     intake/DisplayMessage.cpp
     intake/DisplayMessage.h
     intake/FloodLog.cpp
