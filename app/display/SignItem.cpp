@@ -12,12 +12,29 @@
 
 namespace zq::app {
 
-using platform::Ref;
+using namespace platform;
 
 namespace {
 Q_LOGGING_CATEGORY(signLog, "zqticker.display")
 
 const SignOrigin NoOrigin;
+
+// The text with the attribute changed; null where nothing has it.
+Ref<AttributedString> withAttribute(const Ref<AttributedString>& text, const QString& name,
+                                    const Ref<Object>& before, const Ref<Object>& after) {
+  Ref<MutableAttributedString> changed;
+  for (const AttributedString::Run& run : text->runs()) {
+    if (objectOf<Object>(run.attributes.value(name)) != before)
+      continue;
+    if (!changed)
+      changed = text->mutableCopy();
+    if (after)
+      changed->addAttribute(name, any(after), run.range);
+    else
+      changed->removeAttribute(name, run.range);
+  }
+  return changed;
+}
 
 bool isEmpty(const SignOrigin& origin) {
   return origin.senderIdentifier.isEmpty() && origin.senderName.isEmpty() && origin.priority == 0 &&
@@ -71,6 +88,21 @@ bool SignItem::changeText(const QString& text) {
   return true;
 }
 
+void SignItem::replaceAttribute(const QString& name, const Ref<Object>& before,
+                                const Ref<Object>& after) {
+  if (!before || before == after)
+    return;
+  if (auto* textSign = dynamic_cast<ZQTextTickerSign*>(sign_.get())) {
+    if (textSign->text())
+      if (const auto text = withAttribute(textSign->text(), name, before, after))
+        textSign->setText(text);
+  } else if (auto* combo = dynamic_cast<ZQComboTickerSign*>(sign_.get())) {
+    if (const auto styled = objectOf<AttributedString>(combo->text()))
+      if (const auto text = withAttribute(styled, name, before, after))
+        combo->setText(any(text));
+  }
+}
+
 void SignItem::leave() {
   if (isLine_)
     sign_.reset();
@@ -89,7 +121,7 @@ QString SignItem::text() const {
   if (isLine_)
     return line_;
   if (const auto* combo = dynamic_cast<const ZQComboTickerSign*>(sign_.get())) {
-    const auto attributed = platform::objectOf<platform::AttributedString>(combo->text());
+    const auto attributed = objectOf<AttributedString>(combo->text());
     return attributed ? attributed->string() : combo->text().toString();
   }
   if (const auto* text = dynamic_cast<const ZQTextTickerSign*>(sign_.get()))

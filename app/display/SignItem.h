@@ -33,6 +33,11 @@ class SignItem : public StripItem {
   // another sign and for a line.
   bool changeText(const QString& text);
 
+  // Lets those parts of the sign's text whose attribute `name` is the very object `before` have
+  // `after` instead; null for none.
+  void replaceAttribute(const QString& name, const platform::Ref<platform::Object>& before,
+                        const platform::Ref<platform::Object>& after);
+
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }

@@ -120,13 +120,27 @@ void TickerDisplay::setPaused(bool paused, double time) {
 }
 
 void TickerDisplay::setDefaultFont(Ref<Font> font) {
+  if (font == font_)
+    return;
+  restyle(FontAttributeName, font_, font);
   font_ = std::move(font);
   markForLayout();
 }
 
 void TickerDisplay::setDefaultTextColor(Ref<Color> color) {
+  if (color == color_)
+    return;
+  restyle(ForegroundColorAttributeName, color_, color);
   color_ = std::move(color);
   markForLayout();
+}
+
+// Texts that were given a default of this display follow it.
+void TickerDisplay::restyle(const QString& attribute, const Ref<Object>& before,
+                            const Ref<Object>& after) {
+  strip_.forEachItem([&](StripItem& item) {
+    static_cast<SignItem&>(item).replaceAttribute(attribute, before, after);
+  });
 }
 
 void TickerDisplay::setShouldAutoscale(bool autoscale) {

@@ -75,6 +75,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // the change.
   void setSize(QSizeF points, double time);
   void setHorizontal(bool horizontal, double time);
+  // Texts in the very font or colour that was the default before take the new one.
   void setDefaultFont(platform::Ref<platform::Font> font);
   void setDefaultTextColor(platform::Ref<platform::Color> color);
   void setShouldAutoscale(bool autoscale);
@@ -187,6 +188,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
   void countSign(const QString& sender, bool isQueued);
   void markForLayout();
+  void restyle(const QString& attribute, const platform::Ref<platform::Object>& before,
+               const platform::Ref<platform::Object>& after);
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
   QSizeF size_{0, 0};

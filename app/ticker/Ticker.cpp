@@ -92,15 +92,14 @@ void Ticker::runClockOf(const StripOptions& options) {
 }
 
 QString Ticker::show(const Ref<ZQTickerSign>& sign, const SignOrigin& origin, bool arranged) {
-  Q_UNUSED(origin) // see TickerDisplay
   if (!sign->identifier())
     sign->setIdentifier(QUuid::createUuid().toString(QUuid::WithoutBraces));
   const double now = time();
-  if (!display_.replaceSign(sign, now)) {
+  if (!display_.replaceSign(sign, now, origin)) {
     if (arranged)
-      display_.addArrangedSign(sign, now);
+      display_.addArrangedSign(sign, now, origin);
     else
-      display_.addSign(sign, now);
+      display_.addSign(sign, now, origin);
   }
   displayChanged();
   return *sign->identifier();

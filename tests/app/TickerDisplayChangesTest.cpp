@@ -2,6 +2,8 @@
 // removed, and the strip steps and pauses.
 #include "tests/app/DisplayFrames.h"
 #include "zqticker/platform/text/AttributedString.h"
+#include "zqticker/platform/text/text_attributes.h"
+#include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <gtest/gtest.h>
@@ -258,4 +260,72 @@ TEST(TickerDisplayChanges, ForgetsTheNamesOfSignsThatHaveGone) {
   EXPECT_TRUE(display.isFinished());
   EXPECT_FALSE(display.replaceSign(named(u"once"_s, Qt::blue), 10));
   EXPECT_TRUE(display.isFinished());
+}
+
+namespace {
+const QString Words = QStringLiteral("words");
+
+Ref<Font> fontOf(const AttributedString& text, qsizetype index = 0) {
+  return objectOf<Font>(text.attributeAtIndex(FontAttributeName, index));
+}
+Ref<Color> colorOf(const AttributedString& text, qsizetype index = 0) {
+  return objectOf<Color>(text.attributeAtIndex(ForegroundColorAttributeName, index));
+}
+} // namespace
+
+TEST(TickerDisplayLook, IsFollowedByTextsThatHaveIt) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  const auto text = std::dynamic_pointer_cast<ZQTextTickerSign>(display.makeTextSign(Words));
+  const auto combo = ZQComboTickerSign::make(any(display.styledText(Words)), Ref<Image>());
+  display.addSign(text, 0);
+  display.addSign(combo, 0);
+  const auto font = Font::fontWithName(u"DejaVu Sans"_s, 20);
+  const auto color = Color::deviceRGB(1, 0, 0);
+  display.setDefaultFont(font);
+  display.setDefaultTextColor(color);
+  for (const auto& attributed : {text->text(), objectOf<AttributedString>(combo->text())}) {
+    EXPECT_EQ(fontOf(*attributed), font);
+    EXPECT_EQ(colorOf(*attributed), color);
+  }
+}
+
+TEST(TickerDisplayLook, IsNotForTextsThatHaveTheirOwn) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  const Ref<Font> before = display.defaultFont();
+  const auto equal = Font::fontWithName(before->fontName(), before->pointSize());
+  ASSERT_NE(equal, before);
+  const auto text =
+      ZQTextTickerSign::make(AttributedString::make(Words, {{FontAttributeName, any(equal)}}));
+  const Ref<AttributedString> words = text->text();
+  display.addSign(text, 0);
+  display.setDefaultFont(Font::fontWithName(u"DejaVu Sans"_s, 20));
+  display.setDefaultTextColor(Color::deviceRGB(1, 0, 0));
+  EXPECT_EQ(text->text(), words);
+}
+
+TEST(TickerDisplayLook, IsFollowedByThePartsOfATextThatHaveIt) {
+  TickerDisplay display;
+  setUp(display, QSizeF(96, 24));
+  const Ref<MutableAttributedString> words = display.styledText(Words)->mutableCopy();
+  const auto red = Color::deviceRGB(1, 0, 0);
+  words->addAttribute(ForegroundColorAttributeName, any(red), {0, 2});
+  const auto text = ZQTextTickerSign::make(Ref<AttributedString>(words));
+  display.addSign(text, 0);
+  const auto blue = Color::deviceRGB(0, 0, 1);
+  display.setDefaultTextColor(blue);
+  EXPECT_EQ(colorOf(*text->text(), 0), red);
+  EXPECT_EQ(colorOf(*text->text(), 2), blue);
+}
+
+TEST(TickerDisplayLook, ChangesTheLengthOfWhatIsOnTheStrip) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24));
+  display.addSign(display.makeTextSign(Words), 0);
+  display.advanceTo(1);
+  ASSERT_EQ(display.strip().runs().size(), 1u);
+  const double before = display.strip().runs().front().length;
+  display.setDefaultFont(Font::fontWithName(u"DejaVu Sans"_s, 20));
+  EXPECT_GT(display.strip().runs().front().length, before * 1.5);
 }
