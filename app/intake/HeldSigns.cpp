@@ -1,6 +1,7 @@
 #include "app/intake/HeldSigns.h"
 
 #include "app/intake/message_pictures.h"
+#include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/platform/text/TextAttachment.h"
@@ -22,16 +23,25 @@ constexpr qint64 BytesPerCharacter = 64;
 constexpr qint64 BytesPerRun = 1024;
 constexpr qint64 BytesPerSign = 4096;
 
+// Pictures that stand in a text, or that it is painted with.
+qint64 pixelsOf(const Any& attribute) {
+  const Ref<Object> object = objectOf(attribute);
+  if (const auto color = std::dynamic_pointer_cast<Color>(object))
+    return pixelCountOf(color->patternImage());
+  const auto attachment = std::dynamic_pointer_cast<TextAttachment>(object);
+  return attachment && attachment->attachmentCell()
+             ? pixelCountOf(attachment->attachmentCell()->image())
+             : 0;
+}
+
 qint64 memoryOf(const Ref<AttributedString>& text) {
   if (!text)
     return 0;
   qint64 bytes = text->length() * BytesPerCharacter;
   for (const AttributedString::Run& run : text->runs()) {
     bytes += BytesPerRun;
-    if (const auto attachment =
-            objectOf<TextAttachment>(run.attributes.value(AttachmentAttributeName)))
-      if (const Ref<TextAttachmentCell>& cell = attachment->attachmentCell())
-        bytes += pixelCountOf(cell->image()) * BytesPerPixel;
+    for (const Any& attribute : run.attributes)
+      bytes += pixelsOf(attribute) * BytesPerPixel;
   }
   return bytes;
 }

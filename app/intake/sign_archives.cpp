@@ -143,9 +143,9 @@ Ref<T> unarchive(const QByteArray& data, Root root) {
     const Any object = unarchiver.decodeObjectForKey("root");
     if (const Ref<T> wanted = objectOf<T>(object))
       return wanted;
-    throw SignError(object.isValid()
-                        ? QString(u"its root is no "_s + T::staticMetaObject.className())
-                        : u"it has no root"_s);
+    throw SignError(!object.isValid()    ? u"it has no root"_s
+                    : root == Root::Sign ? u"its root is no sign"_s
+                                         : u"its root is no attributed string"_s);
   } catch (const ArchiveException& exception) {
     const QString path = exception.keyPath();
     throw SignError(path.isEmpty() || exception.reason().contains(path)

@@ -1,2 +1,2 @@
 set(app_messages_SOURCES DisplayMessageTest.cpp MessageIntakeTest.cpp PostCommandTest.cpp Samples.h
-                         SenderLimitsTest.cpp)
+                         SenderLimitsTest.cpp SignArchiveTest.cpp)
