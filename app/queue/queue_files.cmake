@@ -1,2 +1,30 @@
 # The window that shows what is queued.
-set(queue_SOURCES)
+set(queue_SOURCES
+    queue/QueueButton.cpp
+    queue/QueueButton.h
+    queue/QueueDelegate.cpp
+    queue/QueueDelegate.h
+    queue/QueueDrops.cpp
+    queue/QueueDrops.h
+    queue/QueueEditor.cpp
+    queue/QueueEditor.h
+    queue/QueueModel.cpp
+    queue/QueueModel.h
+    queue/QueueSource.cpp
+    queue/QueueSource.h
+    queue/QueueTable.cpp
+    queue/QueueTable.h
+    queue/QueueWindow.cpp
+    queue/QueueWindow.h
+    queue/ShowingsBox.cpp
+    queue/ShowingsBox.h
+    queue/Thumbnails.cpp
+    queue/Thumbnails.h
+    queue/drop_contents.cpp
+    queue/drop_contents.h
+    queue/queue_text.cpp
+    queue/queue_text.h
+    queue/sign_changes.cpp
+    queue/sign_changes.h
+    queue/sign_files.cpp
+    queue/sign_files.h)

@@ -1,1 +1,6 @@
-set(app_queue_SOURCES)
+# Tests of the queue window.
+set(app_queue_SOURCES
+    DropContentsTest.cpp
+    FakeQueue.h
+    QueueModelTest.cpp
+    SignFilesTest.cpp)
