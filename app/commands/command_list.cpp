@@ -8,6 +8,7 @@
 #include "app/commands/PostCommand.h"
 #include "app/commands/WatchCommand.h"
 #include "app/commands/strip_commands.h"
+#include "app/queue/QueueCommand.h"
 #include "app/settings/SettingsCommand.h"
 
 #include <algorithm>
@@ -26,6 +27,7 @@ constexpr Room Rooms[] = {
     fetchCommands,
     feedCommands,
     watchCommands,
+    queueCommands,
     helpCommands,
 };
 // clang-format on

@@ -55,7 +55,7 @@ void QueueDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
   const auto* model = qobject_cast<const QueueModel*>(index.model());
   if (!model)
     return;
-  const QueueRow& row = model->queueRow(index.row());
+  const QueuedSign& row = model->queueRow(index.row());
   if (index.column() == QueueModel::StateColumn && row.isOnStrip)
     drawMark(*painter, option);
   if (index.column() != QueueModel::PictureColumn)

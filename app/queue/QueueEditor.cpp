@@ -51,7 +51,7 @@ Strip::Entry QueueEditor::firstQueued(const std::vector<Strip::Entry>& entries) 
 }
 
 // What a sentence calls a sign.
-static QString nameOf(const QueueRow& row) {
+static QString nameOf(const QueuedSign& row) {
   const QString text = shortened(row.text.simplified(), MostNamedCharacters);
   return text.isEmpty() ? QueueEditor::tr("A picture") : QueueEditor::tr("“%1”").arg(text);
 }
@@ -72,7 +72,7 @@ void QueueEditor::removeSelected() {
   const int first = model_.rowOf(entries.front());
   std::size_t left = entries.size();
   for (int row = last; row >= first && left > 0; --row) {
-    const QueueRow& shown = model_.queueRow(row);
+    const QueuedSign& shown = model_.queueRow(row);
     if (!apart.contains(shown.entry.get())) {
       followers.insert(followers.begin(), shown.entry);
       followers.resize(std::min(followers.size(), MostFollowers));
@@ -118,13 +118,21 @@ void QueueEditor::undoRemoval() {
   removals_.pop_back();
   table_.refreshRows();
   std::vector<Strip::Entry> entries;
+  // Removals before this one find their places by the new entries.
+  QHash<const void*, Strip::Entry> back;
   for (const Removed& removed : removal) {
-    const QueueRow& row = removed.row;
+    const QueuedSign& row = removed.row;
     const Ref<ZQTickerSign> sign = row.sign ? copyOf(row.sign) : queue_.makeTextSign(row.text);
     sign->setLoopCount(row.loopsLeft < 0 ? ZQEndlessLoopCount : row.loopsLeft);
-    if (const auto entry = queue_.add(sign, row.origin, firstQueued(removed.followers)))
+    if (const auto entry = queue_.add(sign, row.origin, firstQueued(removed.followers))) {
       entries.push_back(entry);
+      back.insert(row.entry.get(), entry);
+    }
   }
+  for (Removal& earlier : removals_)
+    for (Removed& removed : earlier)
+      for (Strip::Entry& follower : removed.followers)
+        follower = back.value(follower.get(), follower);
   table_.refreshRows();
   table_.selectEntries(entries);
   Q_EMIT canUndoChanged(canUndo());
@@ -234,7 +242,7 @@ bool QueueEditor::save(const QString& path) {
   table_.refreshRows();
   std::vector<Ref<ZQTickerSign>> signs;
   for (int row = 0; row < model_.rowCount(); ++row) {
-    const QueueRow& shown = model_.queueRow(row);
+    const QueuedSign& shown = model_.queueRow(row);
     Ref<ZQTickerSign> sign = shown.sign;
     if (!sign) {
       sign = queue_.makeTextSign(shown.text);

@@ -51,7 +51,7 @@ class QueueEditor : public QObject {
 
  private:
   struct Removed {
-    QueueRow row;
+    QueuedSign row;
     // Those that came after it, the nearest first.
     std::vector<Strip::Entry> followers;
   };

@@ -18,16 +18,16 @@ namespace {
 // anew.
 constexpr int MostSteps = 64;
 
-QHash<const void*, int> placesOf(const std::vector<QueueRow>& rows) {
+QHash<const void*, int> placesOf(const std::vector<QueuedSign>& rows) {
   QHash<const void*, int> places;
   places.reserve(static_cast<qsizetype>(rows.size()));
   int row = 0;
-  for (const QueueRow& shown : rows)
+  for (const QueuedSign& shown : rows)
     places.insert(shown.entry.get(), row++);
   return places;
 }
 
-bool looksSame(const QueueRow& a, const QueueRow& b) {
+bool looksSame(const QueuedSign& a, const QueuedSign& b) {
   return a.sign == b.sign && a.text == b.text && a.loopsLeft == b.loopsLeft &&
          a.isOnStrip == b.isOnStrip && a.isWaiting == b.isWaiting &&
          a.origin.senderName == b.origin.senderName &&
@@ -35,10 +35,10 @@ bool looksSame(const QueueRow& a, const QueueRow& b) {
 }
 
 // How many stretches of `rows` have entries that `places` lacks.
-int missingStretches(const std::vector<QueueRow>& rows, const QHash<const void*, int>& places) {
+int missingStretches(const std::vector<QueuedSign>& rows, const QHash<const void*, int>& places) {
   int stretches = 0;
   bool wasMissing = false;
-  for (const QueueRow& row : rows) {
+  for (const QueuedSign& row : rows) {
     const bool isMissing = !places.contains(row.entry.get());
     stretches += isMissing && !wasMissing;
     wasMissing = isMissing;
@@ -60,7 +60,7 @@ bool QueueModel::refresh() {
   return true;
 }
 
-void QueueModel::takeOver(std::vector<QueueRow> rows) {
+void QueueModel::takeOver(std::vector<QueuedSign> rows) {
   QHash<const void*, int> places = placesOf(rows);
   if (takeOverStepwise(rows, places)) {
     places_ = std::move(places);
@@ -75,7 +75,7 @@ void QueueModel::takeOver(std::vector<QueueRow> rows) {
 
 // Leaves rows_ with the entries of `rows` in their order. False, and nothing is done, where that
 // takes too many steps.
-bool QueueModel::takeOverStepwise(const std::vector<QueueRow>& rows,
+bool QueueModel::takeOverStepwise(const std::vector<QueuedSign>& rows,
                                   const QHash<const void*, int>& places) {
   if (missingStretches(rows_, places) + missingStretches(rows, places_) > MostSteps)
     return false;
@@ -116,7 +116,7 @@ void QueueModel::removeGone(const QHash<const void*, int>& places) {
 }
 
 void QueueModel::reorder(const QHash<const void*, int>& places) {
-  const auto isBefore = [&](const QueueRow& a, const QueueRow& b) {
+  const auto isBefore = [&](const QueuedSign& a, const QueuedSign& b) {
     return places.value(a.entry.get()) < places.value(b.entry.get());
   };
   if (std::is_sorted(rows_.begin(), rows_.end(), isBefore))
@@ -136,7 +136,7 @@ void QueueModel::reorder(const QHash<const void*, int>& places) {
 }
 
 // Both have the same entries by now.
-void QueueModel::tellChanges(std::vector<QueueRow>& rows) {
+void QueueModel::tellChanges(std::vector<QueuedSign>& rows) {
   std::swap(rows_, rows);
   int first = -1;
   for (int row = 0; row <= rowCount(); ++row) {
@@ -156,8 +156,8 @@ int QueueModel::rowOf(const Strip::Entry& entry) const {
 }
 
 int QueueModel::firstWaitingRow() const {
-  const auto first =
-      std::find_if(rows_.begin(), rows_.end(), [](const QueueRow& row) { return !row.isOnStrip; });
+  const auto first = std::find_if(rows_.begin(), rows_.end(),
+                                  [](const QueuedSign& row) { return !row.isOnStrip; });
   return static_cast<int>(first - rows_.begin());
 }
 
@@ -172,7 +172,7 @@ int QueueModel::columnCount(const QModelIndex& parent) const {
 QVariant QueueModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid())
     return QVariant();
-  const QueueRow& row = queueRow(index.row());
+  const QueuedSign& row = queueRow(index.row());
   if (role == OnStripRole)
     return row.isOnStrip;
   switch (index.column()) {
@@ -248,7 +248,7 @@ Qt::ItemFlags QueueModel::flags(const QModelIndex& index) const {
     return Qt::NoItemFlags;
   Qt::ItemFlags flags =
       Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemNeverHasChildren;
-  const QueueRow& row = queueRow(index.row());
+  const QueuedSign& row = queueRow(index.row());
   if (row.isWaiting && (index.column() == LoopsColumn ||
                         (index.column() == TextColumn && row.text.size() <= MostEditedCharacters)))
     flags |= Qt::ItemIsEditable;
@@ -264,7 +264,7 @@ bool QueueModel::setData(const QModelIndex& index, const QVariant& value, int ro
 }
 
 bool QueueModel::setText(int row, const QString& text) {
-  const QueueRow edited = queueRow(row);
+  const QueuedSign edited = queueRow(row);
   if (text == edited.text)
     return true;
   if (text.trimmed().isEmpty() && !showsPicture(edited.sign)) {
@@ -274,24 +274,32 @@ bool QueueModel::setText(int row, const QString& text) {
   const Ref<ZQTickerSign> sign =
       edited.sign ? signWithText(edited.sign, text) : source_.makeTextSign(text);
   const auto left = edited.sign ? std::nullopt : std::optional(edited.loopsLeft);
-  if (!sign || !source_.replace(edited.entry, sign, left)) {
-    Q_EMIT editRefused(tr("The sign cannot be changed any more"));
-    return false;
-  }
-  refresh();
-  return true;
+  return sign && replace(row, sign, left);
 }
 
 bool QueueModel::setLoopsLeft(int row, std::int64_t loopsLeft) {
-  const QueueRow edited = queueRow(row);
+  const QueuedSign edited = queueRow(row);
   if (loopsLeft == edited.loopsLeft || (loopsLeft < 0 && edited.loopsLeft < 0))
     return true;
+  if (loopsLeft == 0)
+    return false;
   const Ref<ZQTickerSign> sign =
       edited.sign ? copyOf(edited.sign) : source_.makeTextSign(edited.text);
-  if (loopsLeft == 0 || !source_.replace(edited.entry, sign, loopsLeft)) {
+  return replace(row, sign, loopsLeft);
+}
+
+bool QueueModel::replace(int row, const Ref<ZQTickerSign>& sign,
+                         std::optional<std::int64_t> loopsLeft) {
+  QueuedSign& edited = rows_[static_cast<std::size_t>(row)];
+  const Strip::Entry replaced = source_.replace(edited.entry, sign, loopsLeft);
+  if (!replaced) {
     Q_EMIT editRefused(tr("The sign cannot be changed any more"));
     return false;
   }
+  // The row goes on as that of the new sign, with its indexes and its editor.
+  places_.remove(edited.entry.get());
+  places_.insert(replaced.get(), row);
+  edited.entry = replaced;
   refresh();
   return true;
 }

@@ -34,7 +34,7 @@ class QueueModel : public QAbstractTableModel {
   // Takes over what has changed in the queue; whether anything has.
   bool refresh();
 
-  const QueueRow& queueRow(int row) const { return rows_[static_cast<std::size_t>(row)]; }
+  const QueuedSign& queueRow(int row) const { return rows_[static_cast<std::size_t>(row)]; }
   // The row of an entry; -1 for one that is not shown.
   int rowOf(const Strip::Entry& entry) const;
   // The first row of what only waits; the number of rows where nothing does.
@@ -54,15 +54,17 @@ class QueueModel : public QAbstractTableModel {
  private:
   void removeGone(const QHash<const void*, int>& places);
   void reorder(const QHash<const void*, int>& places);
-  void takeOver(std::vector<QueueRow> rows);
-  bool takeOverStepwise(const std::vector<QueueRow>& rows, const QHash<const void*, int>& places);
-  void tellChanges(std::vector<QueueRow>& rows);
+  void takeOver(std::vector<QueuedSign> rows);
+  bool takeOverStepwise(const std::vector<QueuedSign>& rows, const QHash<const void*, int>& places);
+  void tellChanges(std::vector<QueuedSign>& rows);
   bool setText(int row, const QString& text);
   bool setLoopsLeft(int row, std::int64_t loopsLeft);
+  bool replace(int row, const platform::Ref<ZQTickerSign>& sign,
+               std::optional<std::int64_t> loopsLeft);
 
   QueueSource& source_;
   std::optional<std::uint64_t> revision_;
-  std::vector<QueueRow> rows_;
+  std::vector<QueuedSign> rows_;
   QHash<const void*, int> places_; // of the entries
 };
 

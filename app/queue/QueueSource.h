@@ -1,8 +1,7 @@
 // What the queue window shows and changes.
 #pragma once
 
-#include "app/display/SignOrigin.h"
-#include "app/display/Strip.h"
+#include "app/display/QueuedSign.h"
 #include "zqticker/platform/objects/Object.h"
 
 #include <QtCore/QSizeF>
@@ -16,17 +15,6 @@ class ZQTickerSign;
 
 namespace zq::app {
 
-// One sign that is on the strip or waits.
-struct QueueRow {
-  Strip::Entry entry;               // its identity, for as long as it is queued
-  platform::Ref<ZQTickerSign> sign; // null for a line of text that waits without one
-  QString text;                     // empty for a bare picture
-  SignOrigin origin;
-  std::int64_t loopsLeft = 0; // showings after those that have begun; negative without end
-  bool isOnStrip = false;
-  bool isWaiting = false; // for its first or another showing
-};
-
 // A queue of signs. What the changes below refuse, they leave as it is, and answer false or null.
 //
 // Thread: main.
@@ -37,7 +25,7 @@ class QueueSource {
   // Another number whenever rows() would give something else; takes constant time.
   virtual std::uint64_t revision() const = 0;
   // What is on the strip, the oldest first, then what waits, in the order of showing.
-  virtual std::vector<QueueRow> rows() = 0;
+  virtual std::vector<QueuedSign> rows() = 0;
 
   // Adds a sign before the waiting one `before`, at the end where that is null or has gone. A sign
   // with the identifier of another one takes the place of that.
@@ -48,9 +36,10 @@ class QueueSource {
   // Moves one that waits before another, to the end where `before` is null.
   virtual bool move(const Strip::Entry& entry, const Strip::Entry& before) = 0;
   // Puts `sign` into the place of one that waits, with `loopsLeft` further showings, negative for
-  // without end; with those that the other had left where nothing is said.
-  virtual bool replace(const Strip::Entry& entry, platform::Ref<ZQTickerSign> sign,
-                       std::optional<std::int64_t> loopsLeft) = 0;
+  // without end; with those that the other had left where nothing is said. The entry of the new
+  // one.
+  virtual Strip::Entry replace(const Strip::Entry& entry, platform::Ref<ZQTickerSign> sign,
+                               std::optional<std::int64_t> loopsLeft) = 0;
 
   // A sign of this text as the strip shows plain lines.
   virtual platform::Ref<ZQTickerSign> makeTextSign(const QString& text) = 0;

@@ -187,6 +187,7 @@ QWidget* QueueWindow::makeTable() {
 }
 
 QWidget* QueueWindow::makeButtons() {
+  QWidget::setTabOrder(buttons_.back(), table_);
   auto* row = new QWidget(this);
   auto* layout = new QHBoxLayout(row);
   layout->setContentsMargins(0, 0, 0, 0);
@@ -198,6 +199,11 @@ QWidget* QueueWindow::makeButtons() {
   layout->addStretch(1);
   layout->addWidget(makeButton(tr("Open…"), u'O', tr("Adds the signs of a file"), open_));
   layout->addWidget(makeButton(tr("Save…"), u'S', tr("Keeps all signs in a file"), save_));
+  QWidget* before = table_;
+  for (QueueButton* button : row->findChildren<QueueButton*>(Qt::FindDirectChildrenOnly)) {
+    QWidget::setTabOrder(before, button);
+    before = button;
+  }
   return row;
 }
 

@@ -2,6 +2,8 @@
 set(queue_SOURCES
     queue/QueueButton.cpp
     queue/QueueButton.h
+    queue/QueueCommand.cpp
+    queue/QueueCommand.h
     queue/QueueDelegate.cpp
     queue/QueueDelegate.h
     queue/QueueDrops.cpp
@@ -20,6 +22,8 @@ set(queue_SOURCES
     queue/ShowingsBox.h
     queue/Thumbnails.cpp
     queue/Thumbnails.h
+    queue/TickerQueue.cpp
+    queue/TickerQueue.h
     queue/drop_contents.cpp
     queue/drop_contents.h
     queue/queue_text.cpp

@@ -16,11 +16,11 @@ QString tr(const char* text) {
 }
 } // namespace
 
-QString stateText(const QueueRow& row) {
+QString stateText(const QueuedSign& row) {
   return row.isOnStrip ? tr("On the strip") : tr("Waiting");
 }
 
-QString pictureText(const QueueRow& row) {
+QString pictureText(const QueuedSign& row) {
   const auto image = pictureOf(row.sign);
   if (!image)
     return tr("No picture");
@@ -30,7 +30,7 @@ QString pictureText(const QueueRow& row) {
                             : tr("Picture, %1: %2").arg(size, shortened(row.text, 100));
 }
 
-QString senderText(const QueueRow& row) {
+QString senderText(const QueuedSign& row) {
   return row.origin.senderName.isEmpty() ? row.origin.senderIdentifier : row.origin.senderName;
 }
 

@@ -6,11 +6,11 @@
 namespace zq::app {
 
 // "On the strip" or "Waiting".
-QString stateText(const QueueRow& row);
+QString stateText(const QueuedSign& row);
 // What the picture is, in words; that there is none, where there is none.
-QString pictureText(const QueueRow& row);
+QString pictureText(const QueuedSign& row);
 // The name of the sender, else its identifier; empty for this program itself.
-QString senderText(const QueueRow& row);
+QString senderText(const QueuedSign& row);
 // A number or "∞", and the same in words.
 QString loopsText(std::int64_t loopsLeft);
 QString loopsSentence(std::int64_t loopsLeft);

@@ -13,7 +13,7 @@ namespace zq::app::testing {
 class FakeQueue : public QueueSource {
  public:
   std::uint64_t revision() const override { return revision_; }
-  std::vector<QueueRow> rows() override {
+  std::vector<QueuedSign> rows() override {
     ++readings;
     return list;
   }
@@ -21,7 +21,7 @@ class FakeQueue : public QueueSource {
                    const Strip::Entry& before) override {
     if (isFull)
       return nullptr;
-    QueueRow row = rowOf(sign);
+    QueuedSign row = rowOf(sign);
     row.origin = origin;
     const auto place = find(before);
     return list.insert(place, row)->entry;
@@ -41,22 +41,22 @@ class FakeQueue : public QueueSource {
     const auto place = find(entry);
     if (place == list.end() || place->isOnStrip || entry == before)
       return false;
-    const QueueRow row = *place;
+    const QueuedSign row = *place;
     list.erase(place);
     list.insert(find(before), row);
     changed();
     return true;
   }
-  bool replace(const Strip::Entry& entry, platform::Ref<ZQTickerSign> sign,
-               std::optional<std::int64_t> loopsLeft) override {
+  Strip::Entry replace(const Strip::Entry& entry, platform::Ref<ZQTickerSign> sign,
+                       std::optional<std::int64_t> loopsLeft) override {
     const auto place = find(entry);
     if (place == list.end() || !place->isWaiting)
-      return false;
-    QueueRow row = rowOf(sign);
+      return nullptr;
+    QueuedSign row = rowOf(sign);
     row.origin = place->origin;
     row.loopsLeft = loopsLeft.value_or(place->loopsLeft);
     *place = row;
-    return true;
+    return row.entry;
   }
   platform::Ref<ZQTickerSign> makeTextSign(const QString& text) override {
     return ZQTextTickerSign::make(text);
@@ -72,7 +72,7 @@ class FakeQueue : public QueueSource {
   // Adds lines that have no sign, much faster.
   void addLines(int count) {
     for (int i = 0; i < count; ++i) {
-      QueueRow row;
+      QueuedSign row;
       row.entry = std::make_shared<StripQueue::Entry>();
       row.text = QStringLiteral("line %1").arg(i);
       row.loopsLeft = 1;
@@ -91,23 +91,23 @@ class FakeQueue : public QueueSource {
 
   QStringList texts() const {
     QStringList texts;
-    for (const QueueRow& row : list)
+    for (const QueuedSign& row : list)
       texts.append(row.text);
     return texts;
   }
 
-  std::vector<QueueRow> list;
+  std::vector<QueuedSign> list;
   int readings = 0;
   bool isFull = false;
   QSizeF room;
 
  private:
-  std::vector<QueueRow>::iterator find(const Strip::Entry& entry) {
+  std::vector<QueuedSign>::iterator find(const Strip::Entry& entry) {
     return std::find_if(list.begin(), list.end(),
-                        [&](const QueueRow& row) { return row.entry == entry; });
+                        [&](const QueuedSign& row) { return row.entry == entry; });
   }
-  QueueRow rowOf(const platform::Ref<ZQTickerSign>& sign) {
-    QueueRow row;
+  QueuedSign rowOf(const platform::Ref<ZQTickerSign>& sign) {
+    QueuedSign row;
     row.entry = std::make_shared<StripQueue::Entry>();
     row.sign = sign;
     if (const auto combo = std::dynamic_pointer_cast<ZQComboTickerSign>(sign))

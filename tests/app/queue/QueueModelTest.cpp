@@ -139,7 +139,7 @@ TEST_F(QueueModelRows, FollowAnyChange) {
     ASSERT_EQ(model.rowCount(), static_cast<int>(queue.list.size()));
     ASSERT_EQ(follower.entries.size(), queue.list.size());
     for (int row = 0; row < model.rowCount(); ++row) {
-      const QueueRow& queued = queue.list[static_cast<std::size_t>(row)];
+      const QueuedSign& queued = queue.list[static_cast<std::size_t>(row)];
       ASSERT_EQ(model.queueRow(row).entry, queued.entry);
       ASSERT_EQ(follower.entries[static_cast<std::size_t>(row)], queued.entry);
       ASSERT_EQ(model.queueRow(row).loopsLeft, queued.loopsLeft);
@@ -179,7 +179,7 @@ TEST_F(QueueModelRows, StartAnewOnlyWhereMuchHasChanged) {
   queue.changed();
   model.refresh();
   EXPECT_EQ(follower.resets, 0);
-  std::vector<QueueRow> even;
+  std::vector<QueuedSign> even;
   for (std::size_t i = 0; i < queue.list.size(); i += 2)
     even.push_back(queue.list[i]);
   queue.list = even;

@@ -3,4 +3,6 @@ set(app_queue_SOURCES
     DropContentsTest.cpp
     FakeQueue.h
     QueueModelTest.cpp
-    SignFilesTest.cpp)
+    QueueWindowTest.cpp
+    SignFilesTest.cpp
+    TickerQueueTest.cpp)

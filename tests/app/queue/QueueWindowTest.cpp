@@ -1,0 +1,446 @@
+#include "app/queue/QueueWindow.h"
+
+#include "app/queue/QueueButton.h"
+#include "app/queue/QueueDelegate.h"
+#include "app/queue/ShowingsBox.h"
+#include "app/queue/sign_files.h"
+#include "tests/app/XServer.h"
+#include "tests/app/queue/FakeQueue.h"
+#include "tests/support/LogWatch.h"
+
+#include <gtest/gtest.h>
+
+#include <QtCore/QMimeData>
+#include <QtCore/QSettings>
+#include <QtCore/QTemporaryDir>
+#include <QtCore/QUrl>
+#include <QtGui/QAccessible>
+#include <QtGui/QAction>
+#include <QtGui/QDropEvent>
+#include <QtGui/QKeyEvent>
+#include <QtWidgets/QApplication>
+#include <QtWidgets/QHeaderView>
+#include <QtWidgets/QLabel>
+#include <QtWidgets/QLineEdit>
+#include <QtWidgets/QScrollBar>
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+using namespace zq::app::testing;
+using namespace zq::platform;
+
+namespace {
+class QueueWindowKeys : public ::testing::Test {
+ protected:
+  void SetUp() override { zq::testing::allowLog(u"propagateSizeHints"_s); }
+  void fill(const QStringList& texts) {
+    for (const QString& text : texts)
+      queue.addText(text);
+    show();
+  }
+  void show() {
+    window.show();
+    window.activateWindow();
+    QApplication::processEvents();
+    window.table().setFocus();
+  }
+  // As the window system would give it: to whoever has the focus, shortcuts first.
+  void press(int key, Qt::KeyboardModifiers modifiers = Qt::NoModifier, const QString& text = {}) {
+    QWidget* target = QApplication::focusWidget();
+    ASSERT_TRUE(target);
+    QKeyEvent asked(QEvent::ShortcutOverride, key, modifiers, text);
+    asked.ignore();
+    QApplication::sendEvent(target, &asked);
+    if (!asked.isAccepted())
+      for (QAction* action : target->actions() + target->window()->actions())
+        if (action->isEnabled() &&
+            action->shortcuts().contains(QKeySequence(key | int(modifiers)))) {
+          action->trigger();
+          return;
+        }
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+      QKeyEvent event(type, key, modifiers, text);
+      if (QApplication::focusWidget())
+        QApplication::sendEvent(QApplication::focusWidget(), &event);
+    }
+    QApplication::processEvents();
+  }
+  void type(const QString& text) {
+    for (const QChar& character : text)
+      press(character.unicode(), Qt::NoModifier, QString(character));
+  }
+  void select(const std::vector<int>& rows) {
+    std::vector<Strip::Entry> entries;
+    for (const int row : rows)
+      entries.push_back(window.model().queueRow(row).entry);
+    window.table().selectEntries(entries);
+  }
+  QStringList selected() {
+    QStringList texts;
+    for (const Strip::Entry& entry : window.table().selectedEntries())
+      texts.append(window.model().queueRow(window.model().rowOf(entry)).text);
+    return texts;
+  }
+  template <class Widget>
+  Widget* called(const QString& name) {
+    for (Widget* widget : window.findChildren<Widget*>())
+      if (widget->accessibleName() == name)
+        return widget;
+    ADD_FAILURE() << "nothing called " << name.toStdString();
+    return nullptr;
+  }
+
+  FakeQueue queue;
+  QTemporaryDir folder;
+  QString state = folder.filePath(u"windows.ini"_s);
+  QueueWindow window{queue, state};
+};
+} // namespace
+
+TEST_F(QueueWindowKeys, RemoveAndBringBack) {
+  fill({u"a"_s, u"b"_s, u"c"_s, u"d"_s});
+  queue.list[1].loopsLeft = 5;
+  queue.list[1].origin.senderName = u"Mail"_s;
+  queue.changed();
+  window.table().refreshRows();
+  select({1, 2});
+  press(Qt::Key_Delete);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"d"_s}));
+  EXPECT_EQ(selected(), QStringList{u"d"_s});
+  EXPECT_EQ(window.status(), u"2 signs removed"_s);
+  press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"b"_s, u"c"_s, u"d"_s}));
+  EXPECT_EQ(selected(), (QStringList{u"b"_s, u"c"_s}));
+  EXPECT_EQ(queue.list[1].sign->loopCount(), 5) << "as often as it was still to be shown";
+  EXPECT_EQ(queue.list[1].origin.senderName, u"Mail"_s);
+  EXPECT_FALSE(window.editor().canUndo());
+}
+
+TEST_F(QueueWindowKeys, BringBackBeforeWhatIsStillThere) {
+  fill({u"a"_s, u"b"_s, u"c"_s, u"d"_s});
+  select({0});
+  press(Qt::Key_Delete);
+  queue.list.erase(queue.list.begin()); // b
+  queue.changed();
+  window.editor().undoRemoval();
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"c"_s, u"d"_s}));
+  select({2});
+  press(Qt::Key_Delete);
+  queue.addText(u"e"_s);
+  window.editor().undoRemoval();
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"c"_s, u"e"_s, u"d"_s}))
+      << "nothing that followed it is left";
+}
+
+TEST_F(QueueWindowKeys, BringBackRemovalsOneByOne) {
+  fill({u"a"_s, u"b"_s, u"c"_s});
+  select({0});
+  press(Qt::Key_Delete);
+  press(Qt::Key_Delete);
+  press(Qt::Key_Delete);
+  EXPECT_TRUE(queue.list.empty());
+  for (int i = 0; i < 3; ++i)
+    press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+}
+
+TEST_F(QueueWindowKeys, LeaveWhatIsOnTheStripForTheLastTime) {
+  fill({u"a"_s, u"b"_s});
+  queue.run(1);
+  queue.list[0].isWaiting = false;
+  window.table().refreshRows();
+  select({0});
+  press(Qt::Key_Delete);
+  EXPECT_EQ(queue.list.size(), 2u);
+  EXPECT_EQ(window.status(), u"What is on the strip for the last time leaves by itself"_s);
+  EXPECT_FALSE(window.editor().canUndo());
+}
+
+TEST_F(QueueWindowKeys, Move) {
+  fill({u"run"_s, u"a"_s, u"b"_s, u"c"_s, u"d"_s});
+  queue.run(1);
+  window.table().refreshRows();
+  select({3});
+  press(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"run"_s, u"a"_s, u"c"_s, u"b"_s, u"d"_s}));
+  EXPECT_EQ(selected(), QStringList{u"c"_s});
+  EXPECT_EQ(window.status(), u"“c” is now in row 3"_s);
+  press(Qt::Key_Up, Qt::AltModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"run"_s, u"c"_s, u"a"_s, u"b"_s, u"d"_s}));
+  press(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts()[1], u"c"_s) << "never before what is on the strip";
+  press(Qt::Key_Down, Qt::AltModifier);
+  press(Qt::Key_Down, Qt::ControlModifier);
+  press(Qt::Key_Down, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"run"_s, u"a"_s, u"b"_s, u"d"_s, u"c"_s}));
+  press(Qt::Key_Down, Qt::ControlModifier);
+  EXPECT_EQ(window.status(), u"The last one cannot go further down"_s);
+}
+
+TEST_F(QueueWindowKeys, MoveSeveralTogether) {
+  fill({u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s});
+  select({1, 3});
+  press(Qt::Key_Down, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"c"_s, u"e"_s, u"b"_s, u"d"_s}));
+  EXPECT_EQ(selected(), (QStringList{u"b"_s, u"d"_s}));
+  press(Qt::Key_Up, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"c"_s, u"b"_s, u"d"_s, u"e"_s}));
+}
+
+TEST_F(QueueWindowKeys, EditTheTextInItsPlace) {
+  fill({u"first"_s, u"second"_s});
+  for (const int key : {int(Qt::Key_F2), int(Qt::Key_Return)}) {
+    select({1});
+    press(key);
+    auto* field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+    ASSERT_TRUE(field) << key;
+    EXPECT_EQ(field->accessibleName(), u"Text"_s);
+    field->selectAll();
+    type(u"other"_s);
+    // What comes meanwhile disturbs nothing.
+    queue.addText(u"new"_s);
+    window.table().refreshRows();
+    type(QString::number(key));
+    press(Qt::Key_Return);
+    EXPECT_EQ(queue.texts()[1], u"other%1"_s.arg(key));
+  }
+  select({1});
+  press(Qt::Key_F2);
+  type(u"xyz"_s);
+  press(Qt::Key_Escape);
+  EXPECT_FALSE(queue.texts()[1].contains(u"xyz"));
+  EXPECT_TRUE(window.isVisible()) << "the key ends the edit only";
+}
+
+TEST_F(QueueWindowKeys, EditHowOftenASignIsShown) {
+  fill({u"first"_s});
+  select({0});
+  window.table().setCurrentIndex(window.model().index(0, QueueModel::LoopsColumn));
+  press(Qt::Key_F2);
+  auto* box = window.table().findChild<ShowingsBox*>();
+  ASSERT_TRUE(box);
+  EXPECT_EQ(box->accessibleName(), u"Showings left"_s);
+  EXPECT_EQ(box->showings(), 1);
+  box->setShowings(-1);
+  press(Qt::Key_Return);
+  EXPECT_EQ(queue.list[0].loopsLeft, -1);
+}
+
+TEST_F(QueueWindowKeys, AddALine) {
+  fill({u"first"_s});
+  auto* field = called<QLineEdit>(u"Text to add"_s);
+  auto* box = called<ShowingsBox>(u"Showings of what is added"_s);
+  EXPECT_EQ(box->showings(), -1);
+  field->setFocus();
+  type(u" new line "_s);
+  press(Qt::Key_Return);
+  EXPECT_EQ(queue.texts(), (QStringList{u"first"_s, u"new line"_s}));
+  EXPECT_EQ(queue.list[1].loopsLeft, -1);
+  EXPECT_TRUE(field->text().isEmpty());
+  EXPECT_EQ(window.status(), u"“new line” added"_s);
+  press(Qt::Key_Return);
+  EXPECT_EQ(queue.list.size(), 2u);
+  EXPECT_EQ(window.status(), u"Type the text to add"_s);
+  box->setShowings(3);
+  type(u"x"_s);
+  called<QueueButton>(u"Add"_s)->click();
+  EXPECT_EQ(queue.list.at(2).loopsLeft, 3);
+  queue.isFull = true;
+  type(u"y"_s);
+  press(Qt::Key_Return);
+  EXPECT_EQ(window.status(), u"The queue takes no more"_s);
+  EXPECT_EQ(field->text(), u"y"_s) << "nothing is lost";
+}
+
+TEST_F(QueueWindowKeys, CloseTheWindow) {
+  for (const auto& [key, modifiers] : {std::pair{int(Qt::Key_Escape), Qt::NoModifier},
+                                       std::pair{int(Qt::Key_W), Qt::ControlModifier}}) {
+    show();
+    ASSERT_TRUE(window.isVisible());
+    press(key, modifiers);
+    EXPECT_FALSE(window.isVisible());
+  }
+  EXPECT_FALSE(window.testAttribute(Qt::WA_QuitOnClose));
+}
+
+TEST_F(QueueWindowKeys, GoThroughEveryControl) {
+  fill({u"a"_s, u"b"_s});
+  select({0});
+  press(Qt::Key_Delete); // so that there is something to bring back
+  select({0});
+  called<QLineEdit>(u"Text to add"_s)->setFocus();
+  QStringList names;
+  do {
+    names.append(QApplication::focusWidget()->accessibleName());
+    press(Qt::Key_Tab);
+  } while (QApplication::focusWidget()->accessibleName() != names.first() && names.size() < 20);
+  EXPECT_EQ(names, (QStringList{u"Text to add"_s, u"Showings of what is added"_s, u"Add"_s,
+                                u"Queued signs"_s, u"Up"_s, u"Down"_s, u"Edit"_s, u"Remove"_s,
+                                u"Undo"_s, u"Open…"_s, u"Save…"_s}));
+}
+
+TEST_F(QueueWindowKeys, ClickTheButtonThatHasTheFocus) {
+  fill({u"a"_s, u"b"_s});
+  select({0});
+  called<QueueButton>(u"Remove"_s)->setFocus();
+  press(Qt::Key_Space);
+  EXPECT_EQ(queue.texts(), QStringList{u"b"_s});
+  called<QueueButton>(u"Undo"_s)->setFocus();
+  press(Qt::Key_Return);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"b"_s}));
+}
+
+TEST_F(QueueWindowKeys, AreNamedForAssistiveTechnology) {
+  fill({u"a"_s});
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible() ||
+        qobject_cast<QWidget*>(widget->parent())->focusProxy() ||
+        qobject_cast<QSpinBox*>(widget->parent()) || qobject_cast<QLineEdit*>(widget->parent()))
+      continue;
+    QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+    ASSERT_TRUE(accessible);
+    EXPECT_FALSE(accessible->text(QAccessible::Name).isEmpty())
+        << widget->metaObject()->className();
+  }
+  for (const QueueButton* button : window.findChildren<QueueButton*>()) {
+    QAccessibleInterface* accessible =
+        QAccessible::queryAccessibleInterface(const_cast<QueueButton*>(button));
+    EXPECT_EQ(accessible->role(), QAccessible::Button);
+    EXPECT_FALSE(accessible->text(QAccessible::Description).isEmpty());
+  }
+  QAccessibleInterface* table = QAccessible::queryAccessibleInterface(&window.table());
+  ASSERT_TRUE(table && table->tableInterface());
+  EXPECT_EQ(table->tableInterface()->rowCount(), 1);
+  const auto said = [&](int column) {
+    return table->tableInterface()->cellAt(0, column)->text(QAccessible::Name);
+  };
+  EXPECT_EQ(said(QueueModel::StateColumn), u"Waiting"_s);
+  EXPECT_EQ(said(QueueModel::PictureColumn), u"No picture"_s);
+  EXPECT_EQ(said(QueueModel::TextColumn), u"a"_s);
+  EXPECT_EQ(said(QueueModel::LoopsColumn), u"1 showing left"_s);
+}
+
+// What became of an action is a name that a screen reader reads out.
+TEST_F(QueueWindowKeys, SayWhatCameOfThem) {
+  fill({u"a"_s});
+  select({0});
+  press(Qt::Key_Delete);
+  auto* label = called<QLabel>(u"“a” removed"_s);
+  ASSERT_TRUE(label);
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name),
+            u"“a” removed"_s);
+  EXPECT_EQ(label->textFormat(), Qt::PlainText);
+}
+
+TEST_F(QueueWindowKeys, SaveAndLoad) {
+  fill({u"a"_s, u"b"_s});
+  queue.addLines(1);
+  const QString path = folder.filePath(u"kept.sign"_s);
+  EXPECT_TRUE(window.editor().save(path));
+  EXPECT_EQ(window.status(), u"3 signs saved in kept.sign"_s);
+  queue.list.clear();
+  queue.changed();
+  EXPECT_TRUE(window.editor().load(path));
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"b"_s, u"line 0"_s}));
+  EXPECT_EQ(window.status(), u"3 signs added from kept.sign"_s);
+  EXPECT_FALSE(window.editor().load(folder.filePath(u"missing.sign"_s)));
+  EXPECT_FALSE(window.editor().save(folder.filePath(u"no/kept.sign"_s)));
+  EXPECT_EQ(queue.list.size(), 3u);
+}
+
+TEST_F(QueueWindowKeys, KeepSelectionAndPlaceWhileTheQueueChanges) {
+  queue.addLines(300);
+  show();
+  QScrollBar* bar = window.table().verticalScrollBar();
+  bar->setValue(100 * QueueDelegate::RowHeight + 7);
+  select({101});
+  const auto seen = [&] { return window.model().queueRow(window.table().rowAt(0)).text; };
+  const int offset = window.table().rowViewportPosition(window.table().rowAt(0));
+  ASSERT_EQ(seen(), u"line 100"_s);
+  queue.list.erase(queue.list.begin(), queue.list.begin() + 30);
+  queue.changed();
+  window.table().refreshRows();
+  EXPECT_EQ(seen(), u"line 100"_s);
+  EXPECT_EQ(window.table().rowViewportPosition(window.table().rowAt(0)), offset);
+  EXPECT_EQ(selected(), QStringList{u"line 101"_s});
+  // So much that the table starts anew.
+  std::vector<QueuedSign> odd;
+  for (std::size_t i = 1; i < queue.list.size(); i += 2)
+    odd.push_back(queue.list[i]);
+  queue.list = odd;
+  queue.changed();
+  window.table().refreshRows();
+  EXPECT_EQ(selected(), QStringList{u"line 101"_s});
+  EXPECT_EQ(seen(), u"line 101"_s) << "the next one of those that were seen";
+  // The one at the top has gone, and the beginning stays in sight.
+  bar->setValue(0);
+  queue.list.erase(queue.list.begin());
+  queue.changed();
+  window.table().refreshRows();
+  EXPECT_EQ(bar->value(), 0);
+}
+
+TEST_F(QueueWindowKeys, HoldWithAHundredThousandRows) {
+  queue.addLines(100'000);
+  queue.add(ZQImageTickerSign::make(plainPicture({4, 4}, Qt::red)), {}, nullptr);
+  show();
+  EXPECT_EQ(window.model().rowCount(), 100'001);
+  EXPECT_EQ(window.table().queueDelegate().thumbnails().drawnCount(), 0) << "out of sight";
+  select({100'000});
+  QApplication::processEvents();
+  window.table().viewport()->grab();
+  EXPECT_EQ(window.table().queueDelegate().thumbnails().drawnCount(), 1);
+  window.table().selectAll();
+  EXPECT_EQ(window.table().selectedEntries().size(), 100'001u);
+  // Rows that are next to each other go in one step.
+  queue.list.resize(50'000);
+  queue.changed();
+  window.table().refreshRows();
+  EXPECT_EQ(window.table().selectedEntries().size(), 50'000u);
+}
+
+TEST_F(QueueWindowKeys, RefreshOnlyWhileItIsShown) {
+  fill({u"a"_s});
+  const int before = queue.readings;
+  queue.addText(u"b"_s);
+  ASSERT_TRUE(waitUntil([&] { return window.model().rowCount() == 2; }));
+  window.hide();
+  queue.addText(u"c"_s);
+  const int hidden = queue.readings;
+  EXPECT_GT(hidden, before);
+  // Longer than a refresh takes to come.
+  QueueWindow other(queue, QString());
+  other.show();
+  queue.addText(u"d"_s);
+  ASSERT_TRUE(waitUntil([&] { return other.model().rowCount() == 4; }));
+  EXPECT_EQ(window.model().rowCount(), 2);
+  window.show();
+  EXPECT_EQ(window.model().rowCount(), 4);
+}
+
+TEST_F(QueueWindowKeys, KeepTheSizeOfTheWindow) {
+  show();
+  window.resize(700, 500);
+  window.close();
+  QueueWindow next(queue, state);
+  EXPECT_EQ(next.size(), QSize(700, 500));
+  QSettings(state, QSettings::IniFormat).setValue(u"queueWindow/geometry"_s, u"garbage"_s);
+  const QueueWindow last(queue, state);
+  EXPECT_FALSE(last.size().isEmpty());
+}
+
+TEST_F(QueueWindowKeys, GiveButtonsALookThatSuitsThePalette) {
+  const QPalette before = QApplication::palette();
+  QueueButton button(u"Button"_s);
+  for (const bool isDark : {false, true}) {
+    QPalette palette(isDark ? QColor(40, 40, 40) : QColor(240, 240, 240));
+    QApplication::setPalette(palette);
+    QueueButton::followPalette();
+    const QColor text = button.textColor()->qColor();
+    const QColor body = button.controlColor()->qColor();
+    EXPECT_EQ(text.lightness() > body.lightness(), isDark);
+    EXPECT_GT(std::abs(text.lightness() - body.lightness()), 100);
+  }
+  QApplication::setPalette(before);
+  QueueButton::followPalette();
+}
