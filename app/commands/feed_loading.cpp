@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 #include "app/commands/interrupts.h"
+#include "app/services/DisplayReceiver.h"
 #include "app/services/FeedService.h"
 #include "app/services/FeedSigns.h"
 #include "app/services/FeedSubscription.h"
@@ -24,9 +25,10 @@ void loadFeeds(TickerDisplay& display, const StripOptions& options, const StripL
   prepareLoading();
   if (failure == FeedFailure::Ends)
     QLoggingCategory::setFilterRules(u"zqticker.feeds.warning=false"_s);
-  FeedSigns signs(display, feedRuleOf(options));
+  DisplayReceiver receiver(display, [] { return 0.0; });
+  FeedSigns signs(receiver, feedRuleOf(options));
   FeedService service(options.feeds, pictureRoomOf(options, look, scale),
-                      [&](const std::vector<ShownItem>& items) { signs.show(items, 0); });
+                      [&](const std::vector<ShownItem>& items) { signs.show(items); });
   QEventLoop loop;
   QObject::connect(&service, &FeedService::settled, &loop, &QEventLoop::quit);
   QObject::connect(&interrupts, &Interrupts::interrupted, &loop, &QEventLoop::quit);

@@ -28,8 +28,8 @@ std::unique_ptr<FileService> followFiles(const StripOptions& options,
 void takeLastLines(TickerDisplay& display, const StripOptions& options, MissingFiles missing) {
   const LoopRule rule = lineRuleOf(options);
   follow(options.files,
-         {[&](const QString& line) { display.addLine(line, 0, rule); }, [](const FileReport&) {},
-          nullptr},
+         {[&](const QString& line, const QString&) { display.addLine(line, 0, rule); },
+          [](const FileReport&) {}, nullptr},
          missing);
 }
 

@@ -45,7 +45,7 @@ void FeedService::collect() {
     lists.emplace_back();
     const QString feed = subscription->url().toString(QUrl::FullyEncoded) + u' ';
     for (const FeedItem& item : subscription->items())
-      lists.back().push_back({feed + item.identity, item});
+      lists.back().push_back({feed + item.identity, item, subscription->name()});
   }
   items_ = interleaved(lists);
   std::vector<QUrl> pictures;
@@ -76,8 +76,8 @@ void FeedService::giveOut() {
   patience_.stop();
   std::vector<ShownItem> shown;
   for (const Item& item : items_)
-    shown.push_back(
-        {item.identifier, item.item.title, item.item.link, pictures_.picture(item.item.picture)});
+    shown.push_back({item.identifier, item.item.title, item.item.link,
+                     pictures_.picture(item.item.picture), item.source});
   if (shown == given_)
     return;
   given_ = std::move(shown);

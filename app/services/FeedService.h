@@ -52,6 +52,7 @@ class FeedService : public QObject {
   struct Item {
     QString identifier;
     FeedItem item;
+    QString source;
   };
 
   void collect();

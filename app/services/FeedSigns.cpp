@@ -1,7 +1,6 @@
 #include "app/services/FeedSigns.h"
 
 #include "app/display/SignAction.h"
-#include "app/display/TickerDisplay.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
 
@@ -9,7 +8,15 @@ namespace zq::app {
 
 using namespace platform;
 
-FeedSigns::FeedSigns(TickerDisplay& display, LoopRule rule) : display_(display), rule_(rule) {}
+namespace {
+SignOrigin originOf(const ShownItem& item) {
+  SignOrigin origin;
+  origin.senderName = item.source;
+  return origin;
+}
+} // namespace
+
+FeedSigns::FeedSigns(SignReceiver& receiver, LoopRule rule) : receiver_(receiver), rule_(rule) {}
 
 FeedSigns::~FeedSigns() = default;
 
@@ -18,11 +25,9 @@ Ref<ZQTickerSign> FeedSigns::makeSign(const ShownItem& item) const {
   if (item.picture)
     sign = ZQComboTickerSign::make(item.title, item.picture);
   else
-    sign = display_.makeTextSign(item.title);
+    sign = receiver_.makeTextSign(item.title);
   sign->setIdentifier(item.identifier);
-  sign->setLoopCount(rule_.count);
-  sign->setLoopDelay(rule_.delay);
-  sign->setContinuousScrolling(rule_.continuous);
+  setLoopRule(*sign, rule_);
   if (!item.link.isEmpty()) {
     sign->setActionType(OpenLocation);
     sign->setActionString(item.link.toString(QUrl::FullyEncoded));
@@ -30,7 +35,7 @@ Ref<ZQTickerSign> FeedSigns::makeSign(const ShownItem& item) const {
   return sign;
 }
 
-void FeedSigns::removeMissing(const std::vector<ShownItem>& items, double time) {
+void FeedSigns::removeMissing(const std::vector<ShownItem>& items) {
   QSet<QString> present;
   for (const ShownItem& item : items)
     present.insert(item.identifier);
@@ -39,7 +44,7 @@ void FeedSigns::removeMissing(const std::vector<ShownItem>& items, double time) 
       ++shown;
       continue;
     }
-    display_.removeSign(shown.key(), time);
+    receiver_.remove(shown.key());
     if (rule_.count >= 0) {
       past_.push_back(shown.key());
       isPast_.insert(shown.key());
@@ -50,8 +55,8 @@ void FeedSigns::removeMissing(const std::vector<ShownItem>& items, double time) 
     isPast_.remove(past_.front());
 }
 
-void FeedSigns::show(const std::vector<ShownItem>& items, double time) {
-  removeMissing(items, time);
+void FeedSigns::show(const std::vector<ShownItem>& items) {
+  removeMissing(items);
   QStringList order;
   for (const ShownItem& item : items) {
     order.append(item.identifier);
@@ -59,14 +64,14 @@ void FeedSigns::show(const std::vector<ShownItem>& items, double time) {
     if (shown == shown_.end()) {
       if (isPast_.contains(item.identifier))
         continue;
-      display_.addArrangedSign(makeSign(item), time);
+      receiver_.add(makeSign(item), originOf(item), SignReceiver::Order::Arranged);
       shown_.insert(item.identifier, item);
     } else if (!(*shown == item)) {
-      display_.replaceSign(makeSign(item), time);
+      receiver_.replace(makeSign(item), originOf(item));
       *shown = item;
     }
   }
-  display_.arrangeSigns(order, time);
+  receiver_.arrange(order);
 }
 
 } // namespace zq::app

@@ -1,21 +1,18 @@
-// The items of feeds as signs on a display.
+// The items of feeds as signs.
 #pragma once
 
 #include "app/display/StripItem.h"
 #include "app/services/ShownItem.h"
+#include "app/services/SignReceiver.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QSet>
 
 #include <deque>
 
-class ZQTickerSign;
-
 namespace zq::app {
 
-class TickerDisplay;
-
-// Keeps the signs of a display in step with the items: a text sign for each, or a combo sign where
+// Keeps the signs of a receiver in step with the items: a text sign for each, or a combo sign where
 // it has a picture; a click opens the link. A new item is shown soon, a changed one changes with
 // its next showing, one that has gone is not shown again. Every round shows them in their order.
 // Signs on the strip are never touched.
@@ -27,18 +24,18 @@ class FeedSigns {
   // come back: this many of them.
   static constexpr std::size_t MostPastItems = 10'000;
 
-  // `display` must outlive the object.
-  FeedSigns(TickerDisplay& display, LoopRule rule);
+  // `receiver` must outlive the object.
+  FeedSigns(SignReceiver& receiver, LoopRule rule);
   ~FeedSigns();
 
-  // Shows `items`, and no others, from `time` of the display on.
-  void show(const std::vector<ShownItem>& items, double time);
+  // Shows `items`, and no others, from now on.
+  void show(const std::vector<ShownItem>& items);
 
  private:
   platform::Ref<ZQTickerSign> makeSign(const ShownItem& item) const;
-  void removeMissing(const std::vector<ShownItem>& items, double time);
+  void removeMissing(const std::vector<ShownItem>& items);
 
-  TickerDisplay& display_;
+  SignReceiver& receiver_;
   LoopRule rule_;
   QHash<QString, ShownItem> shown_;
   std::deque<QString> past_; // oldest first

@@ -29,6 +29,10 @@ FeedSubscription::FeedSubscription(const QUrl& url, std::size_t mostItems, FeedS
 
 FeedSubscription::~FeedSubscription() = default;
 
+QString FeedSubscription::name() const {
+  return title_.isEmpty() ? feedName(url_) : title_;
+}
+
 std::optional<FeedSchedule::Duration> FeedSubscription::wait() const {
   return timer_.isActive() ? std::optional(timer_.intervalAsDuration()) : std::nullopt;
 }
@@ -52,6 +56,7 @@ void FeedSubscription::take(const FeedAnswer& answer) {
     outcome.kind = PollOutcome::Kind::Succeeded;
     outcome.timeToLive = answer.feed->timeToLive;
     items_ = itemsToShow(*answer.feed, mostItems_);
+    title_ = answer.feed->title;
   } else if (answer.isGone) {
     outcome.kind = PollOutcome::Kind::Gone;
   }

@@ -33,6 +33,8 @@ class FeedSubscription : public QObject {
   const QUrl& url() const { return url_; }
   // Of the last success, in the feed's order.
   const std::vector<FeedItem>& items() const { return items_; }
+  // The feed's title at the last success, else its address; for people.
+  QString name() const;
   // Whether a poll has ended, well or not.
   bool hasPolled() const { return hasPolled_; }
   // Why the last poll failed; empty where it did not.
@@ -55,6 +57,7 @@ class FeedSubscription : public QObject {
   std::unique_ptr<FeedLoad> finished_;
   QTimer timer_;
   std::vector<FeedItem> items_;
+  QString title_;
   QString errorText_;
   bool hasPolled_ = false;
 };

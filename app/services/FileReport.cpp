@@ -27,10 +27,14 @@ QString wordsFor(const QString& notification, WatchedKind kind) {
                                                                    : u"changed"_s;
 }
 
+QString shownName(const QString& path) {
+  const QString cleanPath = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
+  const QString name = QFileInfo(cleanPath).fileName();
+  return showableLine(name.isEmpty() ? cleanPath : name);
+}
+
 QString reportText(const FileReport& report) {
-  const QString path = QDir::cleanPath(QFileInfo(report.path).absoluteFilePath());
-  const QString name = QFileInfo(path).fileName();
-  return showableLine((name.isEmpty() ? path : name) + u": "_s + report.what);
+  return showableLine(shownName(report.path) + u": "_s + report.what);
 }
 
 } // namespace zq::app

@@ -19,8 +19,11 @@ using ReportReceiver = std::function<void(const FileReport& report)>;
 enum class WatchedKind { File, Folder };
 QString wordsFor(const QString& notification, WatchedKind kind);
 
-// "name: what happened", on one line. The name is the last part of the path, that of the current
-// folder for ".".
+// A file's name for people, on one line: the last part of the path, that of the current folder for
+// ".".
+QString shownName(const QString& path);
+
+// "name: what happened", on one line.
 QString reportText(const FileReport& report);
 
 } // namespace zq::app

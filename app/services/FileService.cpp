@@ -27,7 +27,9 @@ FileService::FileService(const FileOptions& options, FileReceivers receivers,
                          std::chrono::milliseconds lookInterval)
     : options_(options), receivers_(std::move(receivers)) {
   for (const QString& path : options_.tailed) {
-    tails_.push_back(std::make_unique<TailFollower>(path, receivers_.line, receivers_.isFull));
+    tails_.push_back(std::make_unique<TailFollower>(
+        path, [this, path](const QString& line) { receivers_.line(line, path); },
+        receivers_.isFull));
     connect(tails_.back().get(), &TailFollower::received, this, &FileService::received);
     connect(&look_, &QTimer::timeout, tails_.back().get(), &TailFollower::look);
   }

@@ -22,7 +22,7 @@ class TailFollower;
 
 // Takes what files bring. All are called from `start` and from the event loop.
 struct FileReceivers {
-  LineSplitter::Receiver line;
+  std::function<void(const QString& line, const QString& path)> line;
   ReportReceiver report;
   // Whether lines are dropped because there are too many; null for never. Then files are read with
   // pauses.

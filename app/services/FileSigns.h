@@ -1,12 +1,11 @@
-// Reports about files as signs on a display.
+// Reports about files as signs.
 #pragma once
 
 #include "app/display/StripItem.h"
 #include "app/services/FileReport.h"
+#include "app/services/SignReceiver.h"
 
 namespace zq::app {
-
-class TickerDisplay;
 
 // Shows a text sign for each report. A report that waits to be shown stands for those of the same
 // kind about the same path that come meanwhile: a file that is written to a hundred times a second
@@ -15,14 +14,14 @@ class TickerDisplay;
 // Thread: main.
 class FileSigns {
  public:
-  // `display` must outlive the object.
-  FileSigns(TickerDisplay& display, LoopRule rule) : display_(display), rule_(rule) {}
+  // `receiver` must outlive the object.
+  FileSigns(SignReceiver& receiver, LoopRule rule) : receiver_(receiver), rule_(rule) {}
 
-  // Shows `report` behind what waits, from `time` of the display on.
-  void show(const FileReport& report, double time);
+  // Shows `report` behind what waits.
+  void show(const FileReport& report);
 
  private:
-  TickerDisplay& display_;
+  SignReceiver& receiver_;
   LoopRule rule_;
 };
 

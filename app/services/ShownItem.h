@@ -20,6 +20,7 @@ struct ShownItem {
   QString title;
   QUrl link;                              // empty for none
   platform::Ref<platform::Image> picture; // null for none; the very same while it is unchanged
+  QString source{};                       // the feed's name for people
 
   friend bool operator==(const ShownItem&, const ShownItem&) = default;
 };

@@ -2,6 +2,7 @@
 
 #include "app/display/SignItem.h"
 #include "app/display/TickerDisplay.h"
+#include "app/services/DisplayReceiver.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/Image.h"
@@ -65,21 +66,25 @@ class SignsOfFeeds : public ::testing::Test {
   }
 
   TickerDisplay display;
+  double now = 0;
+  DisplayReceiver receiver{display, [this] { return now; }};
   std::uint64_t seen = 0;
 };
 } // namespace
 
 TEST_F(SignsOfFeeds, ShowsTheItemsInTheirOrderInEveryRound) {
-  FeedSigns signs(display, Forever);
-  signs.show(items({u"a"_s, u"b"_s, u"c"_s}), 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show(items({u"a"_s, u"b"_s, u"c"_s}));
   EXPECT_EQ(entering(2.2).substr(0, 12), "a b c a b c ");
 }
 
 TEST_F(SignsOfFeeds, MakesATextSignThatOpensTheLink) {
-  FeedSigns signs(display, {3, 2, true});
+  FeedSigns signs(receiver, {3, 2, true});
   ShownItem shown = item(u"a"_s, u"A title"_s);
   shown.link = QUrl(u"https://example.org/ä?b c"_s);
-  signs.show({shown}, 0);
+  now = 0;
+  signs.show({shown});
   display.advanceTo(0.1);
   const auto sign =
       std::dynamic_pointer_cast<ZQTextTickerSign>(signOf(display.strip().runs().front()));
@@ -94,10 +99,11 @@ TEST_F(SignsOfFeeds, MakesATextSignThatOpensTheLink) {
 }
 
 TEST_F(SignsOfFeeds, MakesAComboSignOfAnItemWithAPicture) {
-  FeedSigns signs(display, Forever);
+  FeedSigns signs(receiver, Forever);
   ShownItem shown = item(u"a"_s, u"A title"_s);
   shown.picture = picture();
-  signs.show({shown}, 0);
+  now = 0;
+  signs.show({shown});
   display.advanceTo(0.1);
   const auto sign =
       std::dynamic_pointer_cast<ZQComboTickerSign>(signOf(display.strip().runs().front()));
@@ -109,32 +115,38 @@ TEST_F(SignsOfFeeds, MakesAComboSignOfAnItemWithAPicture) {
 }
 
 TEST_F(SignsOfFeeds, LeavesAloneWhatHasNotChanged) {
-  FeedSigns signs(display, Forever);
+  FeedSigns signs(receiver, Forever);
   const std::vector<ShownItem> same = items({u"a"_s, u"b"_s});
-  signs.show(same, 0);
+  now = 0;
+  signs.show(same);
   entering(2);
   const Ref<ZQTickerSign> before = signOf(display.strip().runs().back());
   const std::string identifier = before->identifier()->toStdString();
-  signs.show(same, 2);
+  now = 2;
+  signs.show(same);
   while (entering(display.strip().time() + 0.1) != identifier + " ") {
   }
   EXPECT_EQ(signOf(display.strip().runs().back()), before);
 }
 
 TEST_F(SignsOfFeeds, ShowsANewItemSoonAndKeepsTheOrder) {
-  FeedSigns signs(display, Forever);
-  signs.show(items({u"a"_s, u"b"_s, u"c"_s, u"d"_s}), 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show(items({u"a"_s, u"b"_s, u"c"_s, u"d"_s}));
   ASSERT_EQ(entering(0.4), "a b ");
-  signs.show(items({u"new"_s, u"a"_s, u"b"_s, u"c"_s, u"d"_s}), 0.4);
+  now = 0.4;
+  signs.show(items({u"new"_s, u"a"_s, u"b"_s, u"c"_s, u"d"_s}));
   EXPECT_EQ(entering(4).substr(0, 20), "new c d new a b c d ");
 }
 
 TEST_F(SignsOfFeeds, ChangesTheTextOfAnItemWithItsNextShowing) {
-  FeedSigns signs(display, Forever);
-  signs.show({item(u"a"_s, u"old"_s), item(u"b"_s)}, 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show({item(u"a"_s, u"old"_s), item(u"b"_s)});
   ASSERT_EQ(entering(0.1), "a ");
   const Ref<ZQTickerSign> old = signOf(display.strip().runs().front());
-  signs.show({item(u"a"_s, u"a much longer title"_s), item(u"b"_s)}, 0.1);
+  now = 0.1;
+  signs.show({item(u"a"_s, u"a much longer title"_s), item(u"b"_s)});
   EXPECT_EQ(signOf(display.strip().runs().front()), old);
   EXPECT_EQ(entering(1.0), "b a ");
   const auto changed =
@@ -143,12 +155,14 @@ TEST_F(SignsOfFeeds, ChangesTheTextOfAnItemWithItsNextShowing) {
 }
 
 TEST_F(SignsOfFeeds, ShowsALatePictureWithTheNextShowing) {
-  FeedSigns signs(display, Forever);
-  signs.show({item(u"a"_s)}, 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show({item(u"a"_s)});
   ASSERT_EQ(entering(0.1), "a ");
   ShownItem pictured = item(u"a"_s);
   pictured.picture = picture();
-  signs.show({pictured}, 0.1);
+  now = 0.1;
+  signs.show({pictured});
   EXPECT_NE(std::dynamic_pointer_cast<ZQTextTickerSign>(signOf(display.strip().runs().front())),
             nullptr);
   ASSERT_EQ(entering(0.5), "a ");
@@ -157,37 +171,48 @@ TEST_F(SignsOfFeeds, ShowsALatePictureWithTheNextShowing) {
 }
 
 TEST_F(SignsOfFeeds, LetsItemsGoThatTheFeedHasDropped) {
-  FeedSigns signs(display, Forever);
-  signs.show(items({u"a"_s, u"b"_s, u"c"_s}), 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show(items({u"a"_s, u"b"_s, u"c"_s}));
   ASSERT_EQ(entering(0.1), "a ");
-  signs.show(items({u"b"_s}), 0.1);
+  now = 0.1;
+  signs.show(items({u"b"_s}));
   EXPECT_EQ(display.strip().runs().size(), 1u) << "the one on the strip goes on";
   EXPECT_EQ(entering(1.2).substr(0, 4), "b b ");
-  signs.show({}, 1.2);
+  now = 1.2;
+  signs.show({});
   display.advanceTo(20);
   EXPECT_TRUE(display.isFinished());
 }
 
 TEST_F(SignsOfFeeds, ShowsAnItemAgainThatComesBack) {
-  FeedSigns signs(display, Forever);
-  signs.show(items({u"a"_s}), 0);
-  signs.show({}, 0);
-  signs.show(items({u"a"_s}), 0);
+  FeedSigns signs(receiver, Forever);
+  now = 0;
+  signs.show(items({u"a"_s}));
+  now = 0;
+  signs.show({});
+  now = 0;
+  signs.show(items({u"a"_s}));
   EXPECT_EQ(entering(0.1), "a ");
 }
 
 TEST_F(SignsOfFeeds, ShowsOnlyWhatIsNewWhereItemsAreShownOnce) {
-  FeedSigns signs(display, Once);
-  signs.show(items({u"a"_s, u"b"_s}), 0);
+  FeedSigns signs(receiver, Once);
+  now = 0;
+  signs.show(items({u"a"_s, u"b"_s}));
   EXPECT_EQ(entering(10), "a b ");
   EXPECT_TRUE(display.isFinished());
-  signs.show(items({u"a"_s, u"b"_s}), 10);
+  now = 10;
+  signs.show(items({u"a"_s, u"b"_s}));
   EXPECT_TRUE(display.isFinished());
-  signs.show({item(u"a"_s, u"changed"_s), item(u"b"_s)}, 10);
+  now = 10;
+  signs.show({item(u"a"_s, u"changed"_s), item(u"b"_s)});
   EXPECT_TRUE(display.isFinished()) << "it has had its showing";
-  signs.show(items({u"c"_s, u"a"_s}), 10);
+  now = 10;
+  signs.show(items({u"c"_s, u"a"_s}));
   EXPECT_EQ(entering(20), "c ");
-  signs.show(items({u"c"_s, u"a"_s, u"b"_s}), 20);
+  now = 20;
+  signs.show(items({u"c"_s, u"a"_s, u"b"_s}));
   EXPECT_TRUE(display.isFinished()) << "b is back, but not new";
 }
 
@@ -198,7 +223,8 @@ TEST_F(SignsOfFeeds, ShowsItemsBehindSignsOfTheCommandLine) {
   headline->setContinuousScrolling(true);
   display.addSign(headline, 0);
   display.advanceTo(0.1);
-  FeedSigns signs(display, Forever);
-  signs.show(items({u"a"_s, u"b"_s}), 0.1);
+  FeedSigns signs(receiver, Forever);
+  now = 0.1;
+  signs.show(items({u"a"_s, u"b"_s}));
   EXPECT_EQ(entering(4).substr(0, 30), "headline a b headline a b head");
 }

@@ -3,6 +3,7 @@
 
 #include "app/display/SignItem.h"
 #include "app/display/TickerDisplay.h"
+#include "app/services/DisplayReceiver.h"
 #include "app/services/FileSigns.h"
 #include "tests/app/LogFile.h"
 #include "tests/support/LogWatch.h"
@@ -36,10 +37,11 @@ class Files : public ::testing::Test {
  protected:
   std::string start(const FileOptions& options, std::chrono::milliseconds lookInterval = Never,
                     MissingFiles missing = MissingFiles::AreAwaited) {
-    service.emplace(options,
-                    FileReceivers{[this](const QString& line) { lines += line + u'|'; },
-                                  [this](const FileReport& report) { take(report); }, nullptr},
-                    lookInterval);
+    service.emplace(
+        options,
+        FileReceivers{[this](const QString& line, const QString&) { lines += line + u'|'; },
+                      [this](const FileReport& report) { take(report); }, nullptr},
+        lookInterval);
     const std::optional<FileFailure> failure = service->start(missing);
     if (!failure)
       return "well";
@@ -177,9 +179,10 @@ TEST_F(Files, ThatCannotBeFollowedAreRefused) {
 TEST_F(Files, AreReadOnWhileTheyAreAheadOfTheStrip) {
   log.write("one\n");
   int count = 0;
-  service.emplace(FileOptions{{}, {log.path()}},
-                  FileReceivers{[&](const QString&) { ++count; }, nullptr, [] { return true; }},
-                  Never);
+  service.emplace(
+      FileOptions{{}, {log.path()}},
+      FileReceivers{[&](const QString&, const QString&) { ++count; }, nullptr, [] { return true; }},
+      Never);
   ASSERT_FALSE(service->start());
   log.write(QByteArray("line\n").repeated(50'000));
   EXPECT_TRUE(waitFor([&] { return count == 50'001; })) << count;
@@ -286,26 +289,29 @@ class SignsOfFiles : public ::testing::Test {
   }
 
   TickerDisplay display;
+  double now = 0;
+  DisplayReceiver receiver{display, [this] { return now; }};
 };
 } // namespace
 
 TEST_F(SignsOfFiles, WaitOncePerPathAndKind) {
-  FileSigns signs(display, LoopRule());
+  FileSigns signs(receiver, LoopRule());
   for (int i = 0; i < 100; ++i) {
-    signs.show({u"/a/log"_s, u"written to"_s}, 0);
-    signs.show({u"/b/log"_s, u"written to"_s}, 0);
-    signs.show({u"/a/log"_s, u"deleted"_s}, 0);
+    signs.show({u"/a/log"_s, u"written to"_s});
+    signs.show({u"/b/log"_s, u"written to"_s});
+    signs.show({u"/a/log"_s, u"deleted"_s});
   }
   EXPECT_EQ(display.waitingCount(), 3u);
 }
 
 TEST_F(SignsOfFiles, ComeAgainWhileOneIsOnTheStrip) {
-  FileSigns signs(display, LoopRule());
-  signs.show({u"/a/log"_s, u"written to"_s}, 0);
+  FileSigns signs(receiver, LoopRule());
+  signs.show({u"/a/log"_s, u"written to"_s});
   display.advanceTo(0.1);
   EXPECT_EQ(display.waitingCount(), 0u) << "it is on the strip";
+  now = 0.2;
   for (int i = 0; i < 100; ++i)
-    signs.show({u"/a/log"_s, u"written to"_s}, 0.2);
+    signs.show({u"/a/log"_s, u"written to"_s});
   EXPECT_EQ(display.waitingCount(), 1u);
   const auto& item = static_cast<const SignItem&>(display.strip().runs().front().item());
   ASSERT_NE(item.sign(), nullptr);
@@ -315,8 +321,8 @@ TEST_F(SignsOfFiles, ComeAgainWhileOneIsOnTheStrip) {
 }
 
 TEST_F(SignsOfFiles, GoRoundAsTheRuleSays) {
-  FileSigns signs(display, {2, 1.5, true});
-  signs.show({u"/a/log"_s, u"written to"_s}, 0);
+  FileSigns signs(receiver, {2, 1.5, true});
+  signs.show({u"/a/log"_s, u"written to"_s});
   display.advanceTo(0.1);
   const auto& item = static_cast<const SignItem&>(display.strip().runs().front().item());
   EXPECT_EQ(item.sign()->loopCount(), 2);

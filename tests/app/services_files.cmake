@@ -1,2 +1,4 @@
 # Services as programs of their own.
-set(app_services_SOURCES)
+set(app_services_SOURCES
+    FakeTickerLink.h
+    SignSenderTest.cpp)
