@@ -60,7 +60,16 @@ QString newFileOf(const ParsedOption& option, const QStringList& before) {
   return file;
 }
 
-// Whether `option` is one that all strips have; reads it then.
+} // namespace
+
+void addFeed(FeedOptions& feeds, const ParsedOption& option) {
+  feeds.feeds.push_back(feedOf(option, feeds.feeds));
+}
+
+void addFile(QStringList& files, const ParsedOption& option) {
+  files.append(newFileOf(option, files));
+}
+
 bool readStripOption(StripOptions& options, const ParsedOption& option) {
   const QString& name = option.name;
   if (name == "text"_L1) {
@@ -76,13 +85,13 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   } else if (name == "clock"_L1) {
     options.sources.push_back(clockSource(option));
   } else if (name == "feed"_L1) {
-    options.feeds.feeds.push_back(feedOf(option, options.feeds.feeds));
+    addFeed(options.feeds, option);
   } else if (name == "feed-items"_L1) {
     options.feeds.itemsPerFeed = feedItemsOf(option);
   } else if (name == "feed-interval"_L1) {
     options.feeds.intervalMinutes = feedIntervalOf(option);
   } else if (name == "tail"_L1) {
-    options.files.tailed.append(newFileOf(option, options.files.tailed));
+    addFile(options.files.tailed, option);
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
@@ -113,6 +122,7 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   return true;
 }
 
+namespace {
 // Settings of feeds are for feeds.
 void requireFeeds(const StripOptions& options, const std::vector<ParsedOption>& given) {
   if (!options.feeds.feeds.empty())
@@ -183,7 +193,7 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
     else if (option.name == "control-bar"_L1 || option.name == "no-control-bar"_L1)
       options.showsControlBar = option.name == "control-bar"_L1;
     else if (option.name == "watch"_L1)
-      options.strip.files.watched.append(newFileOf(option, options.strip.files.watched));
+      addFile(options.strip.files.watched, option);
     else
       readStripOption(options.strip, option);
   }

@@ -91,6 +91,14 @@ struct SignOptions {
   QString output;
 };
 
+// Adds the value of an option or an operand. UsageError for what is no address that can be loaded,
+// an empty name, and one that was given before.
+void addFeed(FeedOptions& feeds, const ParsedOption& option);
+void addFile(QStringList& files, const ParsedOption& option);
+
+// Whether `option` is one that all strips have; reads it then. UsageError for a wrong value.
+bool readStripOption(StripOptions& options, const ParsedOption& option);
+
 // The commands' options. UsageError for what is wrong in itself; files and fonts are looked at
 // later.
 // The count that a "--loop" asks for; UsageError where it is none.

@@ -5,6 +5,7 @@
 #include "app/commands/FeedCommand.h"
 #include "app/commands/FetchCommand.h"
 #include "app/commands/HelpCommand.h"
+#include "app/commands/ServiceCommand.h"
 #include "app/commands/PostCommand.h"
 #include "app/commands/WatchCommand.h"
 #include "app/commands/strip_commands.h"
@@ -20,6 +21,7 @@ using Room = const std::vector<Command>& (*)();
 // clang-format off
 constexpr Room Rooms[] = {
     stripCommands,
+    serviceCommands,
     settingsCommands,
     postCommands,
     archiveCommands,

@@ -16,15 +16,18 @@ Ref<ZQTickerSign> DisplayReceiver::makeTextSign(const QString& text) {
   return display_.makeTextSign(text);
 }
 
-void DisplayReceiver::add(Ref<ZQTickerSign> sign, const SignOrigin&, Order order) {
+void DisplayReceiver::add(Ref<ZQTickerSign> sign, const SignOrigin& origin, Order order) {
+  const double now = time_();
+  if (display_.replaceSign(sign, now, origin))
+    return;
   if (order == Order::Arranged)
-    display_.addArrangedSign(std::move(sign), time_());
+    display_.addArrangedSign(std::move(sign), now, origin);
   else
-    display_.addSign(std::move(sign), time_());
+    display_.addSign(std::move(sign), now, origin);
 }
 
-void DisplayReceiver::replace(Ref<ZQTickerSign> sign, const SignOrigin&) {
-  display_.replaceSign(std::move(sign), time_());
+void DisplayReceiver::replace(Ref<ZQTickerSign> sign, const SignOrigin& origin) {
+  display_.replaceSign(std::move(sign), time_(), origin);
 }
 
 void DisplayReceiver::remove(const QString& identifier) {

@@ -29,6 +29,7 @@ class SignReceiver {
   // A sign for a line of text in the font and the color of the display that will show it.
   virtual platform::Ref<ZQTickerSign> makeTextSign(const QString& text) = 0;
 
+  // Where one with the same identifier is to be shown again, `sign` takes over from that one.
   virtual void add(platform::Ref<ZQTickerSign> sign, const SignOrigin& origin, Order order) = 0;
   // Lets `sign` take over from the one with its identifier, which goes on to its end where it is on
   // the strip. Nothing happens where there is none that is to be shown again.

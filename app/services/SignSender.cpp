@@ -114,6 +114,8 @@ void SignSender::replace(Ref<ZQTickerSign> sign, const SignOrigin& origin) {
 }
 
 void SignSender::remove(const QString& identifier) {
+  if (isFinishing_)
+    return;
   const QString full = fullIdentifier(identifier);
   const auto known = known_.constFind(full);
   const bool mayBeThere = known == known_.constEnd() || (*known)->mayBeThere;
@@ -125,6 +127,8 @@ void SignSender::remove(const QString& identifier) {
 }
 
 void SignSender::arrange(const QStringList& identifiers) {
+  if (isFinishing_)
+    return;
   QStringList order;
   for (const QString& identifier : identifiers)
     order.append(fullIdentifier(identifier));

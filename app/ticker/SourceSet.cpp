@@ -19,7 +19,8 @@ using namespace platform;
 
 SourceSet::SourceSet(Ticker& ticker, const StripOptions& options,
                      const QDBusUnixFileDescriptor& standardInput)
-    : ticker_(ticker), lineRule_(lineRuleOf(options)) {
+    : ticker_(ticker), receiver_(ticker.display(), [&ticker] { return ticker.time(); }),
+      lineRule_(lineRuleOf(options)) {
   const StripLook look = ticker.lookFor(options);
   const std::vector<Ref<ZQTickerSign>> signs = loadSigns(options, look.font, look.color);
   followFilesOf(options);
@@ -47,11 +48,10 @@ void SourceSet::addLine(const QString& line) {
 }
 
 void SourceSet::followFilesOf(const StripOptions& options) {
-  fileSigns_ = std::make_unique<FileSigns>(ticker_.display(), lineRule_);
-  files_ = followFiles(
-      options, {[this](const QString& line) { addLine(line); },
-                [this](const FileReport& report) { fileSigns_->show(report, ticker_.time()); },
-                [this] { return ticker_.isFullOfLines(); }});
+  fileSigns_ = std::make_unique<FileSigns>(receiver_, lineRule_);
+  files_ = followFiles(options, {[this](const QString& line, const QString&) { addLine(line); },
+                                 [this](const FileReport& report) { fileSigns_->show(report); },
+                                 [this] { return ticker_.isFullOfLines(); }});
   if (files_)
     connect(files_.get(), &FileService::received, &ticker_, &Ticker::displayChanged);
 }
@@ -60,10 +60,10 @@ void SourceSet::readFeedsOf(const StripOptions& options) {
   if (options.feeds.feeds.empty())
     return;
   prepareLoading();
-  feedSigns_ = std::make_unique<FeedSigns>(ticker_.display(), feedRuleOf(options));
+  feedSigns_ = std::make_unique<FeedSigns>(receiver_, feedRuleOf(options));
   feeds_ = std::make_unique<FeedService>(options.feeds, ticker_.pictureRoom(),
                                          [this](const std::vector<ShownItem>& items) {
-                                           feedSigns_->show(items, ticker_.time());
+                                           feedSigns_->show(items);
                                            ticker_.displayChanged();
                                          });
   feeds_->start();

@@ -3,6 +3,7 @@
 
 #include "app/commands/StripOptions.h"
 #include "app/display/StripItem.h"
+#include "app/services/DisplayReceiver.h"
 
 #include <QtCore/QObject>
 #include <QtDBus/QDBusUnixFileDescriptor>
@@ -46,6 +47,7 @@ class SourceSet : public QObject {
   void addLine(const QString& line);
 
   Ticker& ticker_;
+  DisplayReceiver receiver_;
   LoopRule lineRule_;
   bool isComplete_ = false; // all that could fail is done
   QStringList earlyLines_;  // of files, until then
