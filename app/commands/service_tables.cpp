@@ -30,9 +30,9 @@ const QString TickerNote =
     u"The ticker is the one on the session bus. While there is none the service waits for it, and "
     u"when it ends and comes again, or the bus does, the service goes on: a new ticker gets what "
     u"is shown forever and what no ticker has taken yet. Except with --start no ticker is "
-    u"started. A ticker that has enough for the moment is asked again after a pause, of a quarter "
-    u"of a second at first and ten seconds at last. Texts have the font and the color of the "
-    u"ticker."_s;
+    u"started. At most 40 signs a second are sent, 150 at once; a ticker keeps 500 of one service. "
+    u"One that has enough for the moment is asked again after a pause, of a quarter of a second at "
+    u"first and ten seconds at last. Texts have the font and the color of the ticker."_s;
 
 const QString ArrivalNote =
     u"While the ticker takes nothing the newest 1,000 signs wait, with at most 16,000,000 "
@@ -64,8 +64,8 @@ OptionTable makeFeedTable() {
        u"on this machine."_s},
       {u"picture-height"_s,
        {u"PIXELS"_s},
-       u"How high pictures are sent at most, and a quarter of how wide; 128 by default. Twice the "
-       u"height of the strip suits every screen."_s},
+       u"How high a picture may be, and a quarter of how wide; larger ones are scaled down. 128 by "
+       u"default. Twice the height of the strip suits every screen."_s},
   };
   addCommonOptions(table, u"forever"_s);
   table.notes = {

@@ -1,5 +1,6 @@
 #include "app/services/SignSender.h"
 
+#include "app/intake/sign_archives.h"
 #include "zqticker/platform/archiving/PortCoder.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
@@ -10,6 +11,7 @@
 #include <QtCore/QPointer>
 
 #include <algorithm>
+#include <cmath>
 #include <exception>
 
 using namespace Qt::StringLiterals;
@@ -36,8 +38,10 @@ QByteArray archiveOf(const Ref<ZQTickerSign>& sign) {
 }
 } // namespace
 
-SignSender::SignSender(TickerLink& link, const QString& senderIdentifier, SendLimits limits)
+SignSender::SignSender(TickerLink& link, const QString& senderIdentifier, SendLimits limits,
+                       std::function<double()> seconds)
     : link_(link), senderIdentifier_(senderIdentifier), limits_(limits),
+      seconds_(std::move(seconds)), callsLeft_(limits.burst), callsLeftSeconds_(seconds_()),
       nextPause_(limits.shortestPause) {
   pause_.setSingleShot(true);
   connect(&pause_, &QTimer::timeout, this, &SignSender::sendNext);
@@ -217,21 +221,38 @@ void SignSender::finish(EndlessSigns endless) {
 
 void SignSender::sendNext() {
   while (!underWay_ && !pause_.isActive() && link_.isThere()) {
+    const bool hasNothing = removals_.empty() && waiting_.empty() && !isOrderDue_;
+    if (hasNothing) {
+      if (isFinishing_)
+        Q_EMIT finished();
+      return;
+    }
+    if (!mayCall())
+      return;
     if (!removals_.empty()) {
       const QString identifier = removals_.front();
       removals_.pop_front();
       link_.remove(identifier, beginCall(Call::Kind::Remove, identifier));
     } else if (!waiting_.empty()) {
       sendSign();
-    } else if (isOrderDue_) {
+    } else {
       isOrderDue_ = false;
       link_.arrange(order_, beginCall(Call::Kind::Arrange, QString()));
-    } else {
-      if (isFinishing_)
-        Q_EMIT finished();
-      return;
     }
   }
+}
+
+// Otherwise the time will come.
+bool SignSender::mayCall() {
+  const double now = seconds_();
+  callsLeft_ = std::min(callsLeft_ + (now - callsLeftSeconds_) * limits_.rate, limits_.burst);
+  callsLeftSeconds_ = now;
+  if (callsLeft_ < 1) {
+    pause_.start(static_cast<int>(std::ceil((1 - callsLeft_) / limits_.rate * 1000)));
+    return false;
+  }
+  --callsLeft_;
+  return true;
 }
 
 // Sends the first sign that waits. One that cannot be archived goes.
@@ -242,6 +263,11 @@ void SignSender::sendSign() {
     archive = archiveOf(parcel.sign);
   } catch (const std::exception& exception) {
     tell(u"a sign cannot be sent: "_s + QString::fromUtf8(exception.what()));
+    erase(waiting_.begin());
+    return;
+  }
+  if (archive.size() > LargestMessageArchive) {
+    tell(u"a sign cannot be sent: larger than %1 MiB"_s.arg(LargestMessageArchive >> 20));
     erase(waiting_.begin());
     return;
   }

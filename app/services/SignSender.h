@@ -1,6 +1,7 @@
 // A ticker that is another program as a receiver of signs.
 #pragma once
 
+#include "app/display/FrameClock.h"
 #include "app/services/SignReceiver.h"
 #include "app/services/TickerLink.h"
 
@@ -11,6 +12,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <list>
 #include <optional>
 
@@ -21,6 +23,10 @@ struct SendLimits {
   // newest ones stay.
   std::size_t mostSigns = 1000;
   std::size_t mostCharacters = 16'000'000;
+  // Calls at once after a rest, and a second in the long run: less than a ticker takes of one
+  // sender.
+  double burst = 150;
+  double rate = 40;
   // How long to leave a ticker alone that has enough for now. Doubles each time, from the shortest
   // pause to the longest, until it takes something.
   std::chrono::milliseconds shortestPause = std::chrono::milliseconds(250);
@@ -35,7 +41,8 @@ enum class EndlessSigns { AreTakenBack, Stay };
 // what has not been taken by a ticker yet.
 //
 // One call is under way at a time, so that a sign that is refused for the moment is not overtaken:
-// the next call is the same one again, after a pause. What is removed goes first, since it makes
+// the next call is the same one again, after a pause. Calls are spread over time, since a ticker
+// refuses and logs floods. What is removed goes first, since it makes
 // room. A ticker's other refusals are told in a log line (category zqticker.services), and the sign
 // goes.
 //
@@ -49,8 +56,9 @@ class SignSender : public QObject, public SignReceiver {
  public:
   // `senderIdentifier` stands in the origin of all signs and before their identifiers, so that
   // they take the places of those that the same sender left when it ended. `link` must outlive the
-  // object.
-  SignSender(TickerLink& link, const QString& senderIdentifier, SendLimits limits = {});
+  // object. `seconds` is a monotonic clock.
+  SignSender(TickerLink& link, const QString& senderIdentifier, SendLimits limits = {},
+             std::function<double()> seconds = FrameClock::now);
   ~SignSender() override;
 
   // A combo sign without a picture: it is drawn in the font and color of the display it comes to.
@@ -101,6 +109,7 @@ class SignSender : public QObject, public SignReceiver {
   void takeBack(const QString& identifier);
   void startAnew();
   void sendNext();
+  bool mayCall();
   void sendSign();
   TickerLink::Done beginCall(Call::Kind kind, const QString& identifier, std::uint64_t version = 0);
   void take(std::uint64_t number, const TickerReply& reply);
@@ -123,6 +132,9 @@ class SignSender : public QObject, public SignReceiver {
   std::optional<Call> underWay_;
   std::uint64_t callCount_ = 0;
   std::uint64_t versionCount_ = 0;
+  std::function<double()> seconds_;
+  double callsLeft_;        // of the burst
+  double callsLeftSeconds_; // when that was so
   QTimer pause_;
   std::chrono::milliseconds nextPause_;
   QString toldRefusal_;

@@ -118,6 +118,32 @@ TEST_F(SignsToATicker, ComeAgainWhenItHasHadEnoughAndAreNotOvertaken) {
   EXPECT_EQ(link.takeAll(), "show a, show b");
 }
 
+TEST_F(SignsToATicker, AreSpreadOverTime) {
+  double now = 5;
+  SendLimits limits;
+  limits.burst = 2;
+  limits.rate = 100;
+  sender.emplace(link, Sender, limits, [&] { return now; });
+  link.appear();
+  for (const QString& identifier : {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s})
+    add(identifier);
+  EXPECT_EQ(link.takeAll(), "show a, show b");
+  now += 0.01;
+  ASSERT_TRUE(waitFor([&] { return link.openCalls() > 0; }));
+  EXPECT_EQ(link.takeAll(), "show c");
+  now += 100;
+  ASSERT_TRUE(waitFor([&] { return link.openCalls() > 0; }));
+  add(u"f"_s);
+  EXPECT_EQ(link.takeAll(), "show d, show e") << "a long rest allows a burst, and no more";
+}
+
+TEST_F(SignsToATicker, ThatAreTooLargeAreNotSent) {
+  link.appear();
+  expectLog(u"a sign cannot be sent: larger than 8 MiB"_s);
+  sender->add(sign(u"a"_s, 1, QString(9 << 20, u'ä')), {}, Order::Arrival);
+  EXPECT_EQ(link.calls().size(), 0u);
+}
+
 TEST_F(SignsToATicker, ComeAgainWhenNobodyAnswers) {
   link.appear();
   add(u"a"_s);
