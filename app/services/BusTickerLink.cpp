@@ -30,7 +30,7 @@ TickerReply readBusReply(const BusReply& reply) {
     return {TickerReply::Kind::Taken, {}};
   if (reply.isUnreachable() || isWithoutReply(reply.errorName))
     return {TickerReply::Kind::Lost, {}};
-  if (reply.errorName == TooMuchError ||
+  if (reply.errorName == TooMuchErrorName ||
       reply.errorName == "org.freedesktop.DBus.Error.LimitsExceeded"_L1)
     return {TickerReply::Kind::TooMuch, {}};
   return {TickerReply::Kind::Refused, reply.errorMessage};

@@ -128,7 +128,7 @@ TEST_F(SignsToATicker, AreSpreadOverTime) {
   for (const QString& identifier : {u"a"_s, u"b"_s, u"c"_s, u"d"_s, u"e"_s})
     add(identifier);
   EXPECT_EQ(link.takeAll(), "show a, show b");
-  now += 0.01;
+  now += 0.015;
   ASSERT_TRUE(waitFor([&] { return link.openCalls() > 0; }));
   EXPECT_EQ(link.takeAll(), "show c");
   now += 100;
