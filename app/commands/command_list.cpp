@@ -5,8 +5,8 @@
 #include "app/commands/FeedCommand.h"
 #include "app/commands/FetchCommand.h"
 #include "app/commands/HelpCommand.h"
-#include "app/commands/ServiceCommand.h"
 #include "app/commands/PostCommand.h"
+#include "app/commands/ServiceCommand.h"
 #include "app/commands/WatchCommand.h"
 #include "app/commands/strip_commands.h"
 #include "app/queue/QueueCommand.h"
@@ -21,9 +21,9 @@ using Room = const std::vector<Command>& (*)();
 // clang-format off
 constexpr Room Rooms[] = {
     stripCommands,
-    serviceCommands,
     settingsCommands,
     postCommands,
+    serviceCommands,
     archiveCommands,
     appearanceCommands,
     fetchCommands,
