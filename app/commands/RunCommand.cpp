@@ -4,12 +4,12 @@
 #include "app/commands/failures.h"
 #include "app/commands/interrupts.h"
 #include "app/commands/strip_setup.h"
+#include "app/settings/SettingsStore.h"
+#include "app/settings/run_settings.h"
 #include "app/ticker/Ticker.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
-#include <QtGui/QGuiApplication>
-#include <QtGui/QScreen>
 
 #include <cmath>
 #include <unistd.h>
@@ -36,14 +36,16 @@ bool hasDisplay() {
 }
 
 int runCommand(const QStringList& arguments) {
-  const RunOptions options = readRunOptions(arguments);
+  SettingsStore settings;
+  RunOptions options = readRunOptionsOver(settings.settings(), arguments);
   requireSomethingToShow(options.strip, u"run"_s);
+  requireScreen(options);
+  leaveOutUnknownFont(options);
   Interrupts interrupts;
-  const QScreen* screen = QGuiApplication::primaryScreen();
-  if (!screen)
-    throw RunTimeError(u"the display has no screen"_s);
-  Ticker ticker(options, *screen);
-  ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
+  Ticker ticker(options);
+  if (options.showsOwn())
+    ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
+  ticker.follow(settings);
   QObject::connect(&ticker, &Ticker::finished, qApp, &QCoreApplication::quit);
   QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);
   QCoreApplication::exec();
@@ -51,8 +53,10 @@ int runCommand(const QStringList& arguments) {
 }
 
 int runWithoutDisplay(const QStringList& arguments, const QString& reason) {
-  const RunOptions options = readRunOptions(arguments);
+  const SettingsStore settings;
+  RunOptions options = readRunOptionsOver(settings.settings(), arguments);
   requireSomethingToShow(options.strip, u"run"_s);
+  leaveOutUnknownFont(options);
   Interrupts interrupts;
   QTemporaryDir folder;
   if (!folder.isValid())

@@ -4,6 +4,7 @@
 #include "app/commands/RunCommand.h"
 #include "app/commands/SignCommand.h"
 #include "app/commands/StripOptions.h"
+#include "app/settings/SettingsStore.h"
 
 using namespace Qt::StringLiterals;
 
@@ -293,7 +294,7 @@ const std::vector<Command>& stripCommands() {
       {&runTable(), CommandGroup::Screen, Application::Display, runCommand,
        // A wrong command line is wrong everywhere, with a display or without.
        [](const QStringList& arguments) -> std::optional<int> {
-         readRunOptions(arguments);
+         readRunOptionsOver(SettingsStore::peek(), arguments);
          return std::nullopt;
        },
        runWithoutDisplay},

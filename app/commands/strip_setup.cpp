@@ -57,10 +57,14 @@ void setUpDisplay(TickerDisplay& display, const StripOptions& options, const Str
                   double time) {
   display.setHorizontal(options.isHorizontal, time);
   display.setSize(look.size, time);
-  display.setDefaultFont(look.font);
-  display.setDefaultTextColor(look.color);
-  display.setShouldAutoscale(options.autoscale);
-  display.setSpeed(options.speed, time);
+  if (!display.defaultFont() || !display.defaultFont()->isEqual(*look.font))
+    display.setDefaultFont(look.font);
+  if (!display.defaultTextColor() || !display.defaultTextColor()->isEqual(*look.color))
+    display.setDefaultTextColor(look.color);
+  if (display.shouldAutoscale() != (options.autoscale && options.isHorizontal))
+    display.setShouldAutoscale(options.autoscale);
+  if (display.speed() != options.speed)
+    display.setSpeed(options.speed, time);
 }
 
 void fillDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,

@@ -18,7 +18,8 @@ struct StripLook {
 // as wide as the room, a vertical one as high. Raises RunTimeError for an unknown font.
 StripLook lookOf(const StripOptions& options, QSizeF room);
 
-// Gives `display` its look at `time`.
+// Gives `display` its look at `time`; what it has already is left alone, since every sign would be
+// laid out anew.
 void setUpDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
                   double time);
 

@@ -60,6 +60,29 @@ void StripWidget::place(const QRect& geometry) {
   setGeometry(geometry);
 }
 
+void StripWidget::setBackground(const QColor& background) {
+  if (background == background_)
+    return;
+  background_ = background;
+  const bool isTranslucent = background.alpha() < 255;
+  if (isTranslucent == testAttribute(Qt::WA_TranslucentBackground)) {
+    update();
+    return;
+  }
+  // A window has its depth for good; another one takes its place.
+  const bool wasShown = isVisible();
+  const QRect geometry = this->geometry();
+  if (testAttribute(Qt::WA_WState_Created)) {
+    hide();
+    destroy();
+  }
+  setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+  setAttribute(Qt::WA_NoSystemBackground);
+  place(geometry);
+  if (wasShown)
+    show();
+}
+
 double StripWidget::time() const {
   return FrameClock::now() - lost_;
 }

@@ -27,6 +27,10 @@ class StripWidget : public QWidget {
   // Gives the window its place on the screen.
   void place(const QRect& geometry);
 
+  // The colour behind the signs; one that is not opaque lets what stands below the window through,
+  // where the window system can.
+  void setBackground(const QColor& background);
+
   // Seconds on the strip's own clock: the monotonic clock without the time in which this process
   // was kept from running, so that nothing jumps afterwards.
   double time() const;

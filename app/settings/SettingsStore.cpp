@@ -23,6 +23,19 @@ constexpr std::chrono::milliseconds SettleTime(50);
 QString configFile(const QString& name) {
   return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) + u'/' + name;
 }
+
+// Adds what is wrong to `complaints`.
+Settings settingsOf(const QJsonObject& object, QStringList& complaints) {
+  Settings settings;
+  for (const SettingSpec& spec : settingTable()) {
+    const auto found = object.constFind(spec.name);
+    if (!isInFile(spec) || found == object.constEnd())
+      continue;
+    for (const QString& complaint : readSetting(settings, spec, *found))
+      complaints.append(u"settings: "_s + complaint + u"; left out"_s);
+  }
+  return settings;
+}
 } // namespace
 
 QString SettingsStore::usualFile() {
@@ -31,6 +44,11 @@ QString SettingsStore::usualFile() {
 
 QString SettingsStore::usualAutostartFile() {
   return configFile(u"autostart/org.zqticker.Ticker.desktop"_s);
+}
+
+Settings SettingsStore::peek(const QString& file) {
+  QStringList complaints;
+  return settingsOf(SettingsFile(file).read().object, complaints);
 }
 
 SettingsStore::SettingsStore(const QString& file, const QString& autostartFile)
@@ -114,15 +132,8 @@ void SettingsStore::read(Reading reading) {
                   : QString(name + u"; the default settings are used, the file is kept as "_s +
                             quotedForMessage(aside))});
   }
-  Settings settings;
   QStringList complaints;
-  for (const SettingSpec& spec : settingTable()) {
-    const auto found = contents.object.constFind(spec.name);
-    if (!isInFile(spec) || found == contents.object.constEnd())
-      continue;
-    for (const QString& complaint : readSetting(settings, spec, *found))
-      complaints.append(u"settings: "_s + complaint + u"; left out"_s);
-  }
+  Settings settings = settingsOf(contents.object, complaints);
   if (contents.problem.isEmpty())
     complain(complaints);
   settings.startsWithSession = startsWithSession(autostartFile_);

@@ -37,6 +37,10 @@ class SettingsStore : public QObject {
                          const QString& autostartFile = usualAutostartFile());
   ~SettingsStore() override;
 
+  // The settings in a file, without a word about what is wrong with them and without a change to
+  // it.
+  static Settings peek(const QString& file = usualFile());
+
   const Settings& settings() const { return settings_; }
   QString path() const { return file_.path(); }
 

@@ -1,8 +1,18 @@
 #include "app/settings/run_settings.h"
 
+#include "app/commands/failures.h"
+#include "app/commands/sign_loading.h"
+#include "app/settings/ChosenScreen.h"
+
+#include <QtCore/QLoggingCategory>
+
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
+
+namespace {
+Q_LOGGING_CATEGORY(settingsLog, "zqticker.settings")
+} // namespace
 
 void adoptSettings(RunOptions& options, const Settings& settings) {
   StripOptions& strip = options.strip;
@@ -38,6 +48,27 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
   if (isFree(u"position"_s) && standsUpright == strip.isHorizontal)
     options.edge = Edge::Automatic;
+}
+
+void leaveOutUnknownFont(RunOptions& options) {
+  if (!options.strip.font || options.given.contains(u"font"_s))
+    return;
+  try {
+    // Any size will do.
+    findFont(*options.strip.font, 1);
+  } catch (const CommandFailure& failure) {
+    qCWarning(settingsLog).noquote()
+        << QString(u"settings: "_s + failure.message() + u"; left out"_s);
+    options.strip.font = std::nullopt;
+  }
+}
+
+void requireScreen(const RunOptions& options) {
+  const QStringList names = screenNames();
+  if (options.given.contains(u"screen"_s) && !options.screen.isEmpty() &&
+      !names.contains(options.screen))
+    throw RunTimeError(u"--screen "_s + quotedForMessage(options.screen) +
+                       u": no such screen (there is "_s + names.join(u", ") + u')');
 }
 
 } // namespace zq::app

@@ -10,4 +10,11 @@ namespace zq::app {
 // first.
 void adoptSettings(RunOptions& options, const Settings& settings);
 
+// Leaves out a font of the settings that is not there, with a line of the category
+// zqticker.settings. Needs a QGuiApplication.
+void leaveOutUnknownFont(RunOptions& options);
+
+// RunTimeError where the command line names a screen that is not there. Needs a QGuiApplication.
+void requireScreen(const RunOptions& options);
+
 } // namespace zq::app

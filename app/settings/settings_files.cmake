@@ -2,6 +2,8 @@
 set(settings_SOURCES
     commands/strip_values.cpp
     commands/strip_values.h
+    settings/ChosenScreen.cpp
+    settings/ChosenScreen.h
     settings/Settings.h
     settings/SettingsCommand.cpp
     settings/SettingsCommand.h

@@ -69,6 +69,12 @@ void SourceSet::readFeedsOf(const StripOptions& options) {
   feeds_->start();
 }
 
+void SourceSet::withdrawFeeds() {
+  feeds_.reset();
+  if (feedSigns_)
+    feedSigns_->show({}, ticker_.time());
+}
+
 void SourceSet::readLinesOf(const QDBusUnixFileDescriptor& standardInput) {
   if (!standardInput.isValid())
     return;

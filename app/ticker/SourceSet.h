@@ -40,6 +40,9 @@ class SourceSet : public QObject {
   bool hasEnded() const;
   Q_SIGNAL void ended();
 
+  // Shows nothing more of its feeds, and asks them no more.
+  void withdrawFeeds();
+
  private:
   void followFilesOf(const StripOptions& options);
   void readFeedsOf(const StripOptions& options);

@@ -5,6 +5,8 @@
 #include "app/controls/ControlBar.h"
 #include "app/controls/ControlBarButton.h"
 #include "app/services/ClockService.h"
+#include "app/settings/SettingsStore.h"
+#include "app/settings/run_settings.h"
 #include "app/ticker/SourceSet.h"
 #include "app/ticker/window_place.h"
 #include "zqticker/platform/graphics/Color.h"
@@ -24,17 +26,17 @@ namespace zq::app {
 using namespace platform;
 
 namespace {
-// Puts the control bar on the strip. A strip without one can be used all the same.
-void addControlBar(StripWidget& widget, bool isHorizontal) {
+// The control bar on the strip. A strip without one can be used all the same.
+std::unique_ptr<ControlBar> makeControlBar(StripWidget& widget, bool isHorizontal) {
   try {
     if (ControlBarButton::hasLook())
-      new ControlBar(&widget, isHorizontal, widget.menu());
-    else
-      printError(u"no control bar: its look, ControlBarButton.button, is missing"_s);
+      return std::make_unique<ControlBar>(&widget, isHorizontal, widget.menu());
+    printError(u"no control bar: its look, ControlBarButton.button, is missing"_s);
   } catch (const std::exception& exception) {
     printError(u"no control bar: its look, ControlBarButton.button, cannot be read: "_s +
                QString::fromUtf8(exception.what()));
   }
+  return nullptr;
 }
 
 // Paths that begin in `folder` instead of this program's own.
@@ -49,15 +51,13 @@ void setFolder(StripOptions& options, const QString& folder) {
 }
 } // namespace
 
-Ticker::Ticker(const RunOptions& options, const QScreen& screen)
-    : options_(options), display_(FrameClock::now()), deviceScale_(screen.devicePixelRatio()) {
-  const QRect room = screen.availableGeometry();
-  const StripLook look = lookOf(options.strip, room.size());
-  setUpDisplay(display_, options.strip, look, FrameClock::now());
+Ticker::Ticker(const RunOptions& options)
+    : options_(options), screen_(options.screen), display_(FrameClock::now()) {
+  if (!screen_.screen())
+    throw RunTimeError(u"the display has no screen"_s);
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
-  widget_->place(windowPlace(options, look, room));
-  if (options.showsControlBar)
-    addControlBar(*widget_, options.strip.isHorizontal);
+  updateLook();
+  connect(&screen_, &ChosenScreen::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,
           Qt::QueuedConnection);
 }
@@ -89,6 +89,61 @@ void Ticker::runClockOf(const StripOptions& options) {
     return isShown;
   });
   clock_->start();
+}
+
+void Ticker::follow(SettingsStore& settings) {
+  settings_ = &settings;
+  adopt(settings.settings());
+  connect(&settings, &SettingsStore::changed, this, [this] { adopt(settings_->settings()); });
+  settings.watch();
+}
+
+void Ticker::adopt(const Settings& settings) {
+  const FeedOptions before = options_.strip.feeds;
+  adoptSettings(options_, settings);
+  leaveOutUnknownFont(options_);
+  screen_.setName(options_.screen);
+  updateLook();
+  if (!options_.showsOwn() && (!feedsOfSettings_ || options_.strip.feeds != before))
+    showFeedsOfSettings();
+}
+
+void Ticker::showFeedsOfSettings() {
+  if (feedsOfSettings_) {
+    feedsOfSettings_->withdrawFeeds();
+    std::erase_if(sources_, [this](const auto& set) { return set.get() == feedsOfSettings_; });
+    feedsOfSettings_ = nullptr;
+  }
+  if (!options_.strip.feeds.feeds.empty()) {
+    add(options_.strip);
+    feedsOfSettings_ = sources_.back().get();
+  }
+  displayChanged();
+}
+
+void Ticker::updateLook() {
+  const QScreen* screen = screen_.screen();
+  // One will come back.
+  if (!screen)
+    return;
+  const QRect room = screen->availableGeometry();
+  const StripLook look = lookOf(options_.strip, room.size());
+  setUpDisplay(display_, options_.strip, look, time());
+  widget_->setBackground(options_.strip.background);
+  widget_->place(windowPlace(options_, look, room));
+  updateControlBar();
+  displayChanged();
+}
+
+void Ticker::updateControlBar() {
+  std::optional<bool> wanted;
+  if (options_.showsControlBar)
+    wanted = options_.strip.isHorizontal;
+  // What could not be made is not tried, and told, again and again.
+  if (wanted == triedControlBar_)
+    return;
+  triedControlBar_ = wanted;
+  controlBar_ = wanted ? makeControlBar(*widget_, *wanted) : nullptr;
 }
 
 QString Ticker::show(const Ref<ZQTickerSign>& sign, const SignOrigin& origin, bool arranged) {
@@ -130,7 +185,9 @@ StripLook Ticker::lookFor(const StripOptions& sources) const {
 }
 
 QSize Ticker::pictureRoom() const {
-  return pictureRoomOf(options_.strip, {display_.size(), nullptr, nullptr}, deviceScale_);
+  const QScreen* screen = screen_.screen();
+  return pictureRoomOf(options_.strip, {display_.size(), nullptr, nullptr},
+                       screen ? screen->devicePixelRatio() : 1);
 }
 
 void Ticker::displayChanged() {
@@ -153,7 +210,8 @@ void Ticker::finishWhenDone() {
   std::erase_if(sources_, [](const auto& sources) { return sources->hasEnded(); });
   if (!display_.isFinished() || !sources_.empty())
     return;
-  if (waits_)
+  // New feeds may come by the settings.
+  if (waits_ || (settings_ && !options_.showsOwn()))
     widget_->hide();
   else
     Q_EMIT finished();

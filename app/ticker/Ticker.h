@@ -6,6 +6,7 @@
 #include "app/display/SignOrigin.h"
 #include "app/display/StripWidget.h"
 #include "app/display/TickerDisplay.h"
+#include "app/settings/ChosenScreen.h"
 
 #include <QtCore/QObject>
 #include <QtDBus/QDBusUnixFileDescriptor>
@@ -13,11 +14,11 @@
 #include <memory>
 #include <vector>
 
-class QScreen;
-
 namespace zq::app {
 
 class ClockService;
+class ControlBar;
+class SettingsStore;
 class SourceSet;
 
 // The one place through which a running program changes what is shown: the command line, other
@@ -31,9 +32,10 @@ class Ticker : public QObject {
   Q_OBJECT
 
  public:
-  // The strip on `screen`, without anything to show and not to be seen yet. Raises RunTimeError for
-  // an unknown font.
-  Ticker(const RunOptions& options, const QScreen& screen);
+  // The strip on the screen that the options name, while that is there, else on the primary one;
+  // without anything to show and not to be seen yet. Raises RunTimeError for an unknown font, and
+  // where there is no screen at all.
+  explicit Ticker(const RunOptions& options);
   ~Ticker() override;
 
   TickerDisplay& display() { return display_; }
@@ -49,6 +51,10 @@ class Ticker : public QObject {
   // them and it is valid. Its font and colour style its own texts; the strip keeps its look. Raises
   // RunTimeError for what cannot be shown, and adds nothing then.
   void add(const StripOptions& sources, const QDBusUnixFileDescriptor& standardInput = {});
+
+  // Takes from the settings, now and whenever they change, what the command line has not said.
+  // Their feeds are shown where it named nothing to show. `settings` must outlive the ticker.
+  void follow(SettingsStore& settings);
 
   // Shows a sign behind the others. One whose identifier waits already takes over from that one;
   // one without an identifier gets a new one. Its identifier.
@@ -79,15 +85,23 @@ class Ticker : public QObject {
 
  private:
   void runClockOf(const StripOptions& options);
+  void adopt(const Settings& settings);
+  void updateLook();
+  void updateControlBar();
+  void showFeedsOfSettings();
   void update();
   void finishWhenDone();
 
   RunOptions options_;
+  ChosenScreen screen_;
   TickerDisplay display_;
   std::unique_ptr<StripWidget> widget_;
+  std::unique_ptr<ControlBar> controlBar_; // null where there is none
+  std::optional<bool> triedControlBar_;    // whether it was one for a horizontal strip
   std::vector<std::unique_ptr<SourceSet>> sources_;
-  std::unique_ptr<ClockService> clock_; // one: there is one sign for it
-  double deviceScale_;
+  SettingsStore* settings_ = nullptr;    // that are followed
+  SourceSet* feedsOfSettings_ = nullptr; // among the sources
+  std::unique_ptr<ClockService> clock_;  // one: there is one sign for it
   bool waits_ = false;
   bool isUpdateDue_ = false;
 };

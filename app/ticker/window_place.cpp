@@ -8,7 +8,8 @@ QRect windowPlace(const RunOptions& options, const StripLook& look, const QRect&
   QRect geometry(0, 0, static_cast<int>(std::ceil(look.size.width())),
                  static_cast<int>(std::ceil(look.size.height())));
   geometry.moveTopLeft(room.topLeft());
-  switch (options.edge) {
+  const bool isUpright = options.edge == Edge::Left || options.edge == Edge::Right;
+  switch (isUpright == options.strip.isHorizontal ? Edge::Automatic : options.edge) {
   case Edge::Top:
   case Edge::Left:
     break;

@@ -9,7 +9,8 @@
 namespace zq::app {
 
 // The window's place in `room`, the part of a screen that is free for it: at the edge of the
-// options, by default the bottom, or the right for a vertical strip.
+// options, or, where they name none that fits its direction, at the bottom, or the right for a
+// vertical strip.
 QRect windowPlace(const RunOptions& options, const StripLook& look, const QRect& room);
 
 } // namespace zq::app

@@ -2,6 +2,8 @@ set(app_settings_SOURCES
     SettingsFileTest.cpp
     SettingsProgramTest.cpp
     SettingsStoreTest.cpp
+    SeveralScreensTest.cpp
+    TickerSettingsTest.cpp
     autostartTest.cpp
     run_settingsTest.cpp
     setting_tableTest.cpp)

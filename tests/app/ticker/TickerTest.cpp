@@ -8,8 +8,6 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
-#include <QtGui/QGuiApplication>
-#include <QtGui/QScreen>
 
 #include <gtest/gtest.h>
 
@@ -44,7 +42,7 @@ class RunningTicker : public ::testing::Test {
   }
   std::size_t waiting() { return ticker.display().waitingCount(); }
 
-  Ticker ticker{options(), *QGuiApplication::primaryScreen()};
+  Ticker ticker{options()};
   int finishedCount = 0;
   int changeCount = 0;
 };
