@@ -27,14 +27,14 @@ QString wordsFor(const QString& notification, WatchedKind kind) {
                                                                    : u"changed"_s;
 }
 
-QString shownName(const QString& path) {
+QString nameOfFile(const QString& path) {
   const QString cleanPath = QDir::cleanPath(QFileInfo(path).absoluteFilePath());
   const QString name = QFileInfo(cleanPath).fileName();
   return showableLine(name.isEmpty() ? cleanPath : name);
 }
 
 QString reportText(const FileReport& report) {
-  return showableLine(shownName(report.path) + u": "_s + report.what);
+  return showableLine(nameOfFile(report.path) + u": "_s + report.what);
 }
 
 } // namespace zq::app

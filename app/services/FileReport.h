@@ -21,7 +21,7 @@ QString wordsFor(const QString& notification, WatchedKind kind);
 
 // A file's name for people, on one line: the last part of the path, that of the current folder for
 // ".".
-QString shownName(const QString& path);
+QString nameOfFile(const QString& path);
 
 // "name: what happened", on one line.
 QString reportText(const FileReport& report);

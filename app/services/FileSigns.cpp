@@ -14,7 +14,7 @@ void FileSigns::show(const FileReport& report) {
   sign->setIdentifier(identifier);
   setLoopRule(*sign, rule_);
   SignOrigin origin;
-  origin.senderName = shownName(report.path);
+  origin.senderName = nameOfFile(report.path);
   receiver_.add(sign, origin, SignReceiver::Order::Arrival);
 }
 

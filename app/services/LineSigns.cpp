@@ -17,7 +17,7 @@ void LineSigns::show(const QString& line, const QString& path) {
   sign->setIdentifier(u"line %1 %2"_s.arg(run_).arg(++lineCount_));
   setLoopRule(*sign, rule_);
   SignOrigin origin;
-  origin.senderName = shownName(path);
+  origin.senderName = nameOfFile(path);
   receiver_.add(sign, origin, SignReceiver::Order::Arrival);
 }
 
