@@ -72,7 +72,7 @@ void SourceSet::readFeedsOf(const StripOptions& options) {
 void SourceSet::withdrawFeeds() {
   feeds_.reset();
   if (feedSigns_)
-    feedSigns_->show({}, ticker_.time());
+    feedSigns_->show({});
 }
 
 void SourceSet::readLinesOf(const QDBusUnixFileDescriptor& standardInput) {
