@@ -13,9 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <QtGui/QGuiApplication>
-#include <QtGui/QScreen>
-
 using namespace Qt::StringLiterals;
 using namespace zq::app;
 using namespace zq::app::testing;
@@ -45,8 +42,14 @@ class QueueOfATicker : public ::testing::Test {
     return QueuedSign();
   }
 
-  Ticker ticker{readRunOptions({u"--text"_s, u"x"_s, u"--speed"_s, u"1"_s, u"--no-control-bar"_s}),
-                *QGuiApplication::primaryScreen()};
+  static RunOptions options() {
+    RunOptions options;
+    options.showsControlBar = false;
+    options.strip.speed = 1;
+    return options;
+  }
+
+  Ticker ticker{options()};
   TickerQueue queue{ticker};
 };
 } // namespace
