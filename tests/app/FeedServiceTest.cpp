@@ -101,6 +101,14 @@ class Feeds : public ::testing::Test {
 };
 } // namespace
 
+TEST_F(Feeds, WithoutATitleAreKnownByTheirAddress) {
+  publish(rss({{"1", "one"}}).replace("<title>Feed</title>", ""));
+  start();
+  ASSERT_TRUE(awaitSettled());
+  ASSERT_EQ(titles(), "one ");
+  EXPECT_EQ(received[0][0].source, server.url("/feed").toString());
+}
+
 TEST_F(Feeds, GiveOutTheirItemsInOrder) {
   publish({{"1", "one"}, {"2", "two"}, {"3", "three"}});
   start({"/feed"}, 2);
@@ -108,6 +116,7 @@ TEST_F(Feeds, GiveOutTheirItemsInOrder) {
   EXPECT_EQ(titles(), "one two ");
   ASSERT_EQ(received.size(), 1u);
   EXPECT_EQ(received[0][0].link, QUrl(u"http://example.org/1"_s));
+  EXPECT_EQ(received[0][0].source, u"Feed"_s);
   EXPECT_NE(received[0][0].identifier, received[0][1].identifier);
   EXPECT_EQ(received[0][0].picture, nullptr);
 }

@@ -228,3 +228,24 @@ TEST_F(SignsOfFeeds, ShowsItemsBehindSignsOfTheCommandLine) {
   signs.show(items({u"a"_s, u"b"_s}));
   EXPECT_EQ(entering(4).substr(0, 30), "headline a b headline a b head");
 }
+
+TEST_F(SignsOfFeeds, SayWhichFeedTheyAreFrom) {
+  FeedSigns signs(receiver, Forever);
+  ShownItem shown = item(u"a"_s);
+  shown.source = u"News"_s;
+  signs.show({shown});
+  ASSERT_EQ(display.queuedSigns(0).size(), 1u);
+  EXPECT_EQ(display.queuedSigns(0)[0].origin.senderName, u"News"_s);
+  shown.source = u"Old news"_s;
+  signs.show({shown});
+  ASSERT_EQ(display.queuedSigns(0).size(), 1u);
+  EXPECT_EQ(display.queuedSigns(0)[0].origin.senderName, u"Old news"_s);
+}
+
+TEST_F(SignsOfFeeds, AreShownOnceWhereTwoBringTheSame) {
+  FeedSigns first(receiver, Forever);
+  FeedSigns second(receiver, Forever);
+  first.show(items({u"a"_s, u"b"_s}));
+  second.show(items({u"b"_s, u"c"_s}));
+  EXPECT_EQ(display.waitingCount(), 3u);
+}

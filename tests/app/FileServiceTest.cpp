@@ -84,6 +84,21 @@ TEST_F(Files, GiveOutTheirLastLineAndWhatIsAppended) {
   EXPECT_TRUE(awaitLines("one|two|three|four|"));
 }
 
+TEST_F(Files, SayWhichOfThemALineIsFrom) {
+  LogFile other(u"other"_s);
+  log.write("one\n");
+  other.write("two\n");
+  QStringList given;
+  service.emplace(FileOptions{{}, {log.path(), other.path()}},
+                  FileReceivers{[&](const QString& line, const QString& path) {
+                                  given.append(line + u' ' + path);
+                                },
+                                nullptr, nullptr},
+                  Never);
+  EXPECT_EQ(service->start(), std::nullopt);
+  EXPECT_EQ(given, (QStringList{u"one "_s + log.path(), u"two "_s + other.path()}));
+}
+
 TEST_F(Files, AreFollowedThroughRenaming) {
   log.write("one\n");
   tail();

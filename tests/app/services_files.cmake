@@ -1,5 +1,6 @@
 # Services as programs of their own.
 set(app_services_SOURCES
+    BusTickerLinkTest.cpp
     FakeTickerLink.h
     ServiceProgramTest.cpp
     SignSenderTest.cpp)
