@@ -51,6 +51,8 @@ void StripQueue::unlink(Entry& entry) {
     leaveLevel(entry);
     lineOf(entry.place).erase(entry.listPlace);
   }
+  entry.listPlace = {};
+  entry.restPlace = {};
   entry.place = Entry::Place::None;
   ++revision_;
 }
