@@ -1,6 +1,7 @@
 #include "app/commands/Command.h"
 
 #include "app/commands/failures.h"
+#include "app/commands/nearest_word.h"
 
 #include <algorithm>
 
@@ -38,7 +39,11 @@ CommandLine findCommand(const QStringList& arguments) {
   const QString& first = arguments.first();
   if (!commandsNamed(first).empty())
     throw UsageError(u"%1: needs %2 (see zqticker %1 --help)"_s.arg(first, alternatives(first)));
-  throw UsageError(quotedForMessage(first) + u": unknown command (see zqticker --help)"_s);
+  QStringList words;
+  for (const Command& command : allCommands())
+    words.append(command.name().section(u' ', 0, 0));
+  throw UsageError(quotedForMessage(first) + u": unknown command"_s + suggestion(first, words) +
+                   u" (see zqticker --help)"_s);
 }
 
 std::vector<const Command*> commandsNamed(const QString& name) {

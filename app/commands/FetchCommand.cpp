@@ -31,8 +31,13 @@ OptionTable makeFetchTable() {
        u"as a size for people (\"1.5 KB\"), response and error."_s},
       {u"policy"_s,
        {u"POLICY"_s},
-       u"protocol (the default; the cache as HTTP has it), ignore-cache, cache-else-load (whatever "
-       u"its age) or cache-only."_s},
+       u"How the cache is used."_s,
+       false,
+       false,
+       {{u"protocol"_s, u"the default; as HTTP has it"_s},
+        {u"ignore-cache"_s, {}},
+        {u"cache-else-load"_s, u"whatever its age"_s},
+        {u"cache-only"_s, {}}}},
       {u"timeout"_s,
        {u"SECONDS"_s},
        u"Give up when nothing has come for so long; 60 by default."_s},
@@ -71,17 +76,13 @@ struct FetchOptions {
 };
 
 URLRequestCachePolicy policyOf(const ParsedOption& option) {
-  const QStringList names{u"protocol"_s, u"ignore-cache"_s, u"cache-else-load"_s, u"cache-only"_s};
-  switch (names.indexOf(wordOf(option, names))) {
-  case 1:
+  const QString word = wordOf(option);
+  if (word == "ignore-cache"_L1)
     return URLRequestCachePolicy::ReloadIgnoringCacheData;
-  case 2:
+  if (word == "cache-else-load"_L1)
     return URLRequestCachePolicy::ReturnCacheDataElseLoad;
-  case 3:
-    return URLRequestCachePolicy::ReturnCacheDataDontLoad;
-  default:
-    return URLRequestCachePolicy::UseProtocolCachePolicy;
-  }
+  return word == "cache-only"_L1 ? URLRequestCachePolicy::ReturnCacheDataDontLoad
+                                 : URLRequestCachePolicy::UseProtocolCachePolicy;
 }
 
 FetchOptions readOptions(const QStringList& arguments) {

@@ -1,7 +1,13 @@
 #include "app/commands/HelpCommand.h"
 
 #include "app/commands/failures.h"
+#include "app/commands/manual_pages.h"
+#include "app/commands/nearest_word.h"
 #include "app/commands/output_files.h"
+#include "app/commands/shell_completion.h"
+
+#include <QtCore/QDir>
+#include <QtCore/QFileInfo>
 
 using namespace Qt::StringLiterals;
 
@@ -18,11 +24,42 @@ OptionTable makeHelpTable() {
   table.operands = {u"COMMAND"_s};
   table.repeatsLastOperand = true;
   table.operandsAreOptional = true;
-  table.options = {{u"help"_s, {}, u"Print this text."_s}};
+  table.options = {
+      {u"man"_s, {}, u"Print the manual page instead, in roff."_s},
+      {u"completion"_s,
+       {u"SHELL"_s},
+       u"Print the script by which a shell completes command lines."_s,
+       false,
+       false,
+       {{u"bash"_s, {}}, {u"zsh"_s, {}}, {u"fish"_s, {}}}},
+      {u"documents"_s,
+       {u"FOLDER"_s},
+       u"Write all manual pages and completion scripts into a folder laid out like /usr/share."_s},
+      {u"help"_s, {}, u"Print this text."_s},
+  };
   table.notes = {u"\"zqticker COMMAND --help\" prints the same."_s};
-  table.exitStatus = u"0, 2 where there is no such command."_s;
-  table.examples = {u"zqticker help feed check"_s, u"All about the command that reads feeds."_s};
+  table.exitStatus =
+      u"0, 1 where a file or folder cannot be written, 2 for a wrong command line or "
+      u"where there is no such command."_s;
+  table.examples = {u"zqticker help feed check"_s,
+                    u"All about the command that reads feeds."_s,
+                    u"zqticker help --man run | man -l -"_s,
+                    u"The manual page of `run`, installed or not."_s,
+                    u"source <(zqticker help --completion bash)"_s,
+                    u"Completion in this shell, installed or not."_s};
   return table;
+}
+
+// Those that helpOf tells of.
+std::vector<const Command*> requireCommands(const QString& name) {
+  auto commands = commandsNamed(name);
+  if (!commands.empty())
+    return commands;
+  QStringList names;
+  for (const Command& command : allCommands())
+    names.append(command.name());
+  throw UsageError(quotedForMessage(name) + u": unknown command"_s + suggestion(name, names) +
+                   u" (see zqticker --help)"_s);
 }
 
 const OptionTable& helpTable() {
@@ -30,11 +67,76 @@ const OptionTable& helpTable() {
   return table;
 }
 
+QByteArray completionFor(const QString& shell) {
+  if (shell == "bash"_L1)
+    return bashCompletion();
+  return shell == "zsh"_L1 ? zshCompletion() : fishCompletion();
+}
+
+QByteArray pagesOf(const QString& name) {
+  if (name.isEmpty())
+    return programManualPage();
+  QByteArray pages;
+  for (const Command* command : requireCommands(name))
+    pages += manualPage(*command);
+  return pages;
+}
+
+void writeDocuments(const QString& folder) {
+  const QDir root(folder);
+  std::vector<OutputFile> files{
+      {u"man/man1/zqticker.1"_s, programManualPage()},
+      {u"bash-completion/completions/zqticker"_s, bashCompletion()},
+      {u"zsh/site-functions/_zqticker"_s, zshCompletion()},
+      {u"fish/vendor_completions.d/zqticker.fish"_s, fishCompletion()},
+  };
+  for (const Command& command : allCommands())
+    files.push_back({u"man/man1/"_s + manualPageName(command) + u".1"_s, manualPage(command)});
+  for (OutputFile& file : files) {
+    file.path = root.filePath(file.path);
+    const QString parent = QFileInfo(file.path).path();
+    if (!QDir().mkpath(parent))
+      throw RunTimeError(u"--documents "_s + quotedForMessage(folder) +
+                         u": cannot make the folder "_s + quotedForMessage(parent));
+  }
+  writeOutputFiles(u"--documents"_s, files);
+}
+
 int helpCommand(const QStringList& arguments) {
-  QStringList names;
-  for (const ParsedOption& option : parseOptions(helpTable(), arguments))
-    names.append(option.values.first());
-  writeStandardOutput((names.isEmpty() ? programHelp() : helpOf(names.join(u' '))).toUtf8());
+  QStringList words;
+  QString shell;
+  QString folder;
+  bool isManual = false;
+  QStringList given;
+  for (const ParsedOption& option : parseOptions(helpTable(), arguments)) {
+    if (option.isOperand()) {
+      words.append(option.values.first());
+      continue;
+    }
+    given.append(u"--"_s + option.name);
+    if (option.name == "man"_L1)
+      isManual = true;
+    else if (option.name == "completion"_L1)
+      shell = wordOf(option);
+    else
+      folder = option.values.first();
+  }
+  if (given.size() > 1)
+    throw UsageError(given[0] + u": cannot stand with "_s + given[1]);
+  if (!words.isEmpty() && !given.isEmpty() && !isManual)
+    throw UsageError(given[0] + u": cannot stand with a command"_s);
+  const QString name = words.join(u' ');
+  if (given.contains(u"--documents"_s)) {
+    if (folder.isEmpty())
+      throw UsageError(u"--documents: the folder name is empty"_s);
+    writeDocuments(folder);
+  } else if (!shell.isEmpty()) {
+    writeStandardOutput(completionFor(shell));
+  } else if (isManual) {
+    writeStandardOutput(pagesOf(name));
+  } else {
+    writeStandardOutput((name.isEmpty() ? programHelp() : helpOf(name)).toUtf8());
+  }
   return Success;
 }
 
@@ -79,10 +181,8 @@ QString programHelp() {
 
 QString helpOf(const QString& name) {
   QStringList texts;
-  for (const Command* command : commandsNamed(name))
+  for (const Command* command : requireCommands(name))
     texts.append(helpText(*command->table));
-  if (texts.isEmpty())
-    throw UsageError(quotedForMessage(name) + u": unknown command (see zqticker --help)"_s);
   return texts.join(u'\n');
 }
 

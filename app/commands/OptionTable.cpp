@@ -1,6 +1,7 @@
 #include "app/commands/OptionTable.h"
 
 #include "app/commands/failures.h"
+#include "app/commands/nearest_word.h"
 
 #include <QtCore/QSet>
 #include <QtGui/QColor>
@@ -61,14 +62,19 @@ QString listOf(const QString& title, const std::vector<NamedText>& entries) {
 const OptionSpec& findSpec(const OptionTable& table, const QString& name, const QString& argument) {
   const auto found = std::find_if(table.options.begin(), table.options.end(),
                                   [&](const OptionSpec& spec) { return spec.name == name; });
-  if (found == table.options.end())
-    throw UsageError(quotedForMessage(argument) +
-                     u": unknown option (see zqticker %1 --help)"_s.arg(table.command));
+  if (found == table.options.end()) {
+    QStringList names;
+    for (const OptionSpec& spec : table.options)
+      names.append(spec.name);
+    throw UsageError(quotedForMessage(argument) + u": unknown option"_s +
+                     suggestion(name, names, u"--"_s) +
+                     u" (see zqticker %1 --help)"_s.arg(table.command));
+  }
   return *found;
 }
 } // namespace
 
-QStringList OptionSpec::allowedWords() const {
+QStringList wordsOf(const std::vector<AllowedWord>& words) {
   QStringList list;
   for (const AllowedWord& each : words)
     list.append(each.word);
@@ -193,7 +199,7 @@ QString wordOf(const ParsedOption& option, const QStringList& allowed) {
 }
 
 QString wordOf(const ParsedOption& option) {
-  return wordOf(option, option.spec->allowedWords());
+  return wordOf(option, wordsOf(option.spec->words));
 }
 
 QColor colorOf(const ParsedOption& option) {

@@ -17,6 +17,9 @@ struct AllowedWord {
   QString meaning;
 };
 
+// The words alone.
+QStringList wordsOf(const std::vector<AllowedWord>& words);
+
 // One option. Its name stands without the leading dashes; `values` names its values. The names say
 // what shells complete there: file names for FILE, PATH and PNG, folders for FOLDER.
 struct OptionSpec {
@@ -29,7 +32,6 @@ struct OptionSpec {
   // what stands before ("Where the strip stands.").
   std::vector<AllowedWord> words{};
 
-  QStringList allowedWords() const;
   // `help` with the allowed words: "Where the strip stands: top or bottom (the default)."
   QString fullHelp() const;
 };

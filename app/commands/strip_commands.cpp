@@ -4,6 +4,7 @@
 #include "app/commands/RunCommand.h"
 #include "app/commands/SignCommand.h"
 #include "app/commands/StripOptions.h"
+#include "app/commands/strip_values.h"
 #include "app/settings/SettingsStore.h"
 
 using namespace Qt::StringLiterals;
@@ -49,7 +50,10 @@ const std::vector<OptionSpec>& stripOptions() {
       {u"stdin"_s, {}, u"Show each line of standard input as it arrives."_s},
       {u"direction"_s,
        {u"DIRECTION"_s},
-       u"horizontal (the default; from right to left) or vertical (from bottom to top)."_s},
+       u"Which way signs scroll."_s,
+       false,
+       false,
+       directionWords()},
       {u"speed"_s, {u"POINTS"_s}, u"Points per second; 60 by default."_s},
       {u"font"_s,
        {u"FONT"_s},
@@ -136,9 +140,7 @@ OptionTable makeRunTable() {
                            u"Width of the strip. By default the screen's width; 240 for a vertical "
                            u"strip."_s});
   table.options.push_back(
-      {u"position"_s,
-       {u"EDGE"_s},
-       u"top or bottom (the default); for a vertical strip left or right (the default)."_s});
+      {u"position"_s, {u"EDGE"_s}, u"Where the strip stands."_s, false, false, edgeWords()});
   table.options.push_back({u"screen"_s,
                            {u"NAME"_s},
                            u"The screen by its name, or primary (the default). While it is not "

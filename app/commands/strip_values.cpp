@@ -8,8 +8,23 @@ using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
+const std::vector<AllowedWord>& directionWords() {
+  static const std::vector<AllowedWord> words{
+      {u"horizontal"_s, u"the default; from right to left"_s},
+      {u"vertical"_s, u"from bottom to top"_s}};
+  return words;
+}
+
+const std::vector<AllowedWord>& edgeWords() {
+  static const std::vector<AllowedWord> words{{u"top"_s, {}},
+                                              {u"bottom"_s, u"the default"_s},
+                                              {u"left"_s, u"a vertical strip"_s},
+                                              {u"right"_s, u"the default of a vertical strip"_s}};
+  return words;
+}
+
 bool isHorizontalOf(const ParsedOption& option) {
-  return wordOf(option, {u"horizontal"_s, u"vertical"_s}) == "horizontal"_L1;
+  return wordOf(option, wordsOf(directionWords())) == "horizontal"_L1;
 }
 
 double speedOf(const ParsedOption& option) {
@@ -28,7 +43,7 @@ FontRequest fontOf(const ParsedOption& option) {
 }
 
 Edge edgeOf(const ParsedOption& option) {
-  const QString word = wordOf(option, {u"top"_s, u"bottom"_s, u"left"_s, u"right"_s});
+  const QString word = wordOf(option, wordsOf(edgeWords()));
   if (word == "top"_L1)
     return Edge::Top;
   if (word == "bottom"_L1)

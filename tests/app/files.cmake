@@ -36,6 +36,7 @@ set(app_SOURCES
     ProgramTest.cpp
     RestingPointerTest.cpp
     ScreenTest.cpp
+    ShellCompletionTest.cpp
     ShippedAppearanceTest.cpp
     StripOptionsTest.cpp
     StripQueueOrderTest.cpp
@@ -59,6 +60,8 @@ set(app_SOURCES
     feed_datesTest.cpp
     feed_itemsTest.cpp
     feed_textTest.cpp
+    manual_pagesTest.cpp
+    nearest_wordTest.cpp
     output_filesTest.cpp
     picture_decodingTest.cpp
     response_hintsTest.cpp

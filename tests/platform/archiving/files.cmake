@@ -22,5 +22,6 @@ set(archiving_TESTS
     ../../../app/commands/OptionTable.cpp
     ../../../app/commands/OutputValue.cpp
     ../../../app/commands/failures.cpp
+    ../../../app/commands/nearest_word.cpp
     ../../../app/commands/size_text.cpp
     ../../../app/intake/SilencedStandardError.cpp)
