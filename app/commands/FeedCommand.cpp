@@ -35,9 +35,9 @@ OptionTable makeFeedCheckTable() {
   };
   table.notes = {
       u"URL is an address or the name of a file. Feeds are RSS 0.9x, 1.0 and 2.0, Atom, and JSON "
-      u"Feed 1.0 and 1.1, of at most 16 MiB and 200 levels; the first 1,000 items are read."_s,
-      u"Exit status: 0, 1 where the feed could not be loaded or read to its end, 2 for a wrong "
-      u"command line."_s};
+      u"Feed 1.0 and 1.1, of at most 16 MiB and 200 levels; the first 1,000 items are read."_s};
+  table.exitStatus =
+      u"0, 1 where the feed could not be loaded or read to its end, 2 for a wrong command line."_s;
   table.examples = {u"zqticker feed check https://www.debian.org/News/news"_s,
                     u"The items that the ticker would show."_s,
                     u"zqticker feed check --json feed.xml"_s, u"A file, for a script."_s};

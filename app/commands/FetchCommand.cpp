@@ -52,9 +52,9 @@ OptionTable makeFetchTable() {
       u"Proxies are those of the environment (http_proxy, https_proxy, all_proxy, no_proxy). Where "
       u"SSL_CERT_FILE names a file, its certificates are trusted instead of the system's. A "
       u"progress bar runs on standard error where that is a terminal. The file is complete or not "
-      u"there."_s,
-      u"Exit status: 0, 1 where the contents could not be loaded or written, 2 for a wrong command "
-      u"line."_s};
+      u"there."_s};
+  table.exitStatus =
+      u"0, 1 where the contents could not be loaded or written, 2 for a wrong command line."_s;
   table.examples = {u"zqticker fetch https://www.debian.org/News/news --output news.rdf"_s,
                     u"A feed into a file."_s,
                     u"zqticker fetch --json --timeout 5 https://www.debian.org/"_s,

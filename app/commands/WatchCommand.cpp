@@ -64,9 +64,10 @@ OptionTable makeWatchTable() {
       u"renamed and there is one again later, that one is watched; its coming is told as written. "
       u"Symbolic links are followed. A path at which there is nothing to watch at the start is an "
       u"error, and nothing is watched then. With --folders a folder that is renamed is watched until there is another at its path."_s,
-      u"The command ends on Ctrl+C and as soon as nobody reads its output any more. Exit status: 0 "
-      u"then, 1 where a path cannot be watched or a line cannot be written, 2 for a wrong command "
-      u"line."_s};
+      u"The command ends on Ctrl+C and as soon as nobody reads its output any more."_s};
+  table.exitStatus =
+      u"0 when it was ended, 1 where a path cannot be watched or a line cannot be written, 2 for a "
+      u"wrong command line."_s;
   table.examples = {u"zqticker watch notes.txt /etc/hosts"_s,
                     u"What happens to two files."_s,
                     u"zqticker watch --folders --json Downloads"_s,

@@ -15,8 +15,8 @@ OptionTable makeAppearanceShowTable() {
   table.options = {{u"help"_s, {}, u"Print this text."_s}};
   table.notes = {
       u"FILE is a keyed archive of an appearance, as programs keep them beside their buttons under "
-      u"the name of the button's class and the ending .button."_s,
-      u"Exit status: 0, 1 where the file could not be read, 2 for a wrong command line."_s};
+      u"the name of the button's class and the ending .button."_s};
+  table.exitStatus = u"0, 1 where the file could not be read, 2 for a wrong command line."_s;
   table.examples = {u"zqticker appearance show dark.button"_s, u"Its attributes."_s};
   return table;
 }
@@ -44,8 +44,9 @@ OptionTable makeAppearanceMakeTable() {
       u"\"components\": [0.5, 0.5, 0.5, 1]}, for which the spaces are CalibratedRGB, DeviceRGB, "
       u"SRGB, CalibratedWhite, DeviceWhite and DeviceCMYK. A shadow is null or {\"offset\": [0, "
       u"-1], \"blurRadius\": 1, \"color\": \"#00000040\"}, in points to the right and upwards."_s,
-      u"The output is complete or not there. Exit status: 0, 1 where the description is wrong or "
-      u"a file could not be read or written, 2 for a wrong command line."_s};
+      u"The output is complete or not there."_s};
+  table.exitStatus =
+      u"0, 1 where the description is wrong or a file could not be read or written, 2 for a wrong command line."_s;
   table.examples = {u"zqticker appearance make dark.json --output dark.button"_s,
                     u"A look from its description."_s};
   return table;
@@ -78,8 +79,9 @@ OptionTable makeAppearancePreviewTable() {
       u"long, and how far the title stands out from the bezel: 4.5 : 1 is what easy reading needs. "
       u"The rows below show both outlines with all shading modes, drawn in coordinates that run "
       u"upwards and (flipped) downwards. A dot marks the look's own."_s,
-      u"Pictures are complete or not there. Exit status: 0, 1 where a file could not be read or "
-      u"written, 2 for a wrong command line."_s};
+      u"Pictures are complete or not there."_s};
+  table.exitStatus =
+      u"0, 1 where a file could not be read or written, 2 for a wrong command line."_s;
   table.examples = {
       u"zqticker appearance preview dark.button --output dark.png"_s,
       u"Writes dark.png and dark@2x.png."_s,

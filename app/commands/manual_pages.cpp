@@ -73,7 +73,6 @@ QString manualPageName(const Command& command) {
 
 QByteArray manualPage(const Command& command) {
   const OptionTable& table = *command.table;
-  const QString statusStart = u"Exit status: "_s;
   const QString name = manualPageName(command);
   ManualPage page(name);
   addName(page, name, table.brief);
@@ -85,23 +84,16 @@ QByteArray manualPage(const Command& command) {
   for (const OptionSpec& spec : table.options)
     page.entry(tagOf(spec), spec.fullHelp());
 
-  QString status = table.exitStatus.isEmpty() ? UsualExitStatus : table.exitStatus;
-  QStringList notes;
-  for (const QString& note : table.notes)
-    if (note.startsWith(statusStart))
-      status = note.sliced(statusStart.size());
-    else
-      notes.append(note);
-  if (!notes.isEmpty())
+  if (!table.notes.isEmpty())
     page.section(u"Notes"_s);
-  for (const QString& note : notes)
+  for (const QString& note : table.notes)
     page.paragraph(note);
   if (!table.examples.isEmpty())
     page.section(u"Examples"_s);
   for (qsizetype i = 0; i + 1 < table.examples.size(); i += 2)
     page.example(table.examples[i], table.examples[i + 1]);
   page.section(u"Exit status"_s);
-  page.paragraph(status);
+  page.paragraph(table.exitStatus.isEmpty() ? UsualExitStatus : table.exitStatus);
   page.list(u"Environment"_s, table.environment);
   page.list(u"Files"_s, table.files);
   page.seeAlso(neighbours(command));

@@ -174,9 +174,15 @@ OptionTable makeRunTable() {
       u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "
       u"rendered as pictures into a new temporary folder, whose name is printed; of standard input "
       u"what comes until it ends, until 1,000 lines wait or until nothing has come for five "
-      u"seconds is shown, of feeds what has come after five seconds, and of --tail the last lines."_s,
-      u"Exit status: 0 when all went well, 1 for what cannot be read or done, 2 for a wrong "
-      u"command line."_s};
+      u"seconds is shown, of feeds what has come after five seconds, and of --tail the last lines."_s};
+  table.environment = {
+      {u"DISPLAY, WAYLAND_DISPLAY"_s, u"Where the strip is shown."_s},
+      {u"LC_ALL, LC_TIME, LANG, TZ"_s, u"Language and time zone of the clock."_s},
+      {u"http_proxy, https_proxy, all_proxy, no_proxy"_s,
+       u"Proxies by which addresses are loaded."_s},
+      {u"SSL_CERT_FILE"_s, u"Certificates that are trusted instead of the system's."_s}};
+  table.exitStatus =
+      u"0 when all went well, 1 for what cannot be read or done, 2 for a wrong command line."_s;
   table.examples = {
       u"zqticker --text \"Hello\" --image photo.png"_s,
       u"A text and a picture, in turn, at the bottom of the screen."_s,
