@@ -16,7 +16,7 @@ class QueueDelegate : public QStyledItemDelegate {
 
  public:
   // Points.
-  static constexpr int RowHeight = 36;
+  static constexpr int RowHeight = 36; // more for a large font
   static constexpr QSize PictureRoom{72, 30};
 
   explicit QueueDelegate(QObject* parent = nullptr);

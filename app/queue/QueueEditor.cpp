@@ -120,6 +120,7 @@ void QueueEditor::undoRemoval() {
   std::vector<Strip::Entry> entries;
   // Removals before this one find their places by the new entries.
   QHash<const void*, Strip::Entry> back;
+  Removal left;
   for (const Removed& removed : removal) {
     const QueuedSign& row = removed.row;
     const Ref<ZQTickerSign> sign = row.sign ? copyOf(row.sign) : queue_.makeTextSign(row.text);
@@ -127,6 +128,8 @@ void QueueEditor::undoRemoval() {
     if (const auto entry = queue_.add(sign, row.origin, firstQueued(removed.followers))) {
       entries.push_back(entry);
       back.insert(row.entry.get(), entry);
+    } else {
+      left.push_back(removed);
     }
   }
   for (Removal& earlier : removals_)
@@ -135,9 +138,14 @@ void QueueEditor::undoRemoval() {
         follower = back.value(follower.get(), follower);
   table_.refreshRows();
   table_.selectEntries(entries);
+  if (!left.empty())
+    keep(std::move(left));
   Q_EMIT canUndoChanged(canUndo());
-  Q_EMIT said(removal.size() == 1 ? tr("%1 is back").arg(nameOf(removal.front().row))
-                                  : tr("%1 signs are back").arg(entries.size()));
+  if (entries.size() < removal.size())
+    Q_EMIT said(tr("The queue takes no more"));
+  else
+    Q_EMIT said(removal.size() == 1 ? tr("%1 is back").arg(nameOf(removal.front().row))
+                                    : tr("%1 signs are back").arg(entries.size()));
 }
 
 // Keeps the order of `entries`.
@@ -264,7 +272,12 @@ bool QueueEditor::save(const QString& path) {
 
 bool QueueEditor::load(const QString& path) {
   try {
-    const std::size_t added = add(readSigns(path), nullptr).size();
+    const std::vector<Ref<ZQTickerSign>> signs = readSigns(path);
+    const std::size_t added = add(signs, nullptr).size();
+    if (added < signs.size()) {
+      Q_EMIT said(tr("%1 of %2 signs added, the queue takes no more").arg(added).arg(signs.size()));
+      return false;
+    }
     Q_EMIT said(added == 1 ? tr("1 sign added from %1").arg(shownName(path))
                            : tr("%1 signs added from %2").arg(added).arg(shownName(path)));
     return true;

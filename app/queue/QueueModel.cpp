@@ -225,6 +225,8 @@ QVariant QueueModel::headerData(int section, Qt::Orientation orientation, int ro
     return role == Qt::DisplayRole ? QVariant(section + 1) : QVariant();
   if (section == StateColumn && role == Qt::DisplayRole)
     return QString();
+  if (section == LoopsColumn && role == Qt::TextAlignmentRole)
+    return int(Qt::AlignRight | Qt::AlignVCenter);
   if (role != Qt::DisplayRole && role != Qt::AccessibleTextRole && role != Qt::ToolTipRole)
     return QVariant();
   switch (section) {

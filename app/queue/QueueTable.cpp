@@ -32,6 +32,7 @@ constexpr int LoopsWidth = 70;
 constexpr double DropLineWidth = 3;
 constexpr int ScrollMargin = 24;
 constexpr int EmptyMargin = 24;
+constexpr int RowMargin = 8;
 // Texts that are dragged to other programs.
 constexpr std::size_t MostDraggedRows = 10'000;
 constexpr int MostCaptionCharacters = 40;
@@ -79,8 +80,7 @@ QueueTable::QueueTable(QueueModel& model, QWidget* parent)
   setContextMenuPolicy(Qt::CustomContextMenu);
   verticalHeader()->hide();
   verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-  verticalHeader()->setMinimumSectionSize(QueueDelegate::RowHeight);
-  verticalHeader()->setDefaultSectionSize(QueueDelegate::RowHeight);
+  fitRowsToFont();
   QHeaderView* columns = horizontalHeader();
   columns->setHighlightSections(false);
   columns->setSectionsClickable(false);
@@ -95,6 +95,26 @@ QueueTable::QueueTable(QueueModel& model, QWidget* parent)
   columns->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
 }
 QueueTable::~QueueTable() = default;
+
+void QueueTable::fitRowsToFont() {
+  const int height = std::max(QueueDelegate::RowHeight, fontMetrics().height() + RowMargin);
+  verticalHeader()->setMinimumSectionSize(height);
+  verticalHeader()->setDefaultSectionSize(height);
+}
+
+void QueueTable::changeEvent(QEvent* event) {
+  ZQHighlightTableView::changeEvent(event);
+  if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+    fitRowsToFont();
+}
+
+void QueueTable::makeSomeRowCurrent() {
+  if (model_.rowCount() > 0 &&
+      (!currentIndex().isValid() || currentIndex().column() == QueueModel::StateColumn))
+    selectionModel()->setCurrentIndex(
+        model_.index(std::max(currentIndex().row(), 0), QueueModel::TextColumn),
+        QItemSelectionModel::NoUpdate);
+}
 
 std::vector<Strip::Entry> QueueTable::selectedEntries() const {
   std::vector<int> rows;
@@ -160,7 +180,7 @@ void QueueTable::restore(const Place& place) {
   for (const Strip::Entry& entry : place.seen) {
     if (const int row = model_.rowOf(entry); row >= 0)
       return verticalScrollBar()->setValue(verticalHeader()->sectionPosition(row) - offset);
-    offset = std::min(offset + QueueDelegate::RowHeight, 0);
+    offset = std::min(offset + verticalHeader()->defaultSectionSize(), 0);
   }
 }
 
@@ -254,9 +274,9 @@ void QueueTable::setDropRow(std::optional<int> row) {
 void QueueTable::scrollNear(QPoint point) {
   QScrollBar* bar = verticalScrollBar();
   if (point.y() < ScrollMargin)
-    bar->setValue(bar->value() - QueueDelegate::RowHeight / 2);
+    bar->setValue(bar->value() - verticalHeader()->defaultSectionSize() / 2);
   else if (point.y() > viewport()->height() - ScrollMargin)
-    bar->setValue(bar->value() + QueueDelegate::RowHeight / 2);
+    bar->setValue(bar->value() + verticalHeader()->defaultSectionSize() / 2);
 }
 
 void QueueTable::setEmptyText(const QString& text) {

@@ -33,6 +33,9 @@ class QueueTable : public ZQHighlightTableView {
   // except that the beginning of the table stays in sight where it is.
   void refreshRows();
 
+  // Makes the first row current where none is, for the keyboard to begin at.
+  void makeSomeRowCurrent();
+
   // Edits the cell of the current row in that column.
   void editCurrent(QueueModel::Column column);
 
@@ -58,6 +61,7 @@ class QueueTable : public ZQHighlightTableView {
   bool edit(const QModelIndex& index, EditTrigger trigger, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void paintEvent(QPaintEvent* event) override;
+  void changeEvent(QEvent* event) override;
   void drawRect(const QRectF& dirtyRect) override;
 
  private:
@@ -66,6 +70,7 @@ class QueueTable : public ZQHighlightTableView {
   Place place() const;
   void restore(const Place& place);
   int rowEdge(int row) const;
+  void fitRowsToFont();
 
   QueueModel& model_;
   QueueDelegate* delegate_;

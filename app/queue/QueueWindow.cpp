@@ -57,6 +57,7 @@ QueueWindow::QueueWindow(QueueSource& queue, const QString& stateFile)
   connect(&refresh_, &QTimer::timeout, this, &QueueWindow::refresh);
   restoreState();
   updateActions();
+  table_->setFocus();
 }
 
 QueueWindow::~QueueWindow() {
@@ -342,6 +343,7 @@ void QueueWindow::updateCount() {
 void QueueWindow::showEvent(QShowEvent* event) {
   QWidget::showEvent(event);
   refresh();
+  table_->makeSomeRowCurrent();
 }
 
 void QueueWindow::hideEvent(QHideEvent* event) {

@@ -40,6 +40,8 @@ Strip::Entry TickerQueue::add(Ref<ZQTickerSign> sign, const SignOrigin& origin,
                               const Strip::Entry& before) {
   TickerDisplay& display = ticker_.display();
   const double now = ticker_.time();
+  if (display.waitingCount() >= MostWaiting)
+    return nullptr;
   if (!sign->identifier())
     sign->setIdentifier(QUuid::createUuid().toString(QUuid::WithoutBraces));
   changed(true);

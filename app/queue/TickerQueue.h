@@ -13,6 +13,9 @@ class Ticker;
 // Thread: main.
 class TickerQueue : public QueueSource {
  public:
+  // With so many signs that wait, no more are added.
+  static constexpr std::size_t MostWaiting = 100'000;
+
   // `ticker` must outlive the queue.
   explicit TickerQueue(Ticker& ticker);
   ~TickerQueue() override;

@@ -346,6 +346,34 @@ TEST_F(QueueWindowKeys, SaveAndLoad) {
   EXPECT_FALSE(window.editor().load(folder.filePath(u"missing.sign"_s)));
   EXPECT_FALSE(window.editor().save(folder.filePath(u"no/kept.sign"_s)));
   EXPECT_EQ(queue.list.size(), 3u);
+  queue.isFull = true;
+  EXPECT_FALSE(window.editor().load(path));
+  EXPECT_EQ(window.status(), u"0 of 3 signs added, the queue takes no more"_s);
+}
+
+TEST_F(QueueWindowKeys, LoseNothingWhereTheQueueTakesNoMore) {
+  fill({u"a"_s, u"b"_s});
+  select({0});
+  press(Qt::Key_Delete);
+  queue.isFull = true;
+  press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(window.status(), u"The queue takes no more"_s);
+  queue.isFull = false;
+  press(Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"b"_s}));
+}
+
+TEST_F(QueueWindowKeys, BeginAtTheFirstRow) {
+  queue.addText(u"a"_s);
+  queue.addText(u"b"_s);
+  window.show();
+  window.activateWindow();
+  QApplication::processEvents();
+  EXPECT_EQ(QApplication::focusWidget(), &window.table());
+  EXPECT_EQ(window.table().currentIndex(), window.model().index(0, QueueModel::TextColumn));
+  EXPECT_TRUE(selected().isEmpty());
+  press(Qt::Key_Down);
+  EXPECT_EQ(selected(), QStringList{u"b"_s});
 }
 
 TEST_F(QueueWindowKeys, KeepSelectionAndPlaceWhileTheQueueChanges) {
