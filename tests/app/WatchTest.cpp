@@ -460,7 +460,9 @@ TEST_F(Watch, RefusesWrongCommandLines) {
   const QString file = write(u"f"_s, "a");
   expectUsage({}, "PATH: missing (see zqticker watch --help)");
   expectUsage({u"--json"_s}, "PATH: missing (see zqticker watch --help)");
-  expectUsage({u"--jsn"_s, file}, "--jsn: unknown option (see zqticker watch --help)");
+  expectUsage({u"--jsn"_s, file},
+              "--jsn: unknown option; did you mean --json? (see zqticker watch --help)");
+  expectUsage({u"--yaml"_s, file}, "--yaml: unknown option (see zqticker watch --help)");
   for (const QByteArray mask : {"zz", "", "0x", "-1", "+2", " 2", "2 ", "2h"})
     expectUsage({u"--mask"_s, QString::fromLatin1(mask), file},
                 "--mask " + mask + ": not a hexadecimal number");
