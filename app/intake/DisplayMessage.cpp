@@ -26,14 +26,14 @@ constexpr qint64 Least32 = std::numeric_limits<std::int32_t>::min();
 constexpr qint64 Most32 = std::numeric_limits<std::int32_t>::max();
 
 // A QString made showable or a Ref to an AttributedString; invalid for none.
-Any readText(const MessageValues& values) {
+Any readText(const MessageValues& values, const WorkGate& gate) {
   const QString& key = ZQTickerMessageTextKey;
   const QVariant found = values.value(key);
   if (!found.isValid())
     return Any();
   if (found.typeId() == QMetaType::QByteArray) {
     try {
-      return any(readArchivedText(found.toByteArray()));
+      return any(readArchivedText(found.toByteArray(), gate));
     } catch (const SignError& error) {
       throw MessageError(key, error.message());
     }
@@ -41,10 +41,11 @@ Any readText(const MessageValues& values) {
   if (found.typeId() != QMetaType::QString)
     throw MessageError(key, u"must be a string or the bytes of an archived attributed string"_s);
   const QString text = showableLine(*values.string(key, LongestLine));
+  admitWork(gate, text.size() * PixelsPerCharacter);
   return text.trimmed().isEmpty() ? Any() : Any(text);
 }
 
-Ref<Image> readImage(const MessageValues& values) {
+Ref<Image> readImage(const MessageValues& values, const WorkGate& gate) {
   const QString& key = ZQTickerMessageImageKey;
   const QVariant found = values.value(key);
   if (!found.isValid())
@@ -52,7 +53,7 @@ Ref<Image> readImage(const MessageValues& values) {
   if (found.typeId() != QMetaType::QByteArray)
     throw MessageError(key, u"must be the bytes of a TIFF or PNG file"_s);
   QString complaint;
-  const Ref<Image> image = decodeMessagePicture(found.toByteArray(), complaint);
+  const Ref<Image> image = decodeMessagePicture(found.toByteArray(), complaint, gate);
   if (!image)
     throw MessageError(key, complaint);
   return image;
@@ -128,15 +129,16 @@ SignOrigin readOrigin(const QVariantMap& dictionary) {
   return origin;
 }
 
-DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style) {
+DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style,
+                           const WorkGate& gate) {
   const MessageValues values(dictionary);
   // What costs little comes first; the fields are filled into a sign without contents to check
   // them before anything is decoded.
   SignOrigin origin = readOrigin(dictionary);
   ZQImageTickerSign fields;
   fill(fields, values);
-  const Any text = readText(values);
-  const Ref<Image> image = readImage(values);
+  const Any text = readText(values, gate);
+  const Ref<Image> image = readImage(values, gate);
   if (!text.isValid() && !image)
     throw MessageError(ZQTickerMessageTextKey, dictionary.contains(ZQTickerMessageTextKey)
                                                    ? u"nothing to show in it, and no image either"_s

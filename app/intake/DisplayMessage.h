@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/display/SignOrigin.h"
+#include "app/intake/WorkGate.h"
 #include "zqticker/platform/objects/Object.h"
 #include "zqticker/platform/text/text_attributes.h"
 
@@ -67,10 +68,11 @@ class MessageError : public std::runtime_error {
 //
 // A text and a picture give a combo sign, one of both a text sign or an image sign. A plain text is
 // made showable as lines are, see showableLine; in a text sign it takes `style`, in a combo sign it
-// follows the display.
+// follows the display. What `gate` raises is passed on.
 //
 // Thread: main.
-DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style);
+DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style,
+                           const WorkGate& gate = {});
 
 // What `dictionary` says about the sender and its wishes: the keys that fill no field of a sign.
 // Raises like readMessage.

@@ -54,7 +54,7 @@ QString MessageIntake::takeMessage(const QVariantMap& dictionary, const QString&
   // A queue that is full costs no decoding.
   if (const auto refusal = held_.refusal(sender, peek(dictionary, ZQTickerMessageIdentifierKey), 0))
     refuse(sender, *refusal);
-  const DisplayMessage message = readMessage(dictionary, host_.style());
+  const DisplayMessage message = readMessage(dictionary, host_.style(), gateFor(sender));
   return hold(message.sign, message.origin, Order::Free, sender);
 }
 
@@ -64,8 +64,8 @@ QString MessageIntake::takeSign(const QByteArray& archive, const QVariantMap& or
   admit(sender, archive.size() + byteCountOf(origin, LargestMessage));
   const SignOrigin readOrigin = app::readOrigin(origin);
   const bool isArranged = MessageValues(origin).boolean(ArrangedKey).value_or(false);
-  return hold(readArchivedSign(archive), readOrigin, isArranged ? Order::Arranged : Order::Free,
-              sender);
+  return hold(readArchivedSign(archive, gateFor(sender)), readOrigin,
+              isArranged ? Order::Arranged : Order::Free, sender);
 }
 
 void MessageIntake::admitCall(qsizetype bytes, const QString& connection) {
@@ -75,6 +75,13 @@ void MessageIntake::admitCall(qsizetype bytes, const QString& connection) {
 void MessageIntake::admit(const SenderKey& sender, qsizetype bytes) {
   if (const auto refusal = limits_.refusal(sender, bytes, host_.time()))
     refuse(sender, *refusal);
+}
+
+WorkGate MessageIntake::gateFor(const SenderKey& sender) {
+  return [this, sender](qint64 pixels) {
+    if (const auto refusal = limits_.workRefusal(sender, pixels, host_.time()))
+      refuse(sender, *refusal);
+  };
 }
 
 void MessageIntake::refuse(const SenderKey& sender, const SenderLimits::Refusal& refusal) {

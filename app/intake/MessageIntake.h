@@ -72,6 +72,7 @@ class MessageIntake : public QObject {
 
  private:
   void admit(const SenderKey& sender, qsizetype bytes);
+  WorkGate gateFor(const SenderKey& sender);
   [[noreturn]] void refuse(const SenderKey& sender, const SenderLimits::Refusal& refusal);
   QString hold(const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin, Order order,
                const SenderKey& sender);

@@ -50,51 +50,63 @@ SenderLimits::Account& SenderLimits::accountOf(const QString& name, Accounts& ac
     accounts.known.removeIf([&](const auto& known) {
       const Account& account = known.value();
       return account.messages.isFull(allowance.messages, time) &&
-             account.bytes.isFull(allowance.bytes, time);
+             account.bytes.isFull(allowance.bytes, time) &&
+             account.pixels.isFull(allowance.pixels, time);
     });
   }
   return accounts.known.size() < MostKnown ? accounts.known[name] : accounts.shared;
+}
+
+std::array<SenderLimits::Part, 3> SenderLimits::partsOf(const SenderKey& sender, double time) {
+  return {{{Scope::Sender, &accountOf(sender.identifier, senders_, OneSender, time), OneSender},
+           {Scope::Connection, &accountOf(sender.connection, connections_, OneConnection, time),
+            OneConnection},
+           {Scope::All, &all_, AllSenders}}};
+}
+
+std::optional<SenderLimits::Refusal> SenderLimits::refusalOf(const Part& part, qsizetype bytes,
+                                                             double time) {
+  const SenderAllowance& allowance = part.allowance;
+  if (!part.account->messages.has(1, allowance.messages, time))
+    return Refusal{part.scope, u"more than %1 messages a second from %2"_s.arg(
+                                   QString::number(allowance.messages.rate), nameOf(part.scope))};
+  if (!part.account->bytes.has(double(bytes), allowance.bytes, time))
+    return Refusal{part.scope,
+                   u"more than %1 MiB a second from %2"_s.arg(
+                       QString::number(allowance.bytes.rate / (1 << 20)), nameOf(part.scope))};
+  return std::nullopt;
 }
 
 std::optional<SenderLimits::Refusal> SenderLimits::refusal(const SenderKey& sender, qsizetype bytes,
                                                            double time) {
   if (bytes > LargestMessage)
     return Refusal{Scope::Sender, u"a message of more than %1 MiB"_s.arg(LargestMessage >> 20)};
-  struct Part {
-    Scope scope;
-    Account* account;
-    const SenderAllowance& allowance;
-  };
-  Part parts[] = {
-      {Scope::All, &all_, AllSenders},
-      {Scope::Connection, nullptr, OneConnection},
-      {Scope::Sender, nullptr, OneSender},
-  };
-  const auto check = [&](const Part& part) -> std::optional<Refusal> {
-    const SenderAllowance& allowance = part.allowance;
-    if (!part.account->messages.has(1, allowance.messages, time))
-      return Refusal{part.scope, u"more than %1 messages a second from %2"_s.arg(
-                                     QString::number(allowance.messages.rate), nameOf(part.scope))};
-    if (!part.account->bytes.has(double(bytes), allowance.bytes, time))
-      return Refusal{part.scope,
-                     u"more than %1 MiB a second from %2"_s.arg(
-                         QString::number(allowance.bytes.rate / (1 << 20)), nameOf(part.scope))};
-    return std::nullopt;
-  };
-  // The narrowest one names the culprit; accounts of strangers are opened only where the rest has
-  // room.
-  if (auto refusal = check(parts[0]); refusal && !senders_.known.contains(sender.identifier) &&
-                                      !connections_.known.contains(sender.connection))
-    return refusal;
-  parts[1].account = &accountOf(sender.connection, connections_, OneConnection, time);
-  parts[2].account = &accountOf(sender.identifier, senders_, OneSender, time);
-  for (const Part& part : {parts[2], parts[1], parts[0]})
-    if (auto refusal = check(part))
+  // Accounts of strangers are opened only where all have room.
+  if (!senders_.known.contains(sender.identifier) &&
+      !connections_.known.contains(sender.connection))
+    if (auto refusal = refusalOf({Scope::All, &all_, AllSenders}, bytes, time))
+      return refusal;
+  const std::array<Part, 3> parts = partsOf(sender, time);
+  for (const Part& part : parts)
+    if (auto refusal = refusalOf(part, bytes, time))
       return refusal;
   for (const Part& part : parts) {
     part.account->messages.take(1, part.allowance.messages, time);
     part.account->bytes.take(double(bytes), part.allowance.bytes, time);
   }
+  return std::nullopt;
+}
+
+std::optional<SenderLimits::Refusal> SenderLimits::workRefusal(const SenderKey& sender,
+                                                               qint64 pixels, double time) {
+  const std::array<Part, 3> parts = partsOf(sender, time);
+  for (const Part& part : parts)
+    if (!part.account->pixels.has(double(pixels), part.allowance.pixels, time))
+      return Refusal{part.scope,
+                     u"more than %1 million pixels a second to decode from %2"_s.arg(
+                         QString::number(part.allowance.pixels.rate / 1e6), nameOf(part.scope))};
+  for (const Part& part : parts)
+    part.account->pixels.take(double(pixels), part.allowance.pixels, time);
   return std::nullopt;
 }
 

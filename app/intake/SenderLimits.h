@@ -4,6 +4,7 @@
 #include <QtCore/QHash>
 #include <QtCore/QString>
 
+#include <array>
 #include <cstddef>
 #include <optional>
 
@@ -25,19 +26,21 @@ struct FlowLimit {
 struct SenderAllowance {
   FlowLimit messages;
   FlowLimit bytes;
+  FlowLimit pixels;          // that are decoded, see WorkGate
   std::size_t signCount = 0; // queued at the same time
   qint64 memory = 0;         // bytes that they take, pictures decoded
 };
 
 // Nobody reads fifty new signs a second. A service that finds a restarted ticker sends what it has
-// at once: twenty feeds of ten items.
-inline constexpr SenderAllowance OneSender{{50, 200}, {4 << 20, 32 << 20}, 500, qint64(128) << 20};
+// at once: twenty feeds of ten items. A core decodes some fifty million pixels a second.
+inline constexpr SenderAllowance OneSender{
+    {50, 200}, {4 << 20, 32 << 20}, {8e6, 64e6}, 500, qint64(128) << 20};
 // A process may speak for several senders, as a service with several feeds does.
 inline constexpr SenderAllowance OneConnection{
-    {100, 400}, {8 << 20, 64 << 20}, 1000, qint64(192) << 20};
+    {100, 400}, {8 << 20, 64 << 20}, {12e6, 96e6}, 1000, qint64(192) << 20};
 // What this program stands without being slow, whoever sends it.
 inline constexpr SenderAllowance AllSenders{
-    {200, 800}, {16 << 20, 128 << 20}, 2000, qint64(256) << 20};
+    {200, 800}, {16 << 20, 128 << 20}, {16e6, 128e6}, 2000, qint64(256) << 20};
 // A picture and an archived text of the largest size, and everything else.
 inline constexpr qsizetype LargestMessage = qsizetype(20) << 20;
 
@@ -60,6 +63,10 @@ class SenderLimits {
   // Nothing where a message of so many bytes may pass at `time`; it is then counted.
   std::optional<Refusal> refusal(const SenderKey& sender, qsizetype bytes, double time);
 
+  // Nothing where work of so many pixels, see WorkGate, may be done for a message that has passed;
+  // it is then counted.
+  std::optional<Refusal> workRefusal(const SenderKey& sender, qint64 pixels, double time);
+
   qsizetype knownCount() const { return senders_.known.size() + connections_.known.size(); }
 
  private:
@@ -78,12 +85,23 @@ class SenderLimits {
   struct Account {
     Bucket messages;
     Bucket bytes;
+    Bucket pixels;
   };
   struct Accounts {
     QHash<QString, Account> known;
     Account shared; // of those beyond MostKnown
     double lookedThrough = 0;
   };
+
+  // An account with what it is held to.
+  struct Part {
+    Scope scope;
+    Account* account;
+    const SenderAllowance& allowance;
+  };
+  // From the narrowest one, which names the culprit.
+  std::array<Part, 3> partsOf(const SenderKey& sender, double time);
+  static std::optional<Refusal> refusalOf(const Part& part, qsizetype bytes, double time);
 
   static Account& accountOf(const QString& name, Accounts& accounts,
                             const SenderAllowance& allowance, double time);

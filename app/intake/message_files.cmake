@@ -6,6 +6,7 @@ set(message_reading_SOURCES
     intake/DisplayMessage.h
     intake/MessageValues.cpp
     intake/MessageValues.h
+    intake/WorkGate.h
     intake/message_pictures.cpp
     intake/message_pictures.h
     intake/sign_archives.cpp

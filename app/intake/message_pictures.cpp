@@ -134,7 +134,7 @@ std::optional<qint64> pixelCountOf(const QByteArray& data) {
   return TiffHeaders::isTiff(data) ? TiffHeaders(data).area() : std::nullopt;
 }
 
-Ref<Image> decodeMessagePicture(const QByteArray& data, QString& complaint) {
+Ref<Image> decodeMessagePicture(const QByteArray& data, QString& complaint, const WorkGate& gate) {
   if (data.size() > LargestMessagePicture) {
     complaint = u"larger than %1 MiB"_s.arg(LargestMessagePicture >> 20);
     return nullptr;
@@ -148,6 +148,7 @@ Ref<Image> decodeMessagePicture(const QByteArray& data, QString& complaint) {
     complaint = u"more than %1 million pixels"_s.arg(MostDecodedPixels / 1'000'000);
     return nullptr;
   }
+  admitWork(gate, *pixels);
   const SilencedStandardError silence;
   const Ref<Image> image = Image::initWithData(data);
   if (!image || image->size().isEmpty() || !isWhole(*image)) {

@@ -1,6 +1,7 @@
 // Pictures that other programs send.
 #pragma once
 
+#include "app/intake/WorkGate.h"
 #include "zqticker/platform/objects/Object.h"
 
 #include <QtCore/QByteArray>
@@ -22,10 +23,11 @@ inline constexpr qsizetype LargestMessagePicture = qsizetype(8) << 20;
 std::optional<qint64> pixelCountOf(const QByteArray& data);
 
 // Decodes TIFF or PNG data wholly. What is wrong goes to `complaint` ("larger than 8 MiB"), and the
-// result is null then.
+// result is null then. What `gate` raises is passed on.
 //
 // Thread: main.
-platform::Ref<platform::Image> decodeMessagePicture(const QByteArray& data, QString& complaint);
+platform::Ref<platform::Image> decodeMessagePicture(const QByteArray& data, QString& complaint,
+                                                    const WorkGate& gate = {});
 
 // How many pixels the representations of `image` hold; 0 for null.
 qint64 pixelCountOf(const platform::Ref<platform::Image>& image);

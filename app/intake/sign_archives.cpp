@@ -87,30 +87,57 @@ qint64 otherPixelCount(QByteArray data) {
   return size.isValid() ? qint64(size.width()) * size.height() : MostSignPixels + 1;
 }
 
-// The area of the largest picture among all data of the archive.
-qint64 largestPicture(const PropertyList& list) {
-  qint64 largest = 0;
+void checkLength(const QString& text, qsizetype longest, const char* what) {
+  if (text.size() > longest)
+    throw SignError(u"%1 longer than %2 characters"_s.arg(
+        QLatin1StringView(what), QLocale(QLocale::English).toString(longest)));
+}
+
+// What the pictures and texts of an archive ask for.
+struct Contents {
+  qint64 largestPicture = 0;
+  qint64 pixels = 0; // of all pictures, once each
+  qint64 textBytes = 0;
+};
+
+void countData(const QByteArray& data, int& others, Contents& contents) {
+  std::optional<qint64> pixels = pixelCountOf(data);
+  if (!pixels && data.size() >= SmallestOtherPicture) {
+    // The bytes of a text may be written as data.
+    if (data.size() > LongestLine)
+      throw SignError(u"a piece of data in it is too large"_s);
+    if (++others > MostOtherData)
+      throw SignError(u"too many pieces of data"_s);
+    pixels = otherPixelCount(data);
+  }
+  contents.largestPicture = std::max(contents.largestPicture, pixels.value_or(0));
+  contents.pixels += std::min(pixels.value_or(0), MostSignPixels);
+  contents.textBytes += pixels.value_or(0) > 0 ? 0 : data.size();
+}
+
+Contents contentsOf(const PropertyList& list) {
+  Contents contents;
   int others = 0;
   for (PropertyList::Index i = 0; i < list.size(); ++i) {
-    if (list.kind(i) != PropertyList::Kind::Data)
-      continue;
-    const QByteArray data = list.data(i);
-    if (const std::optional<qint64> pixels = pixelCountOf(data)) {
-      largest = std::max(largest, *pixels);
-    } else if (data.size() >= SmallestOtherPicture) {
-      if (++others > MostOtherData)
-        throw SignError(u"too many pieces of data"_s);
-      largest = std::max(largest, otherPixelCount(data));
+    if (list.kind(i) == PropertyList::Kind::Data) {
+      countData(list.data(i), others, contents);
+    } else if (list.kind(i) == PropertyList::Kind::String) {
+      const auto bytes = qint64(list.byteCount(i));
+      if (bytes > LongestLine)
+        checkLength(list.string(i), LongestLine, "a text in it is");
+      contents.textBytes += bytes;
     }
   }
-  return largest;
+  return contents;
 }
 
 // Looks at the archive before any object is made.
-void inspect(const KeyedArchive& archive, Root root) {
+void inspect(const KeyedArchive& archive, Root root, const WorkGate& gate) {
   std::vector<bool> isChecked(archive.objectCount());
   QSet<std::uint32_t> pictureClasses;
-  qint64 pictures = 0;
+  QSet<std::uint32_t> signClassUids;
+  qint64 pictures = 0; // objects that decode one
+  int signs = 0;
   for (std::uint32_t uid = 0; uid < archive.objectCount(); ++uid) {
     if (archive.entry(uid) != KeyedArchive::Entry::Record)
       continue;
@@ -123,23 +150,30 @@ void inspect(const KeyedArchive& archive, Root root) {
         throw SignError(u"holds an object of class "_s + name.left(LongestSenderName));
       if (isSign || name == "NSBitmapImageRep"_L1)
         pictureClasses.insert(classUid);
+      if (isSign)
+        signClassUids.insert(classUid);
     }
     pictures += pictureClasses.contains(classUid);
+    // One inside of another would be rendered too.
+    if (signClassUids.contains(classUid) && ++signs > 1)
+      throw SignError(u"holds more than one sign"_s);
   }
-  const qint64 largest = largestPicture(archive.list());
+  const Contents contents = contentsOf(archive.list());
+  const qint64 largest = contents.largestPicture;
   if (largest > MostSignPixels || (pictures > 0 && largest > MostPixelsInAll / pictures))
     throw SignError(
         u"the pictures in it have more than %1 million pixels"_s.arg(MostSignPixels / 1'000'000));
+  admitWork(gate, contents.pixels + contents.textBytes * PixelsPerCharacter);
 }
 
 template <class T>
-Ref<T> unarchive(const QByteArray& data, Root root) {
+Ref<T> unarchive(const QByteArray& data, Root root, const WorkGate& gate) {
   if (data.size() > LargestMessageArchive)
     throw SignError(u"larger than %1 MiB"_s.arg(LargestMessageArchive >> 20));
   try {
     const SilencedStandardError silence;
     KeyedUnarchiver unarchiver(data);
-    inspect(unarchiver.archive(), root);
+    inspect(unarchiver.archive(), root, gate);
     const Any object = unarchiver.decodeObjectForKey("root");
     if (const Ref<T> wanted = objectOf<T>(object))
       return wanted;
@@ -154,12 +188,6 @@ Ref<T> unarchive(const QByteArray& data, Root root) {
   } catch (const Exception& exception) {
     throw SignError(exception.reason());
   }
-}
-
-void checkLength(const QString& text, qsizetype longest, const char* what) {
-  if (text.size() > longest)
-    throw SignError(u"%1 longer than %2 characters"_s.arg(
-        QLatin1StringView(what), QLocale(QLocale::English).toString(longest)));
 }
 
 void checkText(const AttributedString& text) {
@@ -227,14 +255,14 @@ void checkSign(const ZQTickerSign& sign) {
 
 SignError::~SignError() = default;
 
-Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive) {
-  const auto sign = unarchive<ZQTickerSign>(archive, Root::Sign);
+Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive, const WorkGate& gate) {
+  const auto sign = unarchive<ZQTickerSign>(archive, Root::Sign, gate);
   checkSign(*sign);
   return sign;
 }
 
-Ref<AttributedString> readArchivedText(const QByteArray& archive) {
-  const auto text = unarchive<AttributedString>(archive, Root::Text);
+Ref<AttributedString> readArchivedText(const QByteArray& archive, const WorkGate& gate) {
+  const auto text = unarchive<AttributedString>(archive, Root::Text, gate);
   checkText(*text);
   if (!showsText(*text))
     throw SignError(u"nothing to show in it"_s);

@@ -4,6 +4,7 @@
 // counted before one is decoded, and the unarchiver bounds the rest.
 #pragma once
 
+#include "app/intake/WorkGate.h"
 #include "zqticker/platform/objects/Object.h"
 
 #include <QtCore/QByteArray>
@@ -42,12 +43,13 @@ class SignError : public std::runtime_error {
 
 // The sign that is the root of `archive`: an image, text or combo sign that has something to show.
 // SignError where it is none, of another class, damaged, or larger than stated above and in
-// DisplayMessage.h.
+// DisplayMessage.h. What `gate` raises is passed on.
 //
 // Thread: main.
-platform::Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive);
+platform::Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive, const WorkGate& gate = {});
 
-// The attributed string that is the root of `archive`. SignError in the same cases.
-platform::Ref<platform::AttributedString> readArchivedText(const QByteArray& archive);
+// The attributed string that is the root of `archive`. Raises the same.
+platform::Ref<platform::AttributedString> readArchivedText(const QByteArray& archive,
+                                                           const WorkGate& gate = {});
 
 } // namespace zq::app

@@ -161,6 +161,32 @@ TEST_F(MessageIntakeTest, LimitsTheMemoryOfTheQueuedSigns) {
   EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString()) << "small ones find room";
 }
 
+TEST_F(MessageIntakeTest, LimitsWhatOneSenderLetsItDecode) {
+  QVariantMap picture = textFrom(u"news"_s, u"one"_s);
+  picture.insert(u"image"_s, png(4000, 4000));
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(limitOf(picture), QString());
+  expectLog(u"messages refused from news: more than 8 million pixels a second to decode"_s);
+  const QString complaint = u"more than 8 million pixels a second to decode from one sender"_s;
+  picture.insert(u"text"_s, QString(1'000'000, u'x'));
+  EXPECT_EQ(limitOf(picture), complaint) << "a long text counts as well";
+  EXPECT_EQ(shown_.size(), 3u);
+  shown_.clear();
+  EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString());
+  time_ += 9;
+  const auto sign =
+      archived(Ref<ZQTickerSign>(ZQImageTickerSign::make(Image::fromQImage(solid(4000, 4000)))));
+  const auto takeSign = [&] { intake_.takeSign(sign, {{u"senderID"_s, u"news"_s}}, Connection); };
+  QString refused;
+  int taken = 0;
+  for (; refused.isEmpty() && taken < 10; ++taken) {
+    refused = errorOf<LimitError>(takeSign);
+    shown_.clear();
+  }
+  EXPECT_EQ(refused, complaint) << "signs are counted like messages";
+  EXPECT_EQ(taken, 4);
+}
+
 TEST_F(MessageIntakeTest, CountsCallsThatShowNothing) {
   const auto call = [this] { intake_.admitCall(100, Connection); };
   for (int i = 0; i < Burst; ++i)

@@ -122,6 +122,23 @@ TEST(SenderLimits, RefuseAMessageThatIsTooLargeWhateverIsLeft) {
   EXPECT_EQ(reason(limits.refusal(News, LargestMessage, 5)), QString());
 }
 
+TEST(SenderLimits, CountPixels) {
+  SenderLimits limits;
+  constexpr qint64 Large = 16'000'000;
+  const auto passing = [&](int count, double time) {
+    int passed = 0;
+    for (int i = 0; i < count; ++i)
+      passed += !limits.workRefusal(News, Large, time);
+    return passed;
+  };
+  EXPECT_EQ(passing(10, 5), 4);
+  EXPECT_EQ(reason(limits.workRefusal(News, Large, 5)),
+            u"more than 8 million pixels a second to decode from one sender"_s);
+  EXPECT_EQ(passing(10, 5 + 4), 2);
+  EXPECT_EQ(reason(limits.workRefusal({u"weather"_s, u":1.8"_s}, Large, 5 + 4)), QString());
+  EXPECT_EQ(reason(limits.refusal(News, Small, 5 + 4)), QString());
+}
+
 TEST(SenderLimits, StandAClockThatStepsBack) {
   SenderLimits limits;
   EXPECT_EQ(passing(limits, News, 1000, 100), int(OneSender.messages.burst));

@@ -174,12 +174,12 @@ TEST(SignArchive, RefusesFieldsOutsideOfTheirLimits) {
   EXPECT_EQ(complaintAfter([](auto& sign) { sign.setActionString(QString(32'769, u'x')); }),
             u"the action's string is longer than 32,768 characters"_s);
   EXPECT_EQ(complaintAfter([](auto& sign) { sign.setText(Any(QString(LongestLine + 1, u'x'))); }),
-            u"the text is longer than 1,000,000 characters"_s);
+            u"a text in it is longer than 1,000,000 characters"_s);
 }
 
 TEST(SignArchive, RefusesTextsThatNoStripCanShow) {
   EXPECT_EQ(textComplaint(archived(AttributedString::make(QString(LongestLine + 1, u'x')))),
-            u"the text is longer than 1,000,000 characters"_s);
+            u"a text in it is longer than 1,000,000 characters"_s);
   EXPECT_EQ(textComplaint(archived(styled(u"x"_s, FontAttributeName,
                                           any(Font::fontWithName(u"DejaVu Sans"_s, 1001))))),
             u"a font is larger than 1000 points"_s);
@@ -236,6 +236,38 @@ TEST(SignArchive, RefusesASignThatIsItsOwnText) {
   EXPECT_NE(signComplaint(archiveOf(
                 {record(2, "<key>ZQText</key>" + reference(1)), classRecord("ZQComboTickerSign")})),
             QString());
+}
+
+TEST(SignArchive, RefusesASignInsideOfASign) {
+  const Ref<ZQTickerSign> inner = ZQTextTickerSign::make(u"inner"_s);
+  EXPECT_EQ(signComplaint(archivedSign(ZQTextTickerSign::make(styled(u"x"_s, u"x"_s, any(inner))))),
+            u"holds more than one sign"_s);
+}
+
+TEST(SignArchive, RefusesLongTextsBeforeTheyAreLaidOut) {
+  const auto archiveWith = [](const QByteArray& textRecord) {
+    return archiveOf({record(2, "<key>NSString</key>" + reference(3)),
+                      classRecord("NSAttributedString"), textRecord});
+  };
+  EXPECT_EQ(textComplaint(archiveWith("<string>" + QByteArray(1'000'001, 'x') + "</string>")),
+            u"a text in it is longer than 1,000,000 characters"_s);
+  EXPECT_EQ(textComplaint(archiveWith(dataElement(QByteArray(1'000'001, 'x')))),
+            u"a piece of data in it is too large"_s);
+  EXPECT_EQ(textComplaint(archiveWith("<string>" + QByteArray(1'000'000, 'x') + "</string>")),
+            QString());
+}
+
+TEST(SignArchive, AsksForTheWorkBeforeItIsDone) {
+  qint64 asked = 0;
+  const WorkGate gate = [&](qint64 pixels) { asked += pixels; };
+  readArchivedSign(archivedSign(ZQComboTickerSign::make(QString(1000, u'x'),
+                                                        Image::fromQImage(solid(400, 300)))),
+                   gate);
+  EXPECT_GE(asked, 400 * 300 + 1000 * PixelsPerCharacter);
+  EXPECT_LE(asked, 400 * 300 + 2000 * PixelsPerCharacter);
+  const WorkGate closed = [](qint64) { throw std::length_error("enough"); };
+  EXPECT_THROW(readArchivedText(archived(AttributedString::make(u"x"_s)), closed),
+               std::length_error);
 }
 
 TEST(SignArchive, CountsPixelsBeforeOneIsDecoded) {
