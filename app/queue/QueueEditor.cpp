@@ -35,8 +35,14 @@ QSet<const void*> setOf(const std::vector<Strip::Entry>& entries) {
 QueueEditor::QueueEditor(QueueSource& queue, QueueModel& model, QueueTable& table, QObject* parent)
     : QObject(parent), queue_(queue), model_(model), table_(table) {
   connect(&model, &QueueModel::editRefused, this, &QueueEditor::said);
+  loader_.setMaxThreadCount(1);
 }
-QueueEditor::~QueueEditor() = default;
+
+QueueEditor::~QueueEditor() {
+  isEnding_ = true;
+  loader_.clear();
+  loader_.waitForDone();
+}
 
 Strip::Entry QueueEditor::entryAt(int row) const {
   return row < model_.rowCount() ? model_.queueRow(row).entry : nullptr;
@@ -232,7 +238,23 @@ bool QueueEditor::addText(const QString& text, std::int64_t showings) {
 
 void QueueEditor::addDrop(const QMimeData& contents, int beforeRow, std::int64_t showings) {
   const Strip::Entry before = entryAt(beforeRow);
-  const DroppedSigns dropped = readDrop(contents, queue_, showings);
+  if (!bringsFiles(contents))
+    return addDropped(readDrop(contents, queue_, showings), before);
+  Q_EMIT said(tr("Reading…"));
+  loader_.start(
+      [this, urls = contents.urls(), room = pixelRoomFor(queue_.pictureRoom()), before, showings] {
+        // The pool's thread ends before the editor does.
+        std::vector<LoadedFile> files = loadFiles(urls, room, isEnding_);
+        QMetaObject::invokeMethod(
+            this,
+            [this, files = std::move(files), before, showings] {
+              addDropped(signsOfFiles(files, queue_, showings), before);
+            },
+            Qt::QueuedConnection);
+      });
+}
+
+void QueueEditor::addDropped(const DroppedSigns& dropped, const Strip::Entry& before) {
   const std::size_t added = add(dropped.signs, before).size();
   QStringList sentences;
   if (added > 0)

@@ -3,11 +3,16 @@
 
 #include "app/queue/QueueTable.h"
 
+#include <QtCore/QThreadPool>
+
+#include <atomic>
 #include <deque>
 
 class QMimeData;
 
 namespace zq::app {
+
+struct DroppedSigns;
 
 // Adds, removes, moves, keeps and reads signs, and says in a sentence what came of it. What is not
 // possible changes nothing.
@@ -39,6 +44,7 @@ class QueueEditor : public QObject {
 
   // At the end; a negative number of showings is without end. False for a blank text.
   bool addText(const QString& text, std::int64_t showings);
+  // Files are read beside the main thread; their signs come when all have been read.
   void addDrop(const QMimeData& contents, int beforeRow, std::int64_t showings);
 
   // Keeps all signs in a file, and adds those of a file at the end. False where that fails.
@@ -61,6 +67,7 @@ class QueueEditor : public QObject {
   Strip::Entry entryAt(int row) const;
   void keep(Removal removal);
   bool move(const std::vector<Strip::Entry>& entries, const Strip::Entry& before);
+  void addDropped(const DroppedSigns& dropped, const Strip::Entry& before);
   std::vector<Strip::Entry> add(const std::vector<platform::Ref<ZQTickerSign>>& signs,
                                 const Strip::Entry& before);
 
@@ -68,6 +75,8 @@ class QueueEditor : public QObject {
   QueueModel& model_;
   QueueTable& table_;
   std::deque<Removal> removals_; // the last one at the end
+  std::atomic<bool> isEnding_ = false;
+  QThreadPool loader_; // with one thread
 };
 
 } // namespace zq::app

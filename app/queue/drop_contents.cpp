@@ -5,6 +5,7 @@
 #include "app/intake/SilencedStandardError.h"
 #include "app/queue/sign_changes.h"
 #include "app/queue/sign_files.h"
+#include "app/services/picture_decoding.h"
 #include "zqticker/platform/graphics/Image.h"
 #include "zqticker/platform/graphics/ImageRepresentation.h"
 #include "zqticker/signs/ZQImageTickerSign.h"
@@ -17,6 +18,7 @@
 #include <QtCore/QUrl>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace Qt::StringLiterals;
 
@@ -26,6 +28,10 @@ using namespace platform;
 
 namespace {
 constexpr qsizetype MostTitleCharacters = 500;
+// Pixels.
+constexpr int LeastPixelRoom = 512;
+constexpr int MostPixelRoom = 16'384;
+constexpr double PixelsPerPoint = 8;
 
 QString tr(const char* text) {
   return QCoreApplication::translate("QueueWindow", text);
@@ -38,13 +44,6 @@ bool isOfWeb(const QUrl& url) {
 
 bool hasAddresses(const QMimeData& contents) {
   return contents.hasUrls() && !contents.urls().isEmpty();
-}
-
-bool hasLocalFiles(const QMimeData& contents) {
-  if (!contents.hasUrls())
-    return false;
-  const QList<QUrl> urls = contents.urls();
-  return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
 }
 
 // Null where not all of the picture can be decoded.
@@ -86,19 +85,30 @@ std::optional<QString> titleIn(const QMimeData& contents, const QUrl& url) {
   return title.isEmpty() ? std::nullopt : std::optional(title);
 }
 
-// Reads one drop.
+// Makes the signs of one drop.
 class DropReader {
  public:
-  DropReader(const QMimeData& contents, QueueSource& queue, std::int64_t showings)
-      : contents_(contents), queue_(queue), showings_(showings) {}
+  DropReader(QueueSource& queue, std::int64_t showings) : queue_(queue), showings_(showings) {}
 
-  DroppedSigns read() {
-    if (!hasLocalFiles(contents_) && contents_.hasImage() && addPicture())
+  DroppedSigns read(const QMimeData& contents) {
+    if (contents.hasImage() && addPicture(contents))
       return result_;
-    if (hasAddresses(contents_))
-      addAddresses();
-    else if (contents_.hasText())
-      addText();
+    if (hasAddresses(contents))
+      addAddresses(contents);
+    else if (contents.hasText())
+      addText(contents);
+    return result_;
+  }
+
+  DroppedSigns read(const std::vector<LoadedFile>& files) {
+    for (const LoadedFile& file : files) {
+      if (!file.url.isLocalFile())
+        addAddress(file.url, std::nullopt);
+      else if (file.problem.isEmpty())
+        addFile(file);
+      else
+        result_.problems.append(file.problem);
+    }
     return result_;
   }
 
@@ -119,11 +129,11 @@ class DropReader {
   }
 
   // False where the picture cannot be used, but something else might.
-  bool addPicture() {
-    for (const QString& format : contents_.formats()) {
+  bool addPicture(const QMimeData& contents) {
+    for (const QString& format : contents.formats()) {
       if (!format.startsWith(u"image/"))
         continue;
-      const QByteArray bytes = contents_.data(format);
+      const QByteArray bytes = contents.data(format);
       if (bytes.size() > MostDroppedFileBytes) {
         result_.problems.append(
             tr("The picture is larger than %1 MiB").arg(MostDroppedFileBytes >> 20));
@@ -134,33 +144,36 @@ class DropReader {
         return true;
       }
     }
-    const QImage pixels = qvariant_cast<QImage>(contents_.imageData());
+    const QImage pixels = qvariant_cast<QImage>(contents.imageData());
     const bool isUsable =
         !pixels.isNull() && qint64(pixels.width()) * pixels.height() <= Image::MaximumPixels;
     if (isUsable)
       addImage(Image::fromQImage(pixels));
-    else if (!hasAddresses(contents_) && !contents_.hasText())
+    else if (!hasAddresses(contents) && !contents.hasText())
       result_.problems.append(tr("The picture cannot be read"));
     return isUsable;
   }
 
-  void addAddresses() {
-    const QList<QUrl> urls = contents_.urls();
-    for (const QUrl& url : urls) {
-      if (url.isLocalFile())
-        addFile(url.toLocalFile());
-      else if (isOfWeb(url))
-        addLink(url, (urls.size() == 1 ? titleIn(contents_, url) : std::nullopt)
-                         .value_or(url.toDisplayString().left(MostTitleCharacters)));
-      else
-        result_.problems.append(
-            tr("%1: no file and no address of the web").arg(quotedForMessage(url.toString())));
-    }
+  void addAddresses(const QMimeData& contents) {
+    const QList<QUrl> urls = contents.urls();
+    for (const QUrl& url : urls)
+      addAddress(url, urls.size() == 1 ? titleIn(contents, url) : std::nullopt);
   }
 
-  void addFile(const QString& path) {
+  void addAddress(const QUrl& url, const std::optional<QString>& title) {
+    if (isOfWeb(url))
+      addLink(url, title.value_or(url.toDisplayString().left(MostTitleCharacters)));
+    else
+      result_.problems.append(
+          tr("%1: no file and no address of the web").arg(quotedForMessage(url.toString())));
+  }
+
+  void addFile(const LoadedFile& file) {
     try {
-      addContents(readPlainFile(path, MostDroppedFileBytes), path);
+      if (file.picture.isNull())
+        addContents(file.bytes, file.url.toLocalFile());
+      else
+        addImage(Image::fromQImage(file.picture));
     } catch (const RunTimeError& error) {
       result_.problems.append(error.message());
     }
@@ -168,8 +181,6 @@ class DropReader {
 
   void addContents(const QByteArray& bytes, const QString& path) {
     const QString name = shownName(path);
-    if (bytes.isEmpty())
-      throw RunTimeError(tr("%1: is empty").arg(name));
     if (beginsAsArchive(bytes))
       return addSigns(signsOfArchive(bytes, name), name);
     if (const Ref<Image> image = pictureIn(bytes))
@@ -192,14 +203,14 @@ class DropReader {
     result_.signs.insert(result_.signs.end(), signs.begin(), signs.end());
   }
 
-  void addText() {
-    const QString text = contents_.text();
+  void addText(const QMimeData& contents) {
+    const QString text = contents.text();
     const QUrl url(text.trimmed());
     try {
       if (text.size() > MostDroppedTextBytes)
         throw RunTimeError(tr("The text is too long"));
       if (!text.trimmed().contains(u' ') && isOfWeb(url))
-        addLink(url, titleIn(contents_, url).value_or(url.toDisplayString()));
+        addLink(url, titleIn(contents, url).value_or(url.toDisplayString()));
       else
         addLines(text, tr("The text"));
     } catch (const RunTimeError& error) {
@@ -220,7 +231,6 @@ class DropReader {
       add(queue_.makeTextSign(line));
   }
 
-  const QMimeData& contents_;
   QueueSource& queue_;
   const std::int64_t showings_;
   DroppedSigns result_;
@@ -238,15 +248,68 @@ std::optional<QString> dropRefusal(const QMimeData& contents) {
     });
     if (isAnyUsable || contents.hasImage())
       return std::nullopt;
-    return hasLocalFiles(contents)
+    return bringsFiles(contents)
                ? tr("A file is larger than %1 MiB").arg(MostDroppedFileBytes >> 20)
                : QString();
   }
   return contents.hasImage() || contents.hasText() ? std::nullopt : std::optional(QString());
 }
 
+bool bringsFiles(const QMimeData& contents) {
+  if (!contents.hasUrls())
+    return false;
+  const QList<QUrl> urls = contents.urls();
+  return std::any_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
+}
+
+std::vector<LoadedFile> loadFiles(const QList<QUrl>& urls, QSize room,
+                                  const std::atomic<bool>& isStopped) {
+  std::vector<LoadedFile> files;
+  qint64 bytes = 0;
+  for (const QUrl& url : urls) {
+    if (isStopped)
+      break;
+    LoadedFile& file = files.emplace_back();
+    file.url = url;
+    if (!url.isLocalFile())
+      continue;
+    try {
+      const QString path = url.toLocalFile();
+      file.bytes = readPlainFile(path, MostDroppedFileBytes);
+      if (file.bytes.isEmpty())
+        throw RunTimeError(tr("%1: is empty").arg(shownName(path)));
+      file.picture = decodePicture(file.bytes, room);
+      if (!file.picture.isNull())
+        file.bytes = QByteArray();
+      bytes += file.bytes.size() + file.picture.sizeInBytes();
+      if (bytes > MostDroppedBytes)
+        throw RunTimeError(tr("%1: with the files before it larger than %2 MiB")
+                               .arg(shownName(path))
+                               .arg(MostDroppedBytes >> 20));
+    } catch (const RunTimeError& error) {
+      file.problem = error.message();
+      file.bytes = QByteArray();
+      file.picture = QImage();
+    }
+  }
+  return files;
+}
+
+QSize pixelRoomFor(QSizeF pictureRoom) {
+  const auto side = [](double points) {
+    return points > 0 ? std::max(LeastPixelRoom, int(std::ceil(points * PixelsPerPoint)))
+                      : MostPixelRoom;
+  };
+  return {side(pictureRoom.width()), side(pictureRoom.height())};
+}
+
 DroppedSigns readDrop(const QMimeData& contents, QueueSource& queue, std::int64_t showings) {
-  return DropReader(contents, queue, showings).read();
+  return DropReader(queue, showings).read(contents);
+}
+
+DroppedSigns signsOfFiles(const std::vector<LoadedFile>& files, QueueSource& queue,
+                          std::int64_t showings) {
+  return DropReader(queue, showings).read(files);
 }
 
 } // namespace zq::app

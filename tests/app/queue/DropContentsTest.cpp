@@ -3,6 +3,7 @@
 #include "app/display/SignAction.h"
 #include "app/queue/sign_files.h"
 #include "tests/app/queue/FakeQueue.h"
+#include "zqticker/platform/graphics/ImageRepresentation.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +38,14 @@ class DropContents : public ::testing::Test {
       urls.append(QUrl::fromLocalFile(path));
     contents.setUrls(urls);
   }
-  void read(std::int64_t showings = 2) { dropped = readDrop(contents, queue, showings); }
+  void read(std::int64_t showings = 2) {
+    const std::atomic<bool> isStopped = false;
+    dropped =
+        bringsFiles(contents)
+            ? signsOfFiles(loadFiles(contents.urls(), pixelRoomFor(queue.pictureRoom()), isStopped),
+                           queue, showings)
+            : readDrop(contents, queue, showings);
+  }
   QStringList texts() const {
     QStringList result;
     for (const auto& sign : dropped.signs)
@@ -178,6 +186,19 @@ TEST_F(DropContents, ThatAreTooLargeAreRefused) {
   read();
   EXPECT_TRUE(dropped.signs.empty()) << "all or none of a text";
   EXPECT_EQ(dropped.problems, QStringList{u"The text: more than 1000 lines"_s});
+}
+
+TEST_F(DropContents, OfLargePicturesKeepOnlyWhatAStripCanShow) {
+  queue.room = QSizeF(0, 24);
+  setFiles({picture(u"large.png"_s, {3000, 2000})});
+  read();
+  ASSERT_EQ(dropped.signs.size(), 1u);
+  EXPECT_EQ(dropped.signs[0]->size(), QSizeF(36, 24));
+  const auto image = std::dynamic_pointer_cast<ZQImageTickerSign>(dropped.signs[0])->image();
+  EXPECT_EQ(image->representations().front()->bitmap().size(), QSize(768, 512));
+  EXPECT_EQ(pixelRoomFor(QSizeF(0, 100)), QSize(16'384, 800));
+  const std::atomic<bool> isStopped = true;
+  EXPECT_TRUE(loadFiles(contents.urls(), {10, 10}, isStopped).empty());
 }
 
 TEST_F(DropContents, OfNothingThatCanBeShownAreRefusedWithoutAWord) {

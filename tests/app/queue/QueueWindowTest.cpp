@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QtCore/QFile>
 #include <QtCore/QMimeData>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
@@ -330,6 +331,31 @@ TEST_F(QueueWindowKeys, SayWhatCameOfThem) {
   EXPECT_EQ(QAccessible::queryAccessibleInterface(label)->text(QAccessible::Name),
             u"“a” removed"_s);
   EXPECT_EQ(label->textFormat(), Qt::PlainText);
+}
+
+TEST_F(QueueWindowKeys, StayWhereFilesAreReadUntilTheWindowGoes) {
+  fill({u"a"_s, u"b"_s});
+  const QString path = folder.filePath(u"lines.txt"_s);
+  QFile file(path);
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("from a file");
+  file.close();
+  QMimeData contents;
+  contents.setUrls({QUrl::fromLocalFile(path)});
+  window.editor().addDrop(contents, 1, 4);
+  EXPECT_EQ(window.status(), u"Reading…"_s);
+  EXPECT_EQ(queue.list.size(), 2u);
+  ASSERT_TRUE(waitUntil([&] { return queue.list.size() == 3; }));
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"from a file"_s, u"b"_s}));
+  EXPECT_EQ(window.status(), u"1 sign added"_s);
+  {
+    QueueWindow other(queue, QString());
+    other.show();
+    for (int i = 0; i < 20; ++i)
+      other.editor().addDrop(contents, 0, 1);
+  }
+  QApplication::processEvents();
+  EXPECT_EQ(queue.list.size(), 3u);
 }
 
 TEST_F(QueueWindowKeys, SaveAndLoad) {
