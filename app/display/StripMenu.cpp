@@ -9,6 +9,8 @@ StripMenu::StripMenu(QWidget* parent)
       forward_(addAction(tr("Forward"))) {
   pause_->setCheckable(true);
   addSeparator();
+  settings_ = addAction(tr("Settings…"));
+  settings_->setVisible(false);
   quit_ = addAction(tr("Quit"));
 }
 

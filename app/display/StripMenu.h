@@ -20,12 +20,15 @@ class StripMenu : public QMenu {
   // Checked while the strip is paused.
   QAction& pause() const { return *pause_; }
   QAction& forward() const { return *forward_; }
+  // Not to be seen at first, since not every strip has a settings window.
+  QAction& settings() const { return *settings_; }
   QAction& quit() const { return *quit_; }
 
  private:
   QAction* back_;
   QAction* pause_;
   QAction* forward_;
+  QAction* settings_;
   QAction* quit_;
 };
 

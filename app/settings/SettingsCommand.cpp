@@ -1,13 +1,17 @@
 #include "app/settings/SettingsCommand.h"
 
+#include "app/bus/TickerClient.h"
 #include "app/commands/OutputValue.h"
 #include "app/commands/failures.h"
+#include "app/commands/interrupts.h"
 #include "app/commands/output_files.h"
 #include "app/commands/sign_loading.h"
 #include "app/settings/SettingsStore.h"
+#include "app/settings/SettingsWindow.h"
 #include "app/settings/setting_table.h"
 
 #include <QtCore/QJsonArray>
+#include <QtWidgets/QApplication>
 
 #include <algorithm>
 
@@ -25,6 +29,20 @@ QStringList settingNotes() {
   for (const SettingSpec& spec : settingTable())
     notes.append(spec.name + u' ' + spec.values + u": "_s + spec.help);
   return notes;
+}
+
+const OptionTable& windowTable() {
+  static const OptionTable table = [] {
+    OptionTable made;
+    made.command = u"settings"_s;
+    made.brief = u"open the settings window"_s;
+    made.summary = u"Opens the settings window, in the ticker where one runs."_s;
+    made.options = {{u"help"_s, {}, u"Print this text."_s}};
+    made.notes = {ApplyNote};
+    made.exitStatus = u"0, 1 where there is no display, 2 for a wrong command line."_s;
+    return made;
+  }();
+  return table;
 }
 
 OptionTable tableOf(const QString& action, const QString& brief, const QString& summary,
@@ -130,6 +148,33 @@ OutputValue outputOf(const QJsonValue& value) {
   return value.isString() ? OutputValue::string(value.toString()) : OutputValue();
 }
 
+// In the ticker that runs, so that there is one window; else in this program.
+int openWindow(const QStringList& arguments) {
+  parseOptions(windowTable(), arguments);
+  TickerClient client;
+  client.setStartsTicker(false);
+  if (client.hasTicker()) {
+    const BusReply reply = client.showSettings();
+    if (!reply.ok)
+      throw RunTimeError(u"the ticker does not open its settings: "_s + reply.errorMessage);
+    return Success;
+  }
+  const Interrupts interrupts;
+  QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);
+  SettingsStore store;
+  SettingsWindow window(store);
+  window.showInFront();
+  QApplication::setQuitOnLastWindowClosed(true);
+  QCoreApplication::exec();
+  return Success;
+}
+
+int refuseWindow(const QStringList& arguments, const QString& reason) {
+  parseOptions(windowTable(), arguments);
+  throw RunTimeError(reason +
+                     u": the settings window needs one (see zqticker settings set --help)"_s);
+}
+
 int list(const QStringList& arguments) {
   const auto given = parseOptions(listTable(), arguments);
   const SettingsStore store;
@@ -185,6 +230,8 @@ int reset(const QStringList& arguments) {
 
 const std::vector<Command>& settingsCommands() {
   static const std::vector<Command> commands{
+      {&windowTable(), CommandGroup::Ticker, Application::Display, openWindow, nullptr,
+       refuseWindow},
       {&listTable(), CommandGroup::Ticker, Application::Core, list},
       {&getTable(), CommandGroup::Ticker, Application::Core, get},
       // Looks for the font.

@@ -5,7 +5,7 @@
 
 namespace zq::app {
 
-// `settings list`, `get`, `set` and `reset`.
+// `settings` itself, which opens the window, and `settings list`, `get`, `set` and `reset`.
 const std::vector<Command>& settingsCommands();
 
 } // namespace zq::app

@@ -4,15 +4,28 @@ set(settings_SOURCES
     commands/strip_values.h
     settings/ChosenScreen.cpp
     settings/ChosenScreen.h
+    settings/ColorButton.cpp
+    settings/ColorButton.h
+    settings/FeedsPage.cpp
+    settings/FeedsPage.h
     settings/Settings.h
     settings/SettingsCommand.cpp
     settings/SettingsCommand.h
     settings/SettingsFile.cpp
     settings/SettingsFile.h
+    settings/SettingsPage.h
     settings/SettingsStore.cpp
     settings/SettingsStore.h
+    settings/SettingsWindow.cpp
+    settings/SettingsWindow.h
+    settings/StripPage.cpp
+    settings/StripPage.h
+    settings/TextPage.cpp
+    settings/TextPage.h
     settings/autostart.cpp
     settings/autostart.h
+    settings/page_controls.cpp
+    settings/page_controls.h
     settings/run_settings.cpp
     settings/run_settings.h
     settings/setting_table.cpp

@@ -6,6 +6,7 @@
 #include "app/controls/ControlBarButton.h"
 #include "app/services/ClockService.h"
 #include "app/settings/SettingsStore.h"
+#include "app/settings/SettingsWindow.h"
 #include "app/settings/run_settings.h"
 #include "app/ticker/SourceSet.h"
 #include "app/ticker/window_place.h"
@@ -15,6 +16,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QUuid>
+#include <QtGui/QAction>
 #include <QtGui/QScreen>
 
 #include <exception>
@@ -96,6 +98,17 @@ void Ticker::follow(SettingsStore& settings) {
   adopt(settings.settings());
   connect(&settings, &SettingsStore::changed, this, [this] { adopt(settings_->settings()); });
   settings.watch();
+  QAction& action = widget_->menu().settings();
+  action.setVisible(true);
+  connect(&action, &QAction::triggered, this, &Ticker::showSettings);
+}
+
+void Ticker::showSettings() {
+  if (!settings_)
+    return;
+  if (!settingsWindow_)
+    settingsWindow_ = std::make_unique<SettingsWindow>(*settings_);
+  settingsWindow_->showInFront();
 }
 
 void Ticker::adopt(const Settings& settings) {

@@ -19,6 +19,7 @@ namespace zq::app {
 class ClockService;
 class ControlBar;
 class SettingsStore;
+class SettingsWindow;
 class SourceSet;
 
 // The one place through which a running program changes what is shown: the command line, other
@@ -55,6 +56,8 @@ class Ticker : public QObject {
   // Takes from the settings, now and whenever they change, what the command line has not said.
   // Their feeds are shown where it named nothing to show. `settings` must outlive the ticker.
   void follow(SettingsStore& settings);
+  // Opens the window of the settings that are followed; nothing happens where there are none.
+  void showSettings();
 
   // Shows a sign behind the others. One whose identifier waits already takes over from that one;
   // one without an identifier gets a new one. Its identifier.
@@ -99,9 +102,10 @@ class Ticker : public QObject {
   std::unique_ptr<ControlBar> controlBar_; // null where there is none
   std::optional<bool> triedControlBar_;    // whether it was one for a horizontal strip
   std::vector<std::unique_ptr<SourceSet>> sources_;
-  SettingsStore* settings_ = nullptr;    // that are followed
-  SourceSet* feedsOfSettings_ = nullptr; // among the sources
-  std::unique_ptr<ClockService> clock_;  // one: there is one sign for it
+  SettingsStore* settings_ = nullptr;              // that are followed
+  std::unique_ptr<SettingsWindow> settingsWindow_; // once it has been asked for
+  SourceSet* feedsOfSettings_ = nullptr;           // among the sources
+  std::unique_ptr<ClockService> clock_;            // one: there is one sign for it
   bool waits_ = false;
   bool isUpdateDue_ = false;
 };
