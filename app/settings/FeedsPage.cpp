@@ -37,6 +37,8 @@ FeedsPage::FeedsPage(QWidget* parent)
       add_(makeButton(tr("&Add"))), remove_(makeButton(tr("&Remove"))),
       check_(makeButton(tr("&Check"))), result_(new QLabel), items_(new QSpinBox),
       interval_(makeSideBox()) {
+  // Lists do not tell of their labels.
+  list_->setAccessibleName(tr("Feeds"));
   list_->setTextElideMode(Qt::ElideMiddle);
   list_->setAlternatingRowColors(true);
   address_->setPlaceholderText(u"https://example.org/feed.xml"_s);
@@ -170,12 +172,13 @@ void FeedsPage::tell(const FeedAnswer& answer) {
   // It is still in the middle of its signal.
   load_.release()->deleteLater();
   const QString name = feedName(QUrl(checked_));
-  if (!answer.feed)
+  if (answer.feed) {
+    const std::size_t count = answer.feed->items.size();
+    const QString items = count == 1 ? tr("1 item") : tr("%1 items").arg(count);
+    result_->setText(tr("%1: %2, \"%3\"").arg(name, items, answer.feed->title));
+  } else {
     result_->setText(tr("%1: %2").arg(name, answer.errorText));
-  else
-    result_->setText(
-        tr("%1: %n item(s), \"%2\"", nullptr, static_cast<int>(answer.feed->items.size()))
-            .arg(name, answer.feed->title));
+  }
   updateButtons();
 }
 

@@ -37,7 +37,7 @@ SettingsWindow::SettingsWindow(SettingsStore& settings, QWidget* parent)
   problem_->hide();
   auto* buttons = new QDialogButtonBox(QDialogButtonBox::RestoreDefaults | QDialogButtonBox::Close);
   QPushButton* defaults = buttons->button(QDialogButtonBox::RestoreDefaults);
-  defaults->setText(tr("De&faults"));
+  defaults->setText(tr("Defa&ults"));
   defaults->setAccessibleDescription(tr("Gives all settings their defaults"));
   for (QAbstractButton* button : buttons->buttons())
     static_cast<QPushButton*>(button)->setAutoDefault(false);

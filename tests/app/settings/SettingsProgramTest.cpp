@@ -76,10 +76,8 @@ TEST_F(SettingsCommand, RefusesWhatIsWrong) {
   EXPECT_EQ(failure({u"set"_s, u"velocity"_s, u"1"_s}),
             "zqticker: velocity: no such setting (see zqticker settings --help)\n");
   EXPECT_EQ(failure({u"get"_s}), "zqticker: NAME: missing (see zqticker settings get --help)\n");
-  EXPECT_EQ(
-      failure({u"change"_s}),
-      "zqticker: settings: needs \"list\", \"get\", \"set\" or \"reset\" (see zqticker settings "
-      "--help)\n");
+  EXPECT_EQ(failure({u"change"_s}),
+            "zqticker: change: unexpected argument (see zqticker settings --help)\n");
   EXPECT_EQ(failure({u"list"_s, u"all"_s}),
             "zqticker: all: unexpected argument (see zqticker settings list --help)\n");
   EXPECT_FALSE(QFile::exists(path()));
@@ -105,6 +103,13 @@ TEST_F(SettingsCommand, KeepsGarbageAsideAndSaysSoOnce) {
   EXPECT_EQ(outcome.errors.count('\n'), 1) << outcome.errors.constData();
   EXPECT_TRUE(outcome.errors.contains("the default settings are used, the file is kept as "));
   EXPECT_EQ(output({u"get"_s, u"speed"_s}), "60\n") << "and is quiet then";
+}
+
+TEST_F(SettingsCommand, OpensNoWindowWithoutADisplay) {
+  const Outcome outcome = run({});
+  EXPECT_EQ(outcome.status, 1);
+  EXPECT_EQ(outcome.errors, "zqticker: no display: the settings window needs one (see zqticker "
+                            "settings set --help)\n");
 }
 
 TEST_F(SettingsCommand, SwitchesAutostart) {

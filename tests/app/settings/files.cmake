@@ -2,6 +2,7 @@ set(app_settings_SOURCES
     SettingsFileTest.cpp
     SettingsProgramTest.cpp
     SettingsStoreTest.cpp
+    SettingsWindowTest.cpp
     SeveralScreensTest.cpp
     TickerSettingsTest.cpp
     autostartTest.cpp
