@@ -22,5 +22,4 @@ set(message_SOURCES
     intake/MessageIntake.h
     intake/SenderLimits.cpp
     intake/SenderLimits.h
-    intake/bus_answers.h
     ${message_reading_SOURCES})

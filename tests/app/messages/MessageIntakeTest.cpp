@@ -1,8 +1,6 @@
 #include "tests/app/messages/Samples.h"
 
-#include "app/bus/bus_names.h"
 #include "app/intake/MessageIntake.h"
-#include "app/intake/bus_answers.h"
 #include "tests/support/LogWatch.h"
 #include "zqticker/signs/message_keys.h"
 
@@ -193,24 +191,4 @@ TEST_F(MessageIntakeTest, CountsCallsThatShowNothing) {
     EXPECT_EQ(errorOf<LimitError>(call), QString());
   expectLog(u"messages refused from :1.7: more than"_s);
   EXPECT_NE(errorOf<LimitError>(call), QString());
-}
-
-TEST_F(MessageIntakeTest, NamesTheErrorsOfTheBus) {
-  const auto nameOf = [](auto act) {
-    try {
-      answeringBus(act);
-    } catch (const BusFailure& failure) {
-      return QString(failure.errorName() + u' ' + failure.message());
-    }
-    return QString();
-  };
-  EXPECT_EQ(nameOf([&] { intake_.takeMessage({{u"text"_s, u"Hello"_s}}, Connection); }), QString());
-  EXPECT_EQ(nameOf([&] { intake_.takeMessage({}, Connection); }),
-            u"org.zqticker.Error.InvalidMessage text: missing, and no image either"_s);
-  EXPECT_TRUE(nameOf([&] {
-                intake_.takeSign("bplist00", {}, Connection);
-              }).startsWith(u"org.zqticker.Error.InvalidSign "_s));
-  expectLog(u"a message of more than 20 MiB"_s);
-  EXPECT_EQ(nameOf([&] { intake_.admitCall(21 << 20, Connection); }),
-            u"org.zqticker.Error.TooMuch a message of more than 20 MiB"_s);
 }

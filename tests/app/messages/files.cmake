@@ -1,2 +1,8 @@
-set(app_messages_SOURCES DisplayMessageTest.cpp MessageIntakeTest.cpp PostCommandTest.cpp Samples.h
-                         SenderLimitsTest.cpp SignArchiveTest.cpp)
+set(app_messages_SOURCES
+    DisplayMessageTest.cpp
+    MessageIntakeTest.cpp
+    PostCommandTest.cpp
+    Samples.h
+    SenderLimitsTest.cpp
+    SignArchiveTest.cpp
+    bus_answers.h)

@@ -1,11 +1,11 @@
-// What the intake refuses, as the bus answers it.
+// What the intake refuses, as a ticker on the bus answers it.
 #pragma once
 
 #include "app/bus/BusFailure.h"
 #include "app/intake/MessageIntake.h"
 #include "app/intake/sign_archives.h"
 
-namespace zq::app {
+namespace zq::app::testing {
 
 // Does what `act` does, and turns the intake's errors into those that a sender on the bus gets.
 template <class Act>
@@ -21,4 +21,4 @@ auto answeringBus(Act act) {
   }
 }
 
-} // namespace zq::app
+} // namespace zq::app::testing
