@@ -5,6 +5,7 @@
 #include "zqticker/signs/ZQTickerSign.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -17,15 +18,10 @@ namespace {
 // So many rows that are not next to each other come or go one by one; with more, the table starts
 // anew.
 constexpr int MostSteps = 64;
+// So many entries are looked for one by one; for more, a table of all of them is made.
+constexpr int MostSearches = 8;
 
-QHash<const void*, int> placesOf(const std::vector<QueuedSign>& rows) {
-  QHash<const void*, int> places;
-  places.reserve(static_cast<qsizetype>(rows.size()));
-  int row = 0;
-  for (const QueuedSign& shown : rows)
-    places.insert(shown.entry.get(), row++);
-  return places;
-}
+using Places = QHash<const void*, int>;
 
 bool looksSame(const QueuedSign& a, const QueuedSign& b) {
   return a.sign == b.sign && a.text == b.text && a.loopsLeft == b.loopsLeft &&
@@ -34,17 +30,6 @@ bool looksSame(const QueuedSign& a, const QueuedSign& b) {
          a.origin.senderIdentifier == b.origin.senderIdentifier;
 }
 
-// How many stretches of `rows` have entries that `places` lacks.
-int missingStretches(const std::vector<QueuedSign>& rows, const QHash<const void*, int>& places) {
-  int stretches = 0;
-  bool wasMissing = false;
-  for (const QueuedSign& row : rows) {
-    const bool isMissing = !places.contains(row.entry.get());
-    stretches += isMissing && !wasMissing;
-    wasMissing = isMissing;
-  }
-  return stretches;
-}
 } // namespace
 
 QueueModel::QueueModel(QueueSource& source, QObject* parent)
@@ -60,77 +45,117 @@ bool QueueModel::refresh() {
   return true;
 }
 
+// The rows from `first` on, without the last `behind`: those between what has stayed as it was at
+// both ends.
+struct QueueModel::Middle {
+  int first = 0;
+  int behind = 0;
+
+  int endIn(const std::vector<QueuedSign>& rows) const {
+    return static_cast<int>(rows.size()) - behind;
+  }
+  Places placesIn(const std::vector<QueuedSign>& rows) const {
+    Places places;
+    const int end = endIn(rows);
+    places.reserve(end - first);
+    for (int row = first; row < end; ++row)
+      places.insert(rows[static_cast<std::size_t>(row)].entry.get(), row);
+    return places;
+  }
+  // How many stretches of `rows` have entries that `places` lacks.
+  int missingStretches(const std::vector<QueuedSign>& rows, const Places& places) const {
+    int stretches = 0;
+    bool wasMissing = false;
+    for (int row = first; row < endIn(rows); ++row) {
+      const bool isMissing = !places.contains(rows[static_cast<std::size_t>(row)].entry.get());
+      stretches += isMissing && !wasMissing;
+      wasMissing = isMissing;
+    }
+    return stretches;
+  }
+};
+
 void QueueModel::takeOver(std::vector<QueuedSign> rows) {
-  QHash<const void*, int> places = placesOf(rows);
-  if (takeOverStepwise(rows, places)) {
-    places_ = std::move(places);
+  const auto isSame = [](const QueuedSign& a, const QueuedSign& b) { return a.entry == b.entry; };
+  Middle middle;
+  const auto atStart = std::mismatch(rows_.begin(), rows_.end(), rows.begin(), rows.end(), isSame);
+  middle.first = static_cast<int>(atStart.first - rows_.begin());
+  const auto atEnd =
+      std::mismatch(rows_.rbegin(), std::make_reverse_iterator(atStart.first), rows.rbegin(),
+                    std::make_reverse_iterator(atStart.second), isSame);
+  middle.behind = static_cast<int>(atEnd.first - rows_.rbegin());
+  if (takeOverStepwise(rows, middle)) {
     tellChanges(rows);
     return;
   }
   beginResetModel();
   rows_ = std::move(rows);
-  places_ = std::move(places);
+  placesChanged();
   endResetModel();
 }
 
 // Leaves rows_ with the entries of `rows` in their order. False, and nothing is done, where that
 // takes too many steps.
-bool QueueModel::takeOverStepwise(const std::vector<QueuedSign>& rows,
-                                  const QHash<const void*, int>& places) {
-  if (missingStretches(rows_, places) + missingStretches(rows, places_) > MostSteps)
+bool QueueModel::takeOverStepwise(const std::vector<QueuedSign>& rows, const Middle& middle) {
+  const Places places = middle.placesIn(rows);
+  if (middle.missingStretches(rows_, places) +
+          middle.missingStretches(rows, middle.placesIn(rows_)) >
+      MostSteps)
     return false;
-  removeGone(places);
-  reorder(places);
-  const QHash<const void*, int> kept = placesOf(rows_);
-  for (std::size_t first = 0; first < rows.size(); ++first) {
-    std::size_t end = first;
-    while (end < rows.size() && !kept.contains(rows[end].entry.get()))
-      ++end;
-    if (end == first)
+  removeGone(places, middle);
+  reorder(places, middle);
+  const Places kept = middle.placesIn(rows_);
+  const int end = middle.endIn(rows);
+  for (int row = middle.first; row < end; ++row) {
+    const int first = row;
+    while (row < end && !kept.contains(rows[static_cast<std::size_t>(row)].entry.get()))
+      ++row;
+    if (row == first)
       continue;
-    beginInsertRows(QModelIndex(), static_cast<int>(first), static_cast<int>(end) - 1);
-    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(first),
-                 rows.begin() + static_cast<std::ptrdiff_t>(first),
-                 rows.begin() + static_cast<std::ptrdiff_t>(end));
-    places_.clear();
+    beginInsertRows(QModelIndex(), first, row - 1);
+    rows_.insert(rows_.begin() + first, rows.begin() + first, rows.begin() + row);
+    placesChanged();
     endInsertRows();
-    first = end;
   }
   return true;
 }
 
-void QueueModel::removeGone(const QHash<const void*, int>& places) {
-  int end = static_cast<int>(rows_.size());
-  while (end > 0) {
+void QueueModel::removeGone(const Places& places, const Middle& middle) {
+  int end = middle.endIn(rows_);
+  while (end > middle.first) {
     int first = end;
-    while (first > 0 && !places.contains(queueRow(first - 1).entry.get()))
+    while (first > middle.first && !places.contains(queueRow(first - 1).entry.get()))
       --first;
     if (first < end) {
       beginRemoveRows(QModelIndex(), first, end - 1);
       rows_.erase(rows_.begin() + first, rows_.begin() + end);
-      places_.clear();
+      placesChanged();
       endRemoveRows();
     }
     end = first < end ? first : end - 1;
   }
 }
 
-void QueueModel::reorder(const QHash<const void*, int>& places) {
+void QueueModel::reorder(const Places& places, const Middle& middle) {
   const auto isBefore = [&](const QueuedSign& a, const QueuedSign& b) {
     return places.value(a.entry.get()) < places.value(b.entry.get());
   };
-  if (std::is_sorted(rows_.begin(), rows_.end(), isBefore))
+  const auto first = rows_.begin() + middle.first;
+  const auto end = rows_.begin() + middle.endIn(rows_);
+  if (std::is_sorted(first, end, isBefore))
     return;
   Q_EMIT layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
   const QModelIndexList before = persistentIndexList();
   std::vector<const void*> entries;
   for (const QModelIndex& index : before)
     entries.push_back(queueRow(index.row()).entry.get());
-  std::sort(rows_.begin(), rows_.end(), isBefore);
-  const QHash<const void*, int> now = placesOf(rows_);
+  std::sort(first, end, isBefore);
+  placesChanged();
+  const Places now = middle.placesIn(rows_);
   QModelIndexList after;
   for (qsizetype i = 0; i < before.size(); ++i)
-    after.append(index(now.value(entries[static_cast<std::size_t>(i)]), before[i].column()));
+    after.append(index(now.value(entries[static_cast<std::size_t>(i)], before[i].row()),
+                       before[i].column()));
   changePersistentIndexList(before, after);
   Q_EMIT layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
@@ -151,8 +176,22 @@ void QueueModel::tellChanges(std::vector<QueuedSign>& rows) {
   }
 }
 
+void QueueModel::placesChanged() {
+  places_.clear();
+  searches_ = 0;
+}
+
 int QueueModel::rowOf(const Strip::Entry& entry) const {
-  return entry ? places_.value(entry.get(), -1) : -1;
+  if (!entry)
+    return -1;
+  if (places_.isEmpty() && ++searches_ <= MostSearches) {
+    const auto found = std::find_if(rows_.begin(), rows_.end(),
+                                    [&](const QueuedSign& row) { return row.entry == entry; });
+    return found == rows_.end() ? -1 : static_cast<int>(found - rows_.begin());
+  }
+  if (places_.isEmpty())
+    places_ = Middle().placesIn(rows_);
+  return places_.value(entry.get(), -1);
 }
 
 int QueueModel::firstWaitingRow() const {
@@ -299,9 +338,8 @@ bool QueueModel::replace(int row, const Ref<ZQTickerSign>& sign,
     return false;
   }
   // The row goes on as that of the new sign, with its indexes and its editor.
-  places_.remove(edited.entry.get());
-  places_.insert(replaced.get(), row);
   edited.entry = replaced;
+  placesChanged();
   refresh();
   return true;
 }

@@ -52,10 +52,13 @@ class QueueModel : public QAbstractTableModel {
   Q_SIGNAL void editRefused(const QString& why);
 
  private:
-  void removeGone(const QHash<const void*, int>& places);
-  void reorder(const QHash<const void*, int>& places);
+  struct Middle;
+
   void takeOver(std::vector<QueuedSign> rows);
-  bool takeOverStepwise(const std::vector<QueuedSign>& rows, const QHash<const void*, int>& places);
+  bool takeOverStepwise(const std::vector<QueuedSign>& rows, const Middle& middle);
+  void removeGone(const QHash<const void*, int>& places, const Middle& middle);
+  void reorder(const QHash<const void*, int>& places, const Middle& middle);
+  void placesChanged();
   void tellChanges(std::vector<QueuedSign>& rows);
   bool setText(int row, const QString& text);
   bool setLoopsLeft(int row, std::int64_t loopsLeft);
@@ -65,7 +68,9 @@ class QueueModel : public QAbstractTableModel {
   QueueSource& source_;
   std::optional<std::uint64_t> revision_;
   std::vector<QueuedSign> rows_;
-  QHash<const void*, int> places_; // of the entries
+  // The rows of the entries, made when many of them are looked for; empty until then.
+  mutable QHash<const void*, int> places_;
+  mutable int searches_ = 0;
 };
 
 } // namespace zq::app
