@@ -7,6 +7,8 @@ set(bus_SOURCES
     bus/BusObject.cpp
     bus/BusObject.h
     bus/BusRequest.h
+    bus/QuitCommand.cpp
+    bus/QuitCommand.h
     bus/SessionBus.cpp
     bus/SessionBus.h
     bus/TickerClient.cpp

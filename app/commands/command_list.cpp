@@ -1,4 +1,5 @@
 // Every command of the program: one line for each room.
+#include "app/bus/QuitCommand.h"
 #include "app/commands/AppearanceCommand.h"
 #include "app/commands/ArchiveCommand.h"
 #include "app/commands/Command.h"
@@ -22,6 +23,7 @@ using Room = const std::vector<Command>& (*)();
 constexpr Room Rooms[] = {
     stripCommands,
     settingsCommands,
+    quitCommands,
     postCommands,
     serviceCommands,
     archiveCommands,

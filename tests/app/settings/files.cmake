@@ -4,6 +4,7 @@ set(app_settings_SOURCES
     SettingsStoreTest.cpp
     SettingsWindowTest.cpp
     SeveralScreensTest.cpp
+    TickerCommandsTest.cpp
     TickerSettingsTest.cpp
     autostartTest.cpp
     run_settingsTest.cpp
