@@ -6,6 +6,7 @@ set(app_queue_SOURCES
     QueueScreenTest.cpp
     QueueWindowTest.cpp
     SignFilesTest.cpp
+    ThumbnailsTest.cpp
     TickerQueueTest.cpp)
 
 add_executable(zqticker-queue-probe queue/QueueProbe.cpp)
