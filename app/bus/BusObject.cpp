@@ -6,22 +6,22 @@
 #include "app/bus/ticker_interface.h"
 #include "zqticker/version.h"
 
-#include <QtCore/QDeadlineTimer>
-#include <QtCore/QLoggingCategory>
+#include <QtCore/QTimer>
 #include <QtDBus/QDBusVariant>
 
-#include <mutex>
 #include <utility>
+
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
 namespace {
-Q_LOGGING_CATEGORY(busLog, "zqticker.bus")
-
-constexpr int SilenceMilliseconds = 10'000; // between two lines of log
-constexpr qsizetype LongestReason = 300;
+constexpr qsizetype LargeBytes = qsizetype(1) << 20;
+constexpr int TrimMilliseconds = 1000; // between two times, at least
 
 void answerProperties(const QDBusMessage& call, const QDBusConnection& connection) {
   const QVariant version = QStringLiteral(ZQTICKER_VERSION);
@@ -41,23 +41,6 @@ void answerProperties(const QDBusMessage& call, const QDBusConnection& connectio
     connection.send(call.createErrorReply(QDBusError::InvalidArgs, u"no such method"_s));
 }
 } // namespace
-
-void logRefusal(const QString& sender, const QString& reason) {
-  static std::mutex mutex;
-  static QDeadlineTimer silence(0);
-  static std::uint64_t unsaid = 0;
-  const std::lock_guard lock(mutex);
-  if (!silence.hasExpired()) {
-    ++unsaid;
-    return;
-  }
-  silence.setRemainingTime(SilenceMilliseconds);
-  const QString more =
-      unsaid == 0 ? QString() : u" (and %1 more messages before that)"_s.arg(unsaid);
-  unsaid = 0;
-  qCWarning(busLog).noquote().nospace()
-      << "a message from " << sender << " is not shown: " << reason.left(LongestReason) << more;
-}
 
 BusObject::BusObject(BusInbox& inbox, std::function<void()> wake)
     : inbox_(inbox), wake_(std::move(wake)) {}
@@ -82,6 +65,10 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
   try {
     handleCall(message, connection);
   } catch (const BusFailure& failure) {
+    if (failure.kind() == BusFailure::Kind::TooMuch) {
+      refusals_.note(message.service(), failure.message());
+      trimMemoryLater();
+    }
     connection.send(message.createErrorReply(failure.errorName(), failure.message()));
   }
   return true;
@@ -102,11 +89,14 @@ void BusObject::notified(const QDBusMessage& signal) {
   try {
     put({readNotification(signal), signal, QDBusConnection(QString())});
   } catch (const BusFailure& failure) {
-    logRefusal(signal.service(), failure.message());
+    refusals_.note(signal.service(), failure.message());
+    trimMemoryLater();
   }
 }
 
 void BusObject::put(PendingRequest&& pending) {
+  if (pending.request.bytes >= LargeBytes)
+    trimMemoryLater();
   switch (inbox_.put(std::move(pending))) {
   case BusInbox::Admission::First:
     wake_();
@@ -116,6 +106,19 @@ void BusObject::put(PendingRequest&& pending) {
   case BusInbox::Admission::Refused:
     throw BusFailure(BusFailure::Kind::TooMuch, u"too many messages wait"_s);
   }
+}
+
+// What the library beneath reads into grows step by step, in blocks that the allocator would keep:
+// more than a hundred megabytes after a message of fifty.
+void BusObject::trimMemoryLater() {
+#ifdef __GLIBC__
+  if (std::exchange(isTrimDue_, true))
+    return;
+  QTimer::singleShot(TrimMilliseconds, this, [this] {
+    isTrimDue_ = false;
+    ::malloc_trim(0);
+  });
+#endif
 }
 
 } // namespace zq::app

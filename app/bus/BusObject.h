@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/bus/BusInbox.h"
+#include "app/bus/RefusalLog.h"
 
 #include <QtDBus/QDBusVirtualObject>
 
@@ -31,13 +32,13 @@ class BusObject : public QDBusVirtualObject {
  private:
   void handleCall(const QDBusMessage& call, const QDBusConnection& connection);
   void put(PendingRequest&& pending);
+  // The memory of a large message is given back to the system, once it has been freed.
+  void trimMemoryLater();
 
   BusInbox& inbox_;
   std::function<void()> wake_;
+  RefusalLog refusals_;
+  bool isTrimDue_ = false;
 };
-
-// "zqticker.bus": logs a message that was refused and has no reply to say so in. Lines that come
-// too often are counted instead. Thread: any.
-void logRefusal(const QString& sender, const QString& reason);
 
 } // namespace zq::app

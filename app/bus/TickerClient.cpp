@@ -192,8 +192,8 @@ void TickerClient::arrangeSigns(const QStringList& identifiers, Callback callbac
 
 BusReply TickerClient::run(const QStringList& arguments, const QString& folder, int standardInput) {
   QList<QDBusUnixFileDescriptor> descriptors;
-  if (standardInput >= 0)
-    descriptors.append(QDBusUnixFileDescriptor(standardInput));
+  if (const QDBusUnixFileDescriptor descriptor(standardInput); descriptor.isValid())
+    descriptors.append(descriptor);
   return call(makeCall(u"Run"_s, {arguments, folder, QVariant::fromValue(descriptors)}));
 }
 

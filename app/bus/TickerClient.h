@@ -70,7 +70,8 @@ class TickerClient : public QObject {
   void removeSign(const QString& identifier, Callback callback);
   BusReply arrangeSigns(const QStringList& identifiers);
   void arrangeSigns(const QStringList& identifiers, Callback callback);
-  // `standardInput` is a descriptor that the ticker gets a duplicate of; -1 for none.
+  // `standardInput` is a descriptor that the ticker gets a duplicate of; one that is not open is
+  // left out.
   BusReply run(const QStringList& arguments, const QString& folder, int standardInput = -1);
   BusReply showQueue();
   BusReply showSettings();

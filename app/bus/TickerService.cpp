@@ -4,6 +4,7 @@
 #include "app/bus/BusObject.h"
 #include "app/bus/TickerReceiver.h"
 #include "app/bus/bus_names.h"
+#include "app/bus/receive_limits.h"
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QLoggingCategory>
@@ -24,6 +25,7 @@ Q_LOGGING_CATEGORY(busLog, "zqticker.bus")
 // Of a turn of the event loop; a frame of 60 a second has 16.
 constexpr int MillisecondsAtOnce = 4;
 constexpr int CallMilliseconds = 10'000;
+constexpr int FarewellMilliseconds = 1000;
 
 // Requests and replies of the bus for names.
 constexpr uint DoNotQueue = 4;
@@ -82,7 +84,12 @@ TickerService::TickerService(std::optional<QString> address, QObject* parent)
 }
 
 TickerService::~TickerService() {
-  QDBusConnection(bus_.connection()).unregisterObject(TickerObjectPath);
+  QDBusConnection connection = bus_.connection();
+  connection.unregisterObject(TickerObjectPath);
+  // Waits for the reply: whoever asks for the name afterwards gets it.
+  if (isExported_)
+    connection.call(busCall(u"ReleaseName"_s, {QString(TickerBusName)}), QDBus::Block,
+                    FarewellMilliseconds);
   thread_.quit();
   thread_.wait();
 }
@@ -95,6 +102,7 @@ TickerService::Start TickerService::start() {
 TickerService::Start TickerService::join(bool waitsForName) {
   QDBusConnection connection = bus_.connection();
   if (!std::exchange(isExported_, true)) {
+    liftReceiveLimits(connection);
     connection.registerVirtualObject(TickerObjectPath, object_.get());
     connection.connect(BusDaemonName, BusDaemonPath, BusDaemonName, u"NameAcquired"_s, this,
                        SLOT(nameAcquired(QString)));

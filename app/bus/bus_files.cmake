@@ -9,10 +9,14 @@ set(bus_SOURCES
     bus/BusRequest.h
     bus/QuitCommand.cpp
     bus/QuitCommand.h
+    bus/RefusalLog.cpp
+    bus/RefusalLog.h
     bus/SessionBus.cpp
     bus/SessionBus.h
     bus/TickerClient.cpp
     bus/TickerClient.h
+    bus/TickerOnBus.cpp
+    bus/TickerOnBus.h
     bus/TickerReceiver.h
     bus/TickerService.cpp
     bus/TickerService.h
@@ -23,6 +27,8 @@ set(bus_SOURCES
     bus/bus_values.h
     bus/hand_over.cpp
     bus/hand_over.h
+    bus/receive_limits.cpp
+    bus/receive_limits.h
     bus/request_reading.cpp
     bus/request_reading.h
     bus/ticker_interface.cpp

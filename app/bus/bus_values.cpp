@@ -16,6 +16,23 @@ constexpr qsizetype BytesOfOthers = 16;
   throw BusFailure(BusFailure::Kind::TooMuch, what);
 }
 
+// A container that is being read. It is left in any case: one that was not would keep the whole
+// message for ever.
+class Reading {
+ public:
+  using Step = void (QDBusArgument::*)() const;
+
+  Reading(const QDBusArgument& argument, Step begin, Step end) : argument_(argument), end_(end) {
+    (argument_.*begin)();
+  }
+  ~Reading() { (argument_.*end_)(); }
+  Reading(const Reading&) = delete;
+
+ private:
+  const QDBusArgument& argument_;
+  Step end_;
+};
+
 template <typename T>
 bool holds(const QVariant& value) {
   return value.metaType() == QMetaType::fromType<T>();
@@ -54,30 +71,33 @@ QVariant PlainValues::plain(const QVariant& value, int depth) {
   return holds<QDBusUnixFileDescriptor>(value) ? QVariant() : value;
 }
 
+QVariant PlainValues::plainElements(const QDBusArgument& container, int depth) {
+  QVariantList list;
+  while (!container.atEnd())
+    list.append(plain(container.asVariant(), depth + 1));
+  return list;
+}
+
 QVariant PlainValues::plainContainer(const QVariant& value, int depth) {
   const auto argument = value.value<QDBusArgument>();
   switch (argument.currentType()) {
   case QDBusArgument::MapType: {
     QVariantMap map;
-    argument.beginMap();
+    const Reading reading(argument, &QDBusArgument::beginMap, &QDBusArgument::endMap);
     while (!argument.atEnd()) {
-      argument.beginMapEntry();
+      const Reading entry(argument, &QDBusArgument::beginMapEntry, &QDBusArgument::endMapEntry);
       const QString key = plain(argument.asVariant(), depth + 1).toString();
       map.insert(key, plain(argument.asVariant(), depth + 1));
-      argument.endMapEntry();
     }
-    argument.endMap();
     return map;
   }
-  case QDBusArgument::ArrayType:
+  case QDBusArgument::ArrayType: {
+    const Reading reading(argument, &QDBusArgument::beginArray, &QDBusArgument::endArray);
+    return plainElements(argument, depth);
+  }
   case QDBusArgument::StructureType: {
-    const bool isArray = argument.currentType() == QDBusArgument::ArrayType;
-    QVariantList list;
-    isArray ? argument.beginArray() : argument.beginStructure();
-    while (!argument.atEnd())
-      list.append(plain(argument.asVariant(), depth + 1));
-    isArray ? argument.endArray() : argument.endStructure();
-    return list;
+    const Reading reading(argument, &QDBusArgument::beginStructure, &QDBusArgument::endStructure);
+    return plainElements(argument, depth);
   }
   case QDBusArgument::BasicType:
   case QDBusArgument::VariantType:

@@ -3,6 +3,8 @@
 
 #include <QtCore/QVariant>
 
+class QDBusArgument;
+
 namespace zq::app {
 
 // What a value may hold in all, so that a sender cannot make much of little.
@@ -30,6 +32,7 @@ class PlainValues {
  private:
   QVariant plain(const QVariant& value, int depth);
   QVariant plainContainer(const QVariant& value, int depth);
+  QVariant plainElements(const QDBusArgument& container, int depth);
   void countBytes(qsizetype bytes);
 
   ValueLimits limits_;

@@ -30,7 +30,7 @@ RunClaim claimTicker(TickerService& service, const QStringList& arguments, int s
     const BusReply reply = client.run(arguments, QDir::currentPath(), standardInput);
     if (reply.ok)
       return RunClaim::IsHandedOver;
-    if (!reply.isUnreachable())
+    if (client.hasTicker())
       throw RunTimeError(reply.errorMessage);
   }
   throw RunTimeError(u"the ticker that is running cannot be reached"_s);

@@ -15,7 +15,7 @@ enum class RunClaim {
 };
 
 // Claims the name, or hands the arguments, those after `run`, to the ticker that owns it, with the
-// working folder and a duplicate of `standardInput` (-1 for none). Raises RunTimeError with what
+// working folder and a duplicate of `standardInput`, if that is open. Raises RunTimeError with what
 // that ticker says against it. Of several programs that start at once, one is the ticker.
 RunClaim claimTicker(TickerService& service, const QStringList& arguments, int standardInput = -1);
 

@@ -52,9 +52,10 @@ QDBusUnixFileDescriptor readDescriptor(const QVariant& value) {
   argument.beginArray();
   if (!argument.atEnd())
     argument >> descriptor;
-  if (!argument.atEnd())
-    throw BusFailure(BusFailure::Kind::InvalidArguments, u"Run takes one descriptor at most"_s);
+  const bool hasMore = !argument.atEnd();
   argument.endArray();
+  if (hasMore)
+    throw BusFailure(BusFailure::Kind::InvalidArguments, u"Run takes one descriptor at most"_s);
   return descriptor;
 }
 

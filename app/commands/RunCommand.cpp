@@ -1,5 +1,8 @@
 #include "app/commands/RunCommand.h"
 
+#include "app/bus/TickerOnBus.h"
+#include "app/bus/TickerService.h"
+#include "app/bus/hand_over.h"
 #include "app/commands/RenderCommand.h"
 #include "app/commands/failures.h"
 #include "app/commands/interrupts.h"
@@ -24,6 +27,8 @@ constexpr double RenderedSeconds = 10;
 constexpr double RenderedRate = 10;
 constexpr double PatienceSeconds = 5;
 constexpr QSizeF RenderedRoom(1280, 720);
+
+const QString NoBusMessage = u"no session bus: messages from other programs cannot be received"_s;
 } // namespace
 
 bool hasDisplay() {
@@ -38,17 +43,30 @@ bool hasDisplay() {
 int runCommand(const QStringList& arguments) {
   SettingsStore settings;
   RunOptions options = readRunOptionsOver(settings.settings(), arguments);
-  requireSomethingToShow(options.strip, u"run"_s);
   requireScreen(options);
-  leaveOutUnknownFont(options);
   Interrupts interrupts;
+  TickerService service(options.isSeparate ? std::nullopt : sessionBusAddress());
+  const int standardInput = options.strip.readsStandardInput ? STDIN_FILENO : -1;
+  const RunClaim claim = claimTicker(service, arguments, standardInput);
+  if (claim == RunClaim::IsHandedOver)
+    return Success;
+  if (claim == RunClaim::IsAlone) {
+    requireSomethingToShow(options.strip, u"run"_s);
+    if (!options.isSeparate && !isSessionBusSwitchedOff())
+      printError(NoBusMessage);
+  }
+  leaveOutUnknownFont(options);
   Ticker ticker(options);
+  ticker.setWaiting(claim == RunClaim::IsTicker && !options.showsOwn());
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
+  TickerOnBus receiver(ticker, {{}, {}, [] { QCoreApplication::quit(); }});
+  service.setReceiver(&receiver);
   QObject::connect(&ticker, &Ticker::finished, qApp, &QCoreApplication::quit);
   QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);
   QCoreApplication::exec();
+  service.setReceiver(nullptr);
   return Success;
 }
 

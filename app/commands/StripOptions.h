@@ -62,6 +62,7 @@ struct RunOptions {
   Edge edge = Edge::Automatic;
   QString screen; // its name; empty for the primary one
   bool showsControlBar = true;
+  bool isSeparate = false; // it is not the session's ticker, and hands nothing over to that
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 

@@ -154,6 +154,11 @@ OptionTable makeRunTable() {
        {},
        u"Show no buttons for back, pause, forward and the menu while the pointer rests on the "
        u"strip. The menu under the right mouse button has them all."_s});
+  table.options.push_back(
+      {u"separate"_s,
+       {},
+       u"Open a strip of its own, which other programs do not reach, where a ticker runs "
+       u"already."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
       StandardInputNote,
@@ -165,6 +170,10 @@ OptionTable makeRunTable() {
       u"one that is leaving, or, where that has just begun to, of the one before; at most 50 signs "
       u"back, less where they are long lines, and not beyond the last change of the strip's size. "
       u"Its look is \"ControlBarButton.button\", see zqticker appearance --help."_s,
+      u"One ticker runs in a session. Where one runs already, the program hands over what it is to "
+      u"show, with its standard input, and ends at once; size, place and look stay those of the "
+      u"first one. Without anything to show it waits for what other programs send, see zqticker "
+      u"post --help. Where there is no session bus, every run is a ticker of its own."_s,
       u"The program ends when all signs have been shown as often as they ask for and standard "
       u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu of the control bar "
       u"and under the right mouse button. With --feed, --tail or --watch it does not end by "

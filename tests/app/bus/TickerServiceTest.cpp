@@ -81,6 +81,7 @@ TEST_F(BusTicker, TakesContainersApart) {
 }
 
 TEST_F(BusTicker, RefusesWhatIsNestedTooDeep) {
+  expectLog(u"containers nested more than 8 deep"_s);
   QVariant nested = u"core"_s;
   for (int i = 0; i < 20; ++i)
     nested = QVariantList{nested};
@@ -91,6 +92,7 @@ TEST_F(BusTicker, RefusesWhatIsNestedTooDeep) {
 }
 
 TEST_F(BusTicker, RefusesTooManyValues) {
+  expectLog(u"more than 10000 values"_s);
   QVariantList many(20'000, QVariant(1));
   EXPECT_EQ(display({{u"actionData"_s, many}}).errorMessage, u"more than 10000 values"_s);
   QStringList strings(20'000, u"s"_s);
@@ -99,6 +101,7 @@ TEST_F(BusTicker, RefusesTooManyValues) {
 }
 
 TEST_F(BusTicker, RefusesAPictureOfFiftyMegabytes) {
+  expectLog(u"more than 33554432 bytes"_s);
   const BusReply result = display({{u"image"_s, QByteArray(50 << 20, 'x')}});
   EXPECT_EQ(result.errorName, TooMuchErrorName);
   EXPECT_EQ(result.errorMessage, u"more than 33554432 bytes"_s);
@@ -283,6 +286,7 @@ TEST_F(BusTicker, KeepsTheEventLoopGoingWhileManyMessagesWait) {
 }
 
 TEST_F(BusTicker, LetsOthersThroughAFloodWhileAnotherThreadSendsIt) {
+  expectLog(u"too many messages wait"_s); // once
   // The receiver takes nothing while the flood comes.
   service_->setReceiver(nullptr);
   std::thread flood([&] {

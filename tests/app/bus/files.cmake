@@ -1,7 +1,9 @@
 set(app_bus_SOURCES
     BusInboxTest.cpp
     BusTicker.h
+    BusProgramTest.cpp
     BusToolsTest.cpp
+    ByCopyTest.cpp
     FakeReceiver.h
     PrivateBus.cpp
     PrivateBus.h

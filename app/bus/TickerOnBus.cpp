@@ -1,0 +1,108 @@
+#include "app/bus/TickerOnBus.h"
+
+#include "app/bus/BusFailure.h"
+#include "app/commands/failures.h"
+#include "app/display/FrameClock.h"
+#include "app/intake/sign_archives.h"
+#include "app/ticker/Ticker.h"
+
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace zq::app {
+
+namespace {
+using Kind = BusFailure::Kind;
+
+MessageIntake::Host hostOf(Ticker& ticker) {
+  return {[&] { return MessageStyle::of(ticker.display()); },
+          [&](const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin,
+              MessageIntake::Order order) {
+            return ticker.show(sign, origin, order == MessageIntake::Order::Arranged);
+          },
+          // Limits go on while this program is kept from running.
+          &FrameClock::now};
+}
+
+// The intake's exceptions as the bus knows them.
+template <typename Function>
+auto withBusFailures(Function function) {
+  try {
+    return function();
+  } catch (const MessageError& error) {
+    throw BusFailure(Kind::InvalidMessage, error.message());
+  } catch (const SignError& error) {
+    throw BusFailure(Kind::InvalidSign, error.message());
+  } catch (const LimitError& error) {
+    throw BusFailure(Kind::TooMuch, error.message());
+  }
+}
+
+void callIfThere(const std::function<void()>& function) {
+  if (!function)
+    throw BusFailure(Kind::Failed, u"not available"_s);
+  function();
+}
+} // namespace
+
+TickerOnBus::TickerOnBus(Ticker& ticker, Program program)
+    : ticker_(ticker), program_(std::move(program)), intake_(hostOf(ticker)) {}
+
+TickerOnBus::~TickerOnBus() = default;
+
+QString TickerOnBus::displayMessage(const QVariantMap& message, const BusSender& sender) {
+  return withBusFailures([&] { return intake_.takeMessage(message, sender.name); });
+}
+
+void TickerOnBus::displayNotification(const QVariantMap& message, const BusSender& sender) {
+  try {
+    intake_.takeMessage(message, sender.name);
+  } catch (const LimitError&) {
+    // The intake has logged it.
+  } catch (const std::exception& error) {
+    refusals_.note(sender.name, QString::fromUtf8(error.what()));
+  }
+}
+
+QString TickerOnBus::displaySign(const QByteArray& archive, const QVariantMap& origin,
+                                 const BusSender& sender) {
+  return withBusFailures([&] { return intake_.takeSign(archive, origin, sender.name); });
+}
+
+bool TickerOnBus::removeSign(const QString& identifier, const BusSender& sender) {
+  return withBusFailures([&] {
+    intake_.admitCall(sender.bytes, sender.name);
+    return ticker_.remove(identifier);
+  });
+}
+
+void TickerOnBus::arrangeSigns(const QStringList& identifiers, const BusSender& sender) {
+  withBusFailures([&] {
+    intake_.admitCall(sender.bytes, sender.name);
+    ticker_.arrange(identifiers);
+  });
+}
+
+void TickerOnBus::run(const QStringList& arguments, const QString& folder,
+                      const QDBusUnixFileDescriptor& standardInput) {
+  try {
+    ticker_.run(arguments, folder, standardInput);
+  } catch (const CommandFailure& failure) {
+    throw BusFailure(Kind::Failed, failure.message());
+  }
+}
+
+void TickerOnBus::showQueue() {
+  callIfThere(program_.showQueue);
+}
+
+void TickerOnBus::showSettings() {
+  callIfThere(program_.showSettings);
+}
+
+void TickerOnBus::quit() {
+  program_.quit();
+}
+
+} // namespace zq::app
