@@ -8,6 +8,7 @@
 #include "zqticker/platform/objects/Exception.h"
 #include "zqticker/version.h"
 
+#include <QtGui/QIcon>
 #include <QtWidgets/QApplication>
 
 #include <exception>
@@ -84,6 +85,8 @@ int runOnDisplay(const Command& command, const QStringList& arguments, char** ar
   QApplication application(argc, argv);
   argumentsWhileConnecting = nullptr;
   QApplication::setQuitOnLastWindowClosed(false);
+  QGuiApplication::setDesktopFileName(u"org.zqticker.Ticker"_s);
+  QGuiApplication::setWindowIcon(QIcon::fromTheme(QGuiApplication::desktopFileName()));
   return command.run(arguments);
 }
 

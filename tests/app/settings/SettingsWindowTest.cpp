@@ -200,6 +200,19 @@ TEST_F(SettingsDialog, ChoosesColorsInADialog) {
   EXPECT_EQ(nameOf(&color), u"Background color: #80010203"_s);
 }
 
+TEST_F(SettingsDialog, FramesColorsInTheColorOfTexts) {
+  ColorButton& button = named<ColorButton>(u"Background"_s);
+  const auto frame = [&] {
+    return button.icon().pixmap(button.iconSize()).toImage().pixelColor(0, 0);
+  };
+  for (const QColor& text : {QColor(Qt::black), QColor(Qt::white)}) {
+    QPalette palette = window.palette();
+    palette.setColor(QPalette::ButtonText, text);
+    window.setPalette(palette);
+    EXPECT_EQ(frame(), text) << "white paper is to be seen on white buttons";
+  }
+}
+
 TEST_F(SettingsDialog, AddsAndRemovesFeeds) {
   turnTo(2);
   auto& address = named<QLineEdit>(u"Address"_s);
