@@ -3,4 +3,5 @@ set(app_services_SOURCES
     BusTickerLinkTest.cpp
     FakeTickerLink.h
     ServiceProgramTest.cpp
+    ServiceScreenTest.cpp
     SignSenderTest.cpp)
