@@ -61,7 +61,8 @@ int runCommand(const QStringList& arguments) {
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
-  TickerOnBus receiver(ticker, {{}, {}, [] { QCoreApplication::quit(); }});
+  TickerOnBus receiver(ticker,
+                       {{}, [&] { ticker.showSettings(); }, [] { QCoreApplication::quit(); }});
   service.setReceiver(&receiver);
   QObject::connect(&ticker, &Ticker::finished, qApp, &QCoreApplication::quit);
   QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);

@@ -34,6 +34,26 @@ TEST_F(TickerCommands, OpenTheSettingsOfTheTicker) {
   EXPECT_EQ(receiver_.settingsCount, 1);
 }
 
+TEST(TickerCommandsAlone, OpenAWindowInTheTickerThatRunsAndEndIt) {
+  if (!PrivateBus::isInstalled() || !XServer::isInstalled())
+    GTEST_SKIP() << "dbus-daemon or Xvfb is not installed";
+  const PrivateBus bus;
+  ASSERT_TRUE(bus.isRunning());
+  const XServer server(800, 600);
+  ASSERT_FALSE(server.display().isEmpty());
+  RunningProgram ticker({u"run"_s, u"--stdin"_s}, bus.environment(server.environment()));
+  zq::app::TickerClient client(bus.address());
+  ASSERT_TRUE(waitUntil([&] { return client.hasTicker(); }));
+  const auto middle = [&] { return server.screenshot().copy(200, 100, 400, 400); };
+  const QImage before = middle();
+  RunningProgram settings({u"settings"_s}, bus.environment(server.environment()));
+  EXPECT_EQ(settings.awaitStatus(), 0);
+  EXPECT_EQ(settings.process().readAllStandardError(), "");
+  EXPECT_TRUE(waitUntil([&] { return middle() != before; }));
+  EXPECT_EQ(runOnBus({u"quit"_s}, bus).status, 0);
+  EXPECT_EQ(ticker.awaitStatus(), 0);
+}
+
 TEST(TickerCommandsAlone, SayThatNoTickerRuns) {
   if (!PrivateBus::isInstalled())
     GTEST_SKIP() << "dbus-daemon is not installed";
