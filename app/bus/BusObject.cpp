@@ -6,23 +6,15 @@
 #include "app/bus/ticker_interface.h"
 #include "zqticker/version.h"
 
-#include <QtCore/QTimer>
 #include <QtDBus/QDBusVariant>
 
 #include <utility>
-
-#ifdef __GLIBC__
-#include <malloc.h>
-#endif
 
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
 namespace {
-constexpr qsizetype LargeBytes = qsizetype(1) << 20;
-constexpr int TrimMilliseconds = 1000; // between two times, at least
-
 void answerProperties(const QDBusMessage& call, const QDBusConnection& connection) {
   const QVariant version = QStringLiteral(ZQTICKER_VERSION);
   const QString interface = call.arguments().value(0).toString();
@@ -65,10 +57,8 @@ bool BusObject::handleMessage(const QDBusMessage& message, const QDBusConnection
   try {
     handleCall(message, connection);
   } catch (const BusFailure& failure) {
-    if (failure.kind() == BusFailure::Kind::TooMuch) {
+    if (failure.kind() == BusFailure::Kind::TooMuch)
       refusals_.note(message.service(), failure.message());
-      trimMemoryLater();
-    }
     connection.send(message.createErrorReply(failure.errorName(), failure.message()));
   }
   return true;
@@ -90,13 +80,10 @@ void BusObject::notified(const QDBusMessage& signal) {
     put({readNotification(signal), signal, QDBusConnection(QString())});
   } catch (const BusFailure& failure) {
     refusals_.note(signal.service(), failure.message());
-    trimMemoryLater();
   }
 }
 
 void BusObject::put(PendingRequest&& pending) {
-  if (pending.request.bytes >= LargeBytes)
-    trimMemoryLater();
   switch (inbox_.put(std::move(pending))) {
   case BusInbox::Admission::First:
     wake_();
@@ -106,19 +93,6 @@ void BusObject::put(PendingRequest&& pending) {
   case BusInbox::Admission::Refused:
     throw BusFailure(BusFailure::Kind::TooMuch, u"too many messages wait"_s);
   }
-}
-
-// What the library beneath reads into grows step by step, in blocks that the allocator would keep:
-// more than a hundred megabytes after a message of fifty.
-void BusObject::trimMemoryLater() {
-#ifdef __GLIBC__
-  if (std::exchange(isTrimDue_, true))
-    return;
-  QTimer::singleShot(TrimMilliseconds, this, [this] {
-    isTrimDue_ = false;
-    ::malloc_trim(0);
-  });
-#endif
 }
 
 } // namespace zq::app

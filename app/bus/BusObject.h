@@ -32,13 +32,10 @@ class BusObject : public QDBusVirtualObject {
  private:
   void handleCall(const QDBusMessage& call, const QDBusConnection& connection);
   void put(PendingRequest&& pending);
-  // The memory of a large message is given back to the system, once it has been freed.
-  void trimMemoryLater();
 
   BusInbox& inbox_;
   std::function<void()> wake_;
   RefusalLog refusals_;
-  bool isTrimDue_ = false;
 };
 
 } // namespace zq::app
