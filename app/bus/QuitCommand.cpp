@@ -1,6 +1,6 @@
 #include "app/bus/QuitCommand.h"
 
-#include "app/bus/TickerClient.h"
+#include "app/bus/ticker_request.h"
 #include "app/commands/failures.h"
 
 using namespace Qt::StringLiterals;
@@ -8,30 +8,26 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 namespace {
+OptionTable makeQuitTable() {
+  OptionTable table;
+  table.command = u"quit"_s;
+  table.brief = u"end the running ticker"_s;
+  table.summary = u"Ends the running ticker, as Quit in its menu does. What is queued is gone with "
+                  u"it, unless it was saved from the queue window."_s;
+  table.options = {{u"help"_s, {}, u"Print this text."_s}};
+  table.exitStatus = u"0, 1 where no ticker runs or there is no session bus, 2 for a wrong command "
+                     u"line."_s;
+  return table;
+}
+
 const OptionTable& quitTable() {
-  static const OptionTable table = [] {
-    OptionTable made;
-    made.command = u"quit"_s;
-    made.brief = u"end the running ticker"_s;
-    made.summary = u"Ends the running ticker, with whatever it shows."_s;
-    made.options = {{u"help"_s, {}, u"Print this text."_s}};
-    made.exitStatus =
-        u"0, 1 where no ticker runs or there is no session bus, 2 for a wrong command line."_s;
-    return made;
-  }();
+  static const OptionTable table = makeQuitTable();
   return table;
 }
 
 int quitCommand(const QStringList& arguments) {
   parseOptions(quitTable(), arguments);
-  TickerClient client;
-  if (!client.hasBus())
-    throw RunTimeError(u"quit: no session bus, so no running ticker can be asked"_s);
-  const BusReply reply = client.quit();
-  if (reply.isUnreachable())
-    throw RunTimeError(u"quit: no ticker is running"_s);
-  if (!reply.ok)
-    throw RunTimeError(u"quit: "_s + reply.errorMessage);
+  askRunningTicker(quitTable().command, &TickerClient::quit);
   return Success;
 }
 } // namespace

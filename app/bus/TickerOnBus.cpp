@@ -38,16 +38,10 @@ auto withBusFailures(Function function) {
     throw BusFailure(Kind::TooMuch, error.message());
   }
 }
-
-void callIfThere(const std::function<void()>& function) {
-  if (!function)
-    throw BusFailure(Kind::Failed, u"not available"_s);
-  function();
-}
 } // namespace
 
-TickerOnBus::TickerOnBus(Ticker& ticker, Program program)
-    : ticker_(ticker), program_(std::move(program)), intake_(hostOf(ticker)) {}
+TickerOnBus::TickerOnBus(Ticker& ticker, std::function<void()> quit)
+    : ticker_(ticker), quit_(std::move(quit)), intake_(hostOf(ticker)) {}
 
 TickerOnBus::~TickerOnBus() = default;
 
@@ -94,15 +88,15 @@ void TickerOnBus::run(const QStringList& arguments, const QString& folder,
 }
 
 void TickerOnBus::showQueue() {
-  callIfThere(program_.showQueue);
+  ticker_.showQueue();
 }
 
 void TickerOnBus::showSettings() {
-  callIfThere(program_.showSettings);
+  ticker_.showSettings();
 }
 
 void TickerOnBus::quit() {
-  program_.quit();
+  quit_();
 }
 
 } // namespace zq::app

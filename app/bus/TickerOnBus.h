@@ -17,16 +17,8 @@ class Ticker;
 // Thread: main.
 class TickerOnBus : public TickerReceiver {
  public:
-  // What the program around the ticker does. A window that is missing here fails as "not
-  // available".
-  struct Program {
-    std::function<void()> showQueue;
-    std::function<void()> showSettings;
-    std::function<void()> quit;
-  };
-
-  // `ticker` must outlive the object.
-  TickerOnBus(Ticker& ticker, Program program);
+  // `ticker` must outlive the object; `quit` ends the program.
+  TickerOnBus(Ticker& ticker, std::function<void()> quit);
   ~TickerOnBus() override;
 
   QString displayMessage(const QVariantMap& message, const BusSender& sender) override;
@@ -43,7 +35,7 @@ class TickerOnBus : public TickerReceiver {
 
  private:
   Ticker& ticker_;
-  Program program_;
+  std::function<void()> quit_;
   MessageIntake intake_;
   RefusalLog refusals_;
 };

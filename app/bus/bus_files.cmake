@@ -32,7 +32,9 @@ set(bus_SOURCES
     bus/request_reading.cpp
     bus/request_reading.h
     bus/ticker_interface.cpp
-    bus/ticker_interface.h)
+    bus/ticker_interface.h
+    bus/ticker_request.cpp
+    bus/ticker_request.h)
 
 # The object answers with the interface's description as it is shipped.
 set(interface_file "${CMAKE_CURRENT_LIST_DIR}/org.zqticker.Ticker1.xml")

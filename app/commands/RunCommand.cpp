@@ -61,8 +61,10 @@ int runCommand(const QStringList& arguments) {
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
-  TickerOnBus receiver(ticker,
-                       {{}, [&] { ticker.showSettings(); }, [] { QCoreApplication::quit(); }});
+  // Somebody who starts a ticker without anything to show wants to see that it is there.
+  if (claim == RunClaim::IsTicker && !options.isInBackground && !options.showsAnything())
+    ticker.showQueue();
+  TickerOnBus receiver(ticker, [] { QCoreApplication::quit(); });
   service.setReceiver(&receiver);
   QObject::connect(&ticker, &Ticker::finished, qApp, &QCoreApplication::quit);
   QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);

@@ -62,12 +62,15 @@ struct RunOptions {
   Edge edge = Edge::Automatic;
   QString screen; // its name; empty for the primary one
   bool showsControlBar = true;
-  bool isSeparate = false; // it is not the session's ticker, and hands nothing over to that
+  bool isSeparate = false;     // it is not the session's ticker, and hands nothing over to that
+  bool isInBackground = false; // opens no window where it has nothing to show
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 
   // Whether the command line names something to show.
   bool showsOwn() const;
+  // Whether the command line or the settings name something to show.
+  bool showsAnything() const { return showsOwn() || !strip.feeds.feeds.empty(); }
 };
 
 struct RenderOptions {

@@ -9,6 +9,8 @@ StripMenu::StripMenu(QWidget* parent)
       forward_(addAction(tr("Forward"))) {
   pause_->setCheckable(true);
   addSeparator();
+  queue_ = addAction(tr("Queue…"));
+  queue_->setVisible(false);
   settings_ = addAction(tr("Settings…"));
   settings_->setVisible(false);
   quit_ = addAction(tr("Quit"));

@@ -20,7 +20,8 @@ class StripMenu : public QMenu {
   // Checked while the strip is paused.
   QAction& pause() const { return *pause_; }
   QAction& forward() const { return *forward_; }
-  // Not to be seen at first, since not every strip has a settings window.
+  // Not to be seen at first, since not every strip has these windows.
+  QAction& queue() const { return *queue_; }
   QAction& settings() const { return *settings_; }
   QAction& quit() const { return *quit_; }
 
@@ -28,6 +29,7 @@ class StripMenu : public QMenu {
   QAction* back_;
   QAction* pause_;
   QAction* forward_;
+  QAction* queue_;
   QAction* settings_;
   QAction* quit_;
 };

@@ -1,6 +1,6 @@
 #include "app/queue/QueueCommand.h"
 
-#include "app/bus/TickerClient.h"
+#include "app/bus/ticker_request.h"
 #include "app/commands/failures.h"
 
 using namespace Qt::StringLiterals;
@@ -35,15 +35,7 @@ const OptionTable& queueTable() {
 
 int queueCommand(const QStringList& arguments) {
   parseOptions(queueTable(), arguments);
-  TickerClient client;
-  if (!client.hasBus())
-    throw RunTimeError(u"queue: no session bus, so no running ticker can be asked"_s);
-  client.setStartsTicker(false);
-  const BusReply reply = client.showQueue();
-  if (reply.isUnreachable())
-    throw RunTimeError(u"queue: no ticker is running (zqticker run starts one)"_s);
-  if (!reply.ok)
-    throw RunTimeError(u"queue: "_s + reply.errorMessage);
+  askRunningTicker(queueTable().command, &TickerClient::showQueue);
   return Success;
 }
 } // namespace

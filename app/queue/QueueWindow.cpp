@@ -349,8 +349,10 @@ void QueueWindow::showEvent(QShowEvent* event) {
 void QueueWindow::hideEvent(QHideEvent* event) {
   QWidget::hideEvent(event);
   scheduleRefresh();
-  if (!event->spontaneous())
-    keepState();
+  if (event->spontaneous())
+    return;
+  keepState();
+  Q_EMIT closed();
 }
 
 void QueueWindow::changeEvent(QEvent* event) {

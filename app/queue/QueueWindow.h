@@ -45,6 +45,9 @@ class QueueWindow : public QWidget {
   QueueTable& table() { return *table_; }
   QueueModel& model() { return model_; }
   QueueEditor& editor() { return *editor_; }
+  // It was closed, however.
+  Q_SIGNAL void closed();
+
   // The sentence in the status line.
   QString status() const;
 

@@ -1,6 +1,5 @@
 #include "app/queue/TickerQueue.h"
 
-#include "app/queue/QueueWindow.h"
 #include "app/ticker/Ticker.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
@@ -80,19 +79,6 @@ Ref<ZQTickerSign> TickerQueue::makeTextSign(const QString& text) {
 QSizeF TickerQueue::pictureRoom() const {
   const QSizeF size = ticker_.display().size();
   return ticker_.display().isHorizontal() ? QSizeF(0, size.height()) : QSizeF(size.width(), 0);
-}
-
-TickerQueueWindow::TickerQueueWindow(Ticker& ticker) : queue_(ticker) {}
-TickerQueueWindow::~TickerQueueWindow() = default;
-
-void TickerQueueWindow::show() {
-  if (!window_)
-    window_ = std::make_unique<QueueWindow>(queue_);
-  window_->present();
-}
-
-bool TickerQueueWindow::isShown() const {
-  return window_ && window_->isVisible();
 }
 
 } // namespace zq::app

@@ -3,11 +3,8 @@
 
 #include "app/queue/QueueSource.h"
 
-#include <memory>
-
 namespace zq::app {
 
-class QueueWindow;
 class Ticker;
 
 // Thread: main.
@@ -36,24 +33,6 @@ class TickerQueue : public QueueSource {
   bool changed(bool isChanged);
 
   Ticker& ticker_;
-};
-
-// The queue window of a ticker, made when it is first asked for. It must go before the ticker does.
-//
-// Thread: main.
-class TickerQueueWindow {
- public:
-  explicit TickerQueueWindow(Ticker& ticker);
-  ~TickerQueueWindow();
-  TickerQueueWindow(const TickerQueueWindow&) = delete;
-
-  // Shows the window in front of others.
-  void show();
-  bool isShown() const;
-
- private:
-  TickerQueue queue_;
-  std::unique_ptr<QueueWindow> window_;
 };
 
 } // namespace zq::app

@@ -4,6 +4,8 @@
 #include "app/commands/sign_loading.h"
 #include "app/controls/ControlBar.h"
 #include "app/controls/ControlBarButton.h"
+#include "app/queue/QueueWindow.h"
+#include "app/queue/TickerQueue.h"
 #include "app/services/ClockService.h"
 #include "app/settings/SettingsStore.h"
 #include "app/settings/SettingsWindow.h"
@@ -62,15 +64,22 @@ Ticker::Ticker(const RunOptions& options)
   connect(&screen_, &ChosenScreen::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,
           Qt::QueuedConnection);
+  QAction& queue = widget_->menu().queue();
+  queue.setVisible(true);
+  connect(&queue, &QAction::triggered, this, &Ticker::showQueue);
 }
 
 Ticker::~Ticker() = default;
 
 void Ticker::run(const QStringList& arguments, const QString& folder,
                  const QDBusUnixFileDescriptor& standardInput) {
-  StripOptions sources = readRunOptions(arguments).strip;
-  setFolder(sources, folder);
-  add(sources, standardInput);
+  RunOptions options = readRunOptions(arguments);
+  if (options.showsOwn()) {
+    setFolder(options.strip, folder);
+    add(options.strip, standardInput);
+  } else if (!options.isInBackground) {
+    showQueue();
+  }
 }
 
 void Ticker::add(const StripOptions& sources, const QDBusUnixFileDescriptor& standardInput) {
@@ -103,12 +112,30 @@ void Ticker::follow(SettingsStore& settings) {
   connect(&action, &QAction::triggered, this, &Ticker::showSettings);
 }
 
+void Ticker::showQueue() {
+  if (!queueWindow_) {
+    queue_ = std::make_unique<TickerQueue>(*this);
+    queueWindow_ = std::make_unique<QueueWindow>(*queue_);
+    connect(queueWindow_.get(), &QueueWindow::closed, this, &Ticker::finishWhenDone,
+            Qt::QueuedConnection);
+  }
+  queueWindow_->present();
+}
+
 void Ticker::showSettings() {
   if (!settings_)
     return;
-  if (!settingsWindow_)
+  if (!settingsWindow_) {
     settingsWindow_ = std::make_unique<SettingsWindow>(*settings_);
+    connect(settingsWindow_.get(), &SettingsWindow::finished, this, &Ticker::finishWhenDone,
+            Qt::QueuedConnection);
+  }
   settingsWindow_->showInFront();
+}
+
+bool Ticker::hasWindowOpen() const {
+  return (queueWindow_ && queueWindow_->isVisible()) ||
+         (settingsWindow_ && settingsWindow_->isVisible());
 }
 
 void Ticker::adopt(const Settings& settings) {
@@ -224,7 +251,7 @@ void Ticker::finishWhenDone() {
   if (!display_.isFinished() || !sources_.empty())
     return;
   // New feeds may come by the settings.
-  if (waits_ || (settings_ && !options_.showsOwn()))
+  if (waits_ || hasWindowOpen() || (settings_ && !options_.showsOwn()))
     widget_->hide();
   else
     Q_EMIT finished();

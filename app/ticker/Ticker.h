@@ -17,10 +17,12 @@
 namespace zq::app {
 
 class ClockService;
+class QueueWindow;
 class ControlBar;
 class SettingsStore;
 class SettingsWindow;
 class SourceSet;
+class TickerQueue;
 
 // The one place through which a running program changes what is shown: the command line, other
 // programs' messages, windows and settings all act on it.
@@ -44,8 +46,9 @@ class Ticker : public QObject {
   // Seconds on the strip's own clock.
   double time() const { return widget_->time(); }
 
-  // Does what a further program was asked for by `arguments`, those of `run`: adds their sources.
-  // Relative paths begin in `folder`. Raises CommandFailure, and changes nothing then.
+  // Does what a further program was asked for by `arguments`, those of `run`: adds their sources,
+  // or, where they name none and are not meant for the background, opens the queue window. Relative
+  // paths begin in `folder`. Raises CommandFailure, and changes nothing then.
   void run(const QStringList& arguments, const QString& folder,
            const QDBusUnixFileDescriptor& standardInput = {});
   // Adds the sources of a command line, with lines from `standardInput` where the options ask for
@@ -56,6 +59,9 @@ class Ticker : public QObject {
   // Takes from the settings, now and whenever they change, what the command line has not said.
   // Their feeds are shown where it named nothing to show. `settings` must outlive the ticker.
   void follow(SettingsStore& settings);
+  // Opens the window that shows what is queued. While it or that of the settings is open, the
+  // ticker does not finish.
+  void showQueue();
   // Opens the window of the settings that are followed; nothing happens where there are none.
   void showSettings();
 
@@ -87,6 +93,7 @@ class Ticker : public QObject {
   Q_SIGNAL void finished();
 
  private:
+  bool hasWindowOpen() const;
   void runClockOf(const StripOptions& options);
   void adopt(const Settings& settings);
   void updateLook();
@@ -103,6 +110,8 @@ class Ticker : public QObject {
   std::optional<bool> triedControlBar_;    // whether it was one for a horizontal strip
   std::vector<std::unique_ptr<SourceSet>> sources_;
   SettingsStore* settings_ = nullptr;              // that are followed
+  std::unique_ptr<TickerQueue> queue_;             // once its window has been asked for
+  std::unique_ptr<QueueWindow> queueWindow_;       // the same
   std::unique_ptr<SettingsWindow> settingsWindow_; // once it has been asked for
   SourceSet* feedsOfSettings_ = nullptr;           // among the sources
   std::unique_ptr<ClockService> clock_;            // one: there is one sign for it
