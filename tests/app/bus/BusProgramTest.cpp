@@ -88,10 +88,14 @@ class BusProgram : public ::testing::Test {
 
   // `zqticker run` to its end, in the folder of the test.
   Outcome runAgain(const QStringList& arguments, const QByteArray& input = {}) {
+    return runCommand(u"run"_s, arguments, input);
+  }
+  Outcome runCommand(const QString& command, const QStringList& arguments = {},
+                     const QByteArray& input = {}) {
     QProcess process;
     process.setProcessEnvironment(environment());
     process.setWorkingDirectory(folder_.path());
-    process.start(QStringLiteral(ZQTICKER_PROGRAM), QStringList{u"run"_s} + arguments);
+    process.start(QStringLiteral(ZQTICKER_PROGRAM), QStringList{command} + arguments);
     process.write(input);
     process.closeWriteChannel();
     EXPECT_TRUE(waitUntil([&] { return process.state() == QProcess::NotRunning; }));
@@ -133,7 +137,7 @@ TEST_F(BusProgram, IsStartedAndToldByAStranger) {
 }
 
 TEST_F(BusProgram, WaitsHiddenForMessages) {
-  RunningProgram program({}, environment());
+  RunningProgram program({u"run"_s, u"--background"_s}, environment());
   ASSERT_TRUE(waitForTicker());
   EXPECT_TRUE(program.isRunning());
   ASSERT_TRUE(client_->displayMessage({{u"image"_s, png(Qt::red)}}).ok);
@@ -250,6 +254,32 @@ TEST_F(BusProgram, IsOneOfSeveralThatStartAtOnce) {
     }
   EXPECT_TRUE(client_->quit().ok);
   EXPECT_TRUE(waitUntil([&] { return running() == 0; }));
+}
+
+TEST_F(BusProgram, EndsOnRequest) {
+  EXPECT_EQ(runCommand(u"quit"_s).errors.toStdString(),
+            "zqticker: quit: no ticker is running (zqticker run starts one)\n");
+  RunningProgram first({u"run"_s, u"--background"_s}, environment());
+  ASSERT_TRUE(waitForTicker());
+  EXPECT_EQ(runCommand(u"quit"_s).status, 0);
+  EXPECT_EQ(first.awaitStatus(), 0);
+}
+
+TEST_F(BusProgram, OpensTheQueueWhereItHasNothingToShow) {
+  const auto hasWindow = [&] {
+    QProcess search;
+    search.setProcessEnvironment(environment());
+    search.start(u"xdotool"_s, {u"search"_s, u"--onlyvisible"_s, u"--name"_s, u"Ticker Queue"_s});
+    search.waitForFinished();
+    return search.exitCode() == 0;
+  };
+  if (!XServer::hasProgram(u"xdotool"_s))
+    GTEST_SKIP() << "xdotool is not installed";
+  RunningProgram first({u"run"_s, u"--background"_s}, environment());
+  ASSERT_TRUE(waitForTicker());
+  EXPECT_FALSE(hasWindow());
+  EXPECT_EQ(runAgain({}).status, 0);
+  EXPECT_TRUE(waitUntil(hasWindow));
 }
 
 TEST_F(BusProgram, OutlivesTheBus) {

@@ -1,6 +1,7 @@
 #include "app/ticker/Ticker.h"
 
 #include "app/commands/failures.h"
+#include "app/queue/QueueWindow.h"
 #include "tests/app/XServer.h"
 #include "tests/support/LogWatch.h"
 #include "zqticker/platform/graphics/Font.h"
@@ -8,6 +9,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QAction>
 
 #include <gtest/gtest.h>
 
@@ -40,6 +42,13 @@ class RunningTicker : public ::testing::Test {
     sign->setLoopCount(loopCount);
     return sign;
   }
+  static QueueWindow* queueWindow() {
+    for (QWidget* widget : QApplication::topLevelWidgets())
+      if (auto* window = qobject_cast<QueueWindow*>(widget))
+        return window;
+    return nullptr;
+  }
+  static bool isQueueShown() { return queueWindow() && queueWindow()->isVisible(); }
   std::size_t waiting() { return ticker.display().waitingCount(); }
 
   Ticker ticker{options()};
@@ -152,4 +161,32 @@ TEST_F(RunningTicker, StylesTextsOfAFurtherCommandLineByItsOwnOptions) {
   sources.color = Qt::red;
   EXPECT_EQ(ticker.lookFor(sources).font->pointSize(), 30);
   EXPECT_EQ(ticker.lookFor(sources).size, ticker.display().size());
+}
+
+TEST_F(RunningTicker, OpensTheQueueForAFurtherCommandLineWithoutAnythingToShow) {
+  ticker.run({}, u"/"_s);
+  EXPECT_TRUE(isQueueShown());
+}
+
+TEST_F(RunningTicker, OpensNoWindowForTheBackground) {
+  ticker.run({u"--background"_s}, u"/"_s);
+  ticker.run({u"--text"_s, u"one"_s}, u"/"_s);
+  EXPECT_FALSE(isQueueShown());
+}
+
+TEST_F(RunningTicker, OpensTheQueueFromTheMenu) {
+  ticker.widget().menu().queue().trigger();
+  EXPECT_TRUE(isQueueShown());
+}
+
+TEST_F(RunningTicker, DoesNotFinishWhileAWindowIsOpen) {
+  ticker.showQueue();
+  ticker.displayChanged();
+  bool hasPassed = false;
+  QMetaObject::invokeMethod(
+      &ticker, [&] { hasPassed = true; }, Qt::QueuedConnection);
+  EXPECT_TRUE(waitUntil([&] { return hasPassed; }));
+  EXPECT_EQ(finishedCount, 0);
+  queueWindow()->close();
+  EXPECT_TRUE(waitUntil([&] { return finishedCount == 1; }));
 }
