@@ -50,6 +50,7 @@ install(FILES "${interface_file}" DESTINATION "${CMAKE_INSTALL_DATADIR}/dbus-1/i
 # known when it is installed; the one in the build tree names the program there.
 set(service_file org.zqticker.Ticker.service)
 set(service_template "${CMAKE_CURRENT_LIST_DIR}/${service_file}.in")
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${service_template}")
 file(READ "${service_template}" service_text)
 string(REPLACE "@ZQTICKER_PROGRAM@" "$<TARGET_FILE:zqticker-program>" service_text "${service_text}")
 file(

@@ -62,7 +62,7 @@ int runCommand(const QStringList& arguments) {
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
   // Somebody who starts a ticker without anything to show wants to see that it is there.
-  if (claim == RunClaim::IsTicker && !options.isInBackground && !options.showsAnything())
+  if (claim == RunClaim::IsTicker && options.opensWindow && !options.showsAnything())
     ticker.showQueue();
   TickerOnBus receiver(ticker, [] { QCoreApplication::quit(); });
   service.setReceiver(&receiver);

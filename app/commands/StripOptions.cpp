@@ -192,8 +192,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
       options.strip.autoscale = false;
     else if (option.name == "control-bar"_L1 || option.name == "no-control-bar"_L1)
       options.showsControlBar = option.name == "control-bar"_L1;
-    else if (option.name == "background"_L1)
-      options.isInBackground = true;
+    else if (option.name == "no-window"_L1)
+      options.opensWindow = false;
     else if (option.name == "separate"_L1)
       options.isSeparate = true;
     else if (option.name == "watch"_L1)

@@ -62,8 +62,8 @@ struct RunOptions {
   Edge edge = Edge::Automatic;
   QString screen; // its name; empty for the primary one
   bool showsControlBar = true;
-  bool isSeparate = false;     // it is not the session's ticker, and hands nothing over to that
-  bool isInBackground = false; // opens no window where it has nothing to show
+  bool isSeparate = false; // it is not the session's ticker, and hands nothing over to that
+  bool opensWindow = true; // the queue window, where there is nothing to show
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 

@@ -159,7 +159,7 @@ OptionTable makeRunTable() {
        {},
        u"Open a strip of its own, which other programs do not reach, where a ticker runs "
        u"already."_s});
-  table.options.push_back({u"background"_s,
+  table.options.push_back({u"no-window"_s,
                            {},
                            u"Open no window where there is nothing to show, neither here nor in "
                            u"the settings; the queue window opens otherwise."_s});

@@ -66,7 +66,7 @@ QByteArray switched(const QByteArray& entry, bool starts) {
 
 QByteArray newEntry() {
   return Group + "\nType=Application\nName=Ticker\nComment=Signs that scroll over the screen\n" +
-         "Exec=" + programForDesktopEntry() + " run --background\nIcon=org.zqticker.Ticker\n" +
+         "Exec=" + programForDesktopEntry() + " run --no-window\nIcon=org.zqticker.Ticker\n" +
          "Terminal=false\n";
 }
 

@@ -77,7 +77,7 @@ void Ticker::run(const QStringList& arguments, const QString& folder,
   if (options.showsOwn()) {
     setFolder(options.strip, folder);
     add(options.strip, standardInput);
-  } else if (!options.isInBackground) {
+  } else if (options.opensWindow) {
     showQueue();
   }
 }

@@ -47,7 +47,7 @@ class Ticker : public QObject {
   double time() const { return widget_->time(); }
 
   // Does what a further program was asked for by `arguments`, those of `run`: adds their sources,
-  // or, where they name none and are not meant for the background, opens the queue window. Relative
+  // or, where they name none and do not say otherwise, opens the queue window. Relative
   // paths begin in `folder`. Raises CommandFailure, and changes nothing then.
   void run(const QStringList& arguments, const QString& folder,
            const QDBusUnixFileDescriptor& standardInput = {});

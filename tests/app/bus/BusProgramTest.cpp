@@ -137,7 +137,7 @@ TEST_F(BusProgram, IsStartedAndToldByAStranger) {
 }
 
 TEST_F(BusProgram, WaitsHiddenForMessages) {
-  RunningProgram program({u"run"_s, u"--background"_s}, environment());
+  RunningProgram program({u"run"_s, u"--no-window"_s}, environment());
   ASSERT_TRUE(waitForTicker());
   EXPECT_TRUE(program.isRunning());
   ASSERT_TRUE(client_->displayMessage({{u"image"_s, png(Qt::red)}}).ok);
@@ -257,9 +257,8 @@ TEST_F(BusProgram, IsOneOfSeveralThatStartAtOnce) {
 }
 
 TEST_F(BusProgram, EndsOnRequest) {
-  EXPECT_EQ(runCommand(u"quit"_s).errors.toStdString(),
-            "zqticker: quit: no ticker is running (zqticker run starts one)\n");
-  RunningProgram first({u"run"_s, u"--background"_s}, environment());
+  EXPECT_EQ(runCommand(u"quit"_s).errors.toStdString(), "zqticker: quit: no ticker is running\n");
+  RunningProgram first({u"run"_s, u"--no-window"_s}, environment());
   ASSERT_TRUE(waitForTicker());
   EXPECT_EQ(runCommand(u"quit"_s).status, 0);
   EXPECT_EQ(first.awaitStatus(), 0);
@@ -275,7 +274,7 @@ TEST_F(BusProgram, OpensTheQueueWhereItHasNothingToShow) {
   };
   if (!XServer::hasProgram(u"xdotool"_s))
     GTEST_SKIP() << "xdotool is not installed";
-  RunningProgram first({u"run"_s, u"--background"_s}, environment());
+  RunningProgram first({u"run"_s, u"--no-window"_s}, environment());
   ASSERT_TRUE(waitForTicker());
   EXPECT_FALSE(hasWindow());
   EXPECT_EQ(runAgain({}).status, 0);

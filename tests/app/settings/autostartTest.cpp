@@ -41,7 +41,8 @@ TEST_F(AutostartEntry, IsMadeAndRemoved) {
   setStartsWithSession(path(), true);
   EXPECT_TRUE(startsWithSession(path()));
   EXPECT_TRUE(contents().startsWith("[Desktop Entry]\nType=Application\n"));
-  EXPECT_TRUE(contents().contains(QByteArray("\nExec=" + programForDesktopEntry() + " run\n")));
+  EXPECT_TRUE(
+      contents().contains(QByteArray("\nExec=" + programForDesktopEntry() + " run --no-window\n")));
   setStartsWithSession(path(), false);
   EXPECT_FALSE(QFile::exists(path()));
 }

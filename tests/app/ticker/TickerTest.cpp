@@ -10,6 +10,7 @@
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 #include <QtGui/QAction>
+#include <QtWidgets/QApplication>
 
 #include <gtest/gtest.h>
 
@@ -26,6 +27,7 @@ class RunningTicker : public ::testing::Test {
   RunningTicker() {
     // The platform without a screen says so of every window that stays on top.
     zq::testing::allowLog(u"does not support raise()"_s);
+    zq::testing::allowLog(u"does not support propagateSizeHints()"_s);
     QObject::connect(&ticker, &Ticker::finished, &ticker, [this] { ++finishedCount; });
     QObject::connect(&ticker, &Ticker::changed, &ticker, [this] { ++changeCount; });
   }
@@ -168,8 +170,8 @@ TEST_F(RunningTicker, OpensTheQueueForAFurtherCommandLineWithoutAnythingToShow) 
   EXPECT_TRUE(isQueueShown());
 }
 
-TEST_F(RunningTicker, OpensNoWindowForTheBackground) {
-  ticker.run({u"--background"_s}, u"/"_s);
+TEST_F(RunningTicker, OpensNoWindowWhereItIsAskedNotTo) {
+  ticker.run({u"--no-window"_s}, u"/"_s);
   ticker.run({u"--text"_s, u"one"_s}, u"/"_s);
   EXPECT_FALSE(isQueueShown());
 }
