@@ -46,8 +46,10 @@ SignItem::SignItem(TickerDisplay& display, Ref<ZQTickerSign> sign, SignOrigin or
     : display_(display), sign_(std::move(sign)),
       origin_(isEmpty(origin) ? nullptr : std::make_unique<const SignOrigin>(std::move(origin))) {}
 
-SignItem::SignItem(TickerDisplay& display, QString line, LoopRule rule)
-    : display_(display), line_(std::move(line)), lineRule_(rule), isLine_(true) {}
+SignItem::SignItem(TickerDisplay& display, QString line, LoopRule rule,
+                   std::shared_ptr<const LineSource> source)
+    : display_(display), line_(std::move(line)), lineRule_(rule), lineSource_(std::move(source)),
+      isLine_(true) {}
 
 SignItem::~SignItem() = default;
 
@@ -65,7 +67,7 @@ double SignItem::enter() {
   // Called while the clock ticks: what a sign raises ends here, and the sign is left out.
   try {
     if (!sign_)
-      sign_ = display_.makeTextSign(line_);
+      sign_ = display_.makeTextSign(line_, lineSource_.get());
     return place();
   } catch (const std::exception& exception) {
     qCWarning(signLog, "a sign cannot be shown: %s", exception.what());
@@ -114,6 +116,8 @@ void SignItem::setQueued(bool isQueued) {
 }
 
 const SignOrigin& SignItem::origin() const {
+  if (lineSource_)
+    return lineSource_->origin;
   return origin_ ? *origin_ : NoOrigin;
 }
 

@@ -1,7 +1,7 @@
 // A sign as an item of a strip.
 #pragma once
 
-#include "app/display/SignOrigin.h"
+#include "app/display/LineSource.h"
 #include "app/display/StripItem.h"
 #include "app/display/sign_placement.h"
 #include "zqticker/platform/objects/Object.h"
@@ -21,7 +21,8 @@ class TickerDisplay;
 class SignItem : public StripItem {
  public:
   SignItem(TickerDisplay& display, platform::Ref<ZQTickerSign> sign, SignOrigin origin = {});
-  SignItem(TickerDisplay& display, QString line, LoopRule rule);
+  SignItem(TickerDisplay& display, QString line, LoopRule rule,
+           std::shared_ptr<const LineSource> source);
   ~SignItem() override;
 
   double enter() override;
@@ -41,7 +42,6 @@ class SignItem : public StripItem {
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }
-  // That of a line is empty.
   const SignOrigin& origin() const;
   // The line, or what the sign says; empty where it says nothing.
   QString text() const;
@@ -54,6 +54,7 @@ class SignItem : public StripItem {
   std::unique_ptr<const SignOrigin> origin_; // null where it is empty
   QString line_;
   LoopRule lineRule_;
+  std::shared_ptr<const LineSource> lineSource_; // null for none
   bool isLine_ = false;
   SignPlacement placement_;
 };

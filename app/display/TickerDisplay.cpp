@@ -335,23 +335,27 @@ void TickerDisplay::forget(const Entry& entry) {
     named_.erase(named);
 }
 
-void TickerDisplay::addLine(const QString& line, double time, const LoopRule& rule) {
+void TickerDisplay::addLine(const QString& line, double time, const LoopRule& rule,
+                            std::shared_ptr<const LineSource> source) {
   catchUp(time);
-  strip_.queue().appendDroppable(std::make_shared<SignItem>(*this, line, rule),
+  strip_.queue().appendDroppable(std::make_shared<SignItem>(*this, line, rule, std::move(source)),
                                  static_cast<std::size_t>(line.size()));
 }
 
-Ref<AttributedString> TickerDisplay::styledText(const QString& text) const {
+Ref<AttributedString> TickerDisplay::styledText(const QString& text,
+                                                const LineSource* source) const {
+  const Ref<Font>& font = source && source->font ? source->font : font_;
+  const Ref<Color>& color = source && source->color ? source->color : color_;
   Attributes attributes;
-  if (font_)
-    attributes.insert(FontAttributeName, any(font_));
-  if (color_)
-    attributes.insert(ForegroundColorAttributeName, any(color_));
+  if (font)
+    attributes.insert(FontAttributeName, any(font));
+  if (color)
+    attributes.insert(ForegroundColorAttributeName, any(color));
   return AttributedString::make(text, attributes);
 }
 
-Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text) {
-  const Ref<ZQTextTickerSign> sign = ZQTextTickerSign::make(styledText(text));
+Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text, const LineSource* source) {
+  const Ref<ZQTextTickerSign> sign = ZQTextTickerSign::make(styledText(text, source));
   sign->setScrollDirection(scrollDirection());
   sign->setDisplay(textSignDisplay_.get());
   return sign;

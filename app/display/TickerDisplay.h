@@ -1,6 +1,7 @@
 // The display of the ticker: owns its signs, lays them out, and moves them over a strip.
 #pragma once
 
+#include "app/display/LineSource.h"
 #include "app/display/QueuedSign.h"
 #include "app/display/SenderCounts.h"
 #include "app/display/SignOrigin.h"
@@ -151,13 +152,17 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Whether a sign with this identifier waits for its first or another showing at `time`.
   bool hasWaitingSign(const QString& identifier, double time);
 
-  // Adds a line of text in the default font and color. Lines are limited as stated above: for a
-  // new one the line that was shown longest ago goes, then the oldest waiting one.
-  void addLine(const QString& line, double time, const LoopRule& rule = {});
-  // `text` in the default font and color.
-  platform::Ref<platform::AttributedString> styledText(const QString& text) const;
-  // A text sign for `text` in the default font and color, laid out for this display.
-  platform::Ref<ZQTickerSign> makeTextSign(const QString& text);
+  // Adds a line of text, in the default font and color where its source has none. Lines are limited
+  // as stated above: for a new one the line that was shown longest ago goes, then the oldest
+  // waiting one.
+  void addLine(const QString& line, double time, const LoopRule& rule = {},
+               std::shared_ptr<const LineSource> source = {});
+  // `text` in the default font and color, or in those of `source`.
+  platform::Ref<platform::AttributedString> styledText(const QString& text,
+                                                       const LineSource* source = nullptr) const;
+  // A text sign for `text` in the default font and color, or in those of `source`, laid out for
+  // this display.
+  platform::Ref<ZQTickerSign> makeTextSign(const QString& text, const LineSource* source = nullptr);
 
   // Signs and lines that wait, and lines that had to go.
   std::size_t waitingCount() const { return strip_.queue().size(); }

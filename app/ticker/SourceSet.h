@@ -2,13 +2,17 @@
 #pragma once
 
 #include "app/commands/StripOptions.h"
+#include "app/display/LineSource.h"
 #include "app/display/StripItem.h"
 #include "app/services/DisplayReceiver.h"
 
+#include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtDBus/QDBusUnixFileDescriptor>
 
 #include <memory>
+#include <utility>
+#include <vector>
 
 namespace zq::app {
 
@@ -47,13 +51,19 @@ class SourceSet : public QObject {
   void followFilesOf(const StripOptions& options);
   void readFeedsOf(const StripOptions& options);
   void readLinesOf(const QDBusUnixFileDescriptor& standardInput);
-  void addLine(const QString& line);
+  void addFileLine(const QString& line, const QString& path);
+  void addLine(const QString& line, const std::shared_ptr<const LineSource>& source);
+  std::shared_ptr<const LineSource> lineSource(const QString& name) const;
 
   Ticker& ticker_;
   DisplayReceiver receiver_;
   LoopRule lineRule_;
-  bool isComplete_ = false; // all that could fail is done
-  QStringList earlyLines_;  // of files, until then
+  // Of its own, where the options ask for them.
+  platform::Ref<platform::Font> lineFont_;
+  platform::Ref<platform::Color> lineColor_;
+  bool isComplete_ = false;                             // all that could fail is done
+  std::vector<std::pair<QString, QString>> earlyLines_; // of files until then, with their paths
+  QHash<QString, std::shared_ptr<const LineSource>> lineSources_; // by path
   std::unique_ptr<FileSigns> fileSigns_;
   std::unique_ptr<FileService> files_;
   std::unique_ptr<FeedSigns> feedSigns_;

@@ -217,9 +217,9 @@ bool Ticker::isFullOfLines() const {
 
 StripLook Ticker::lookFor(const StripOptions& sources) const {
   StripLook look{display_.size(), display_.defaultFont(), display_.defaultTextColor()};
-  if (sources.font)
+  if (sources.font && sources.font != options_.strip.font)
     look.font = findFont(*sources.font, look.font->pointSize()).font;
-  if (sources.color)
+  if (sources.color && sources.color != options_.strip.color)
     look.color = Color::fromQColor(*sources.color);
   return look;
 }

@@ -76,7 +76,8 @@ class Ticker : public QObject {
 
   // Whether so many lines wait that more of them drop others.
   bool isFullOfLines() const;
-  // The font and colour for texts of `sources`: their own, else the strip's.
+  // The font and colour for texts of `sources`: their own where they ask for others than the
+  // strip's, which are the very objects else.
   StripLook lookFor(const StripOptions& sources) const;
   // The most that pictures of feeds take, in pixels.
   QSize pictureRoom() const;

@@ -4,7 +4,10 @@
 #include "app/queue/QueueWindow.h"
 #include "tests/app/XServer.h"
 #include "tests/support/LogWatch.h"
+#include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/text/AttributedString.h"
+#include "zqticker/platform/text/text_attributes.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <QtCore/QFile>
@@ -148,6 +151,39 @@ TEST_F(RunningTicker, ReadsTheLinesOfSeveralCommandLines) {
   EXPECT_TRUE(waitUntil([&] { return ticker.display().waitingLineCount() == 2; }));
   for (const auto& pipe : ends)
     ::close(pipe[1]);
+}
+
+TEST_F(RunningTicker, ShowsLinesInTheLookOfTheirOwnCommandLine) {
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);
+  const QDBusUnixFileDescriptor input(ends[0]);
+  ::close(ends[0]);
+  ticker.run({u"--stdin"_s, u"--color"_s, u"red"_s, u"--loop"_s, u"forever"_s}, u"/"_s, input);
+  ASSERT_EQ(::write(ends[1], "line\n", 5), 5);
+  ::close(ends[1]);
+  Ref<ZQTextTickerSign> sign;
+  const auto isOnStrip = [&] {
+    for (const QueuedSign& queued : ticker.display().queuedSigns(ticker.time()))
+      sign = std::dynamic_pointer_cast<ZQTextTickerSign>(queued.sign);
+    return sign != nullptr;
+  };
+  ASSERT_TRUE(waitUntil(isOnStrip));
+  const Any color = sign->text()->attributeAtIndex(ForegroundColorAttributeName, 0);
+  EXPECT_EQ(objectOf<Color>(color)->qColor(), QColor(Qt::red));
+  const Any font = sign->text()->attributeAtIndex(FontAttributeName, 0);
+  EXPECT_EQ(objectOf<Font>(font), ticker.display().defaultFont());
+}
+
+TEST_F(RunningTicker, SaysOfLinesWhereTheyComeFrom) {
+  QTemporaryDir folder;
+  QFile file(folder.filePath(u"lines.txt"_s));
+  ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+  file.write("last\n");
+  file.close();
+  ticker.run({u"--tail"_s, u"lines.txt"_s}, folder.path());
+  const std::vector<QueuedSign> queued = ticker.display().queuedSigns(ticker.time());
+  ASSERT_EQ(queued.size(), 1u);
+  EXPECT_EQ(queued.front().origin.senderName, u"lines.txt"_s);
 }
 
 TEST_F(RunningTicker, HasOneClock) {
