@@ -221,28 +221,31 @@ void TickerDisplay::arrangeSigns(const QStringList& identifiers, double time) {
   strip_.queue().arrange(order);
 }
 
-bool TickerDisplay::replaceSign(Ref<ZQTickerSign> sign, double time,
-                                std::optional<SignOrigin> origin) {
+TickerDisplay::Entry TickerDisplay::replaceSign(Ref<ZQTickerSign> sign, double time,
+                                                std::optional<SignOrigin> origin) {
   catchUp(time);
   const Entry entry = waitingEntry(sign->identifier().value_or(QString()));
   if (!entry)
-    return false;
+    return nullptr;
   return replaceWaiting(entry, std::move(sign), origin ? *std::move(origin) : originOf(entry));
 }
 
-bool TickerDisplay::replaceEntry(const Entry& entry, Ref<ZQTickerSign> sign, double time) {
+TickerDisplay::Entry TickerDisplay::replaceEntry(const Entry& entry, Ref<ZQTickerSign> sign,
+                                                 double time) {
   catchUp(time);
   return replaceWaiting(entry, std::move(sign), originOf(entry));
 }
 
-bool TickerDisplay::replaceWaiting(const Entry& entry, Ref<ZQTickerSign> sign, SignOrigin origin) {
+TickerDisplay::Entry TickerDisplay::replaceWaiting(const Entry& entry, Ref<ZQTickerSign> sign,
+                                                   SignOrigin origin) {
   if (!entry->isWaiting())
-    return false;
+    return nullptr;
   prepare(*sign);
   forget(entry);
-  remember(*sign, strip_.queue().replace(
-                      entry, std::make_shared<SignItem>(*this, sign, std::move(origin))));
-  return true;
+  const Entry successor =
+      strip_.queue().replace(entry, std::make_shared<SignItem>(*this, sign, std::move(origin)));
+  remember(*sign, successor);
+  return successor;
 }
 
 bool TickerDisplay::removeSign(const QString& identifier, double time) {

@@ -115,16 +115,16 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // A sign that waits is known by its identifier; of several with the same, the one added last.
   // Lets `sign` take over from the one with its identifier, in its place, whatever its priority,
   // and with the showings it has had. Without an origin it takes over that as well. One that is on
-  // the strip goes on to its end. False where none waits.
-  bool replaceSign(platform::Ref<ZQTickerSign> sign, double time,
-                   std::optional<SignOrigin> origin = {});
+  // the strip goes on to its end. The entry of `sign`; null where none waits.
+  Entry replaceSign(platform::Ref<ZQTickerSign> sign, double time,
+                    std::optional<SignOrigin> origin = {});
   // Takes the sign out, once it has left where it is on the strip. False where none waits.
   bool removeSign(const QString& identifier, double time);
 
   // The same for an entry: of addSign, or of a row of queuedSigns. False where it does not wait.
   bool removeEntry(const Entry& entry, double time);
-  // The identifier may be another one; the origin stays.
-  bool replaceEntry(const Entry& entry, platform::Ref<ZQTickerSign> sign, double time);
+  // As replaceSign, but the identifier may be another one, and the origin stays.
+  Entry replaceEntry(const Entry& entry, platform::Ref<ZQTickerSign> sign, double time);
   // Puts an entry that waits directly before another one in the order of showing, whatever their
   // priorities; null is the end, before those whose delays are not over. An arranged sign is
   // arranged no longer. False, and nothing changes, where either does not wait.
@@ -190,7 +190,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   Entry waitingEntry(const QString& identifier) const;
   void remember(const ZQTickerSign& sign, const Entry& entry);
   void forget(const Entry& entry);
-  bool replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
+  Entry replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
   void countSign(const QString& sender, bool isQueued);
   void markForLayout();
   void restyle(const QString& attribute, const platform::Ref<platform::Object>& before,

@@ -5,8 +5,6 @@
 
 #include <QtCore/QUuid>
 
-#include <algorithm>
-
 namespace zq::app {
 
 using namespace platform;
@@ -28,13 +26,6 @@ std::vector<QueuedSign> TickerQueue::rows() {
   return ticker_.display().queuedSigns(ticker_.time());
 }
 
-Strip::Entry TickerQueue::entryOf(const Ref<ZQTickerSign>& sign) {
-  const std::vector<QueuedSign> queued = rows();
-  const auto found = std::find_if(queued.begin(), queued.end(),
-                                  [&](const QueuedSign& row) { return row.sign == sign; });
-  return found == queued.end() ? nullptr : found->entry;
-}
-
 Strip::Entry TickerQueue::add(Ref<ZQTickerSign> sign, const SignOrigin& origin,
                               const Strip::Entry& before) {
   TickerDisplay& display = ticker_.display();
@@ -44,8 +35,8 @@ Strip::Entry TickerQueue::add(Ref<ZQTickerSign> sign, const SignOrigin& origin,
   if (!sign->identifier())
     sign->setIdentifier(QUuid::createUuid().toString(QUuid::WithoutBraces));
   changed(true);
-  if (display.replaceSign(sign, now, origin))
-    return entryOf(sign);
+  if (const Strip::Entry replaced = display.replaceSign(sign, now, origin))
+    return replaced;
   const Strip::Entry entry = display.addSign(sign, now, origin);
   if (before)
     display.moveEntry(entry, before, now);
@@ -68,8 +59,9 @@ Strip::Entry TickerQueue::replace(const Strip::Entry& entry, Ref<ZQTickerSign> s
   // The showings that have begun stay counted.
   if (loopsLeft)
     sign->setLoopCount(*loopsLeft < 0 ? ZQEndlessLoopCount : entry->showings + *loopsLeft);
-  const bool isReplaced = ticker_.display().replaceEntry(entry, sign, ticker_.time());
-  return changed(isReplaced) ? entryOf(sign) : nullptr;
+  const Strip::Entry replaced = ticker_.display().replaceEntry(entry, sign, ticker_.time());
+  changed(replaced != nullptr);
+  return replaced;
 }
 
 Ref<ZQTickerSign> TickerQueue::makeTextSign(const QString& text) {

@@ -29,7 +29,6 @@ class TickerQueue : public QueueSource {
   QSizeF pictureRoom() const override;
 
  private:
-  Strip::Entry entryOf(const platform::Ref<ZQTickerSign>& sign);
   bool changed(bool isChanged);
 
   Ticker& ticker_;

@@ -130,7 +130,9 @@ TEST(TickerDisplayQueue, ReplacesASignInItsPlaceWhateverItsPriority) {
   display.addSign(named(u"b"_s), 0, from(u"two"_s));
   EXPECT_TRUE(display.replaceSign(named(u"b"_s), 0));
   EXPECT_EQ(display.queuedSigns(0)[1].origin.senderIdentifier, u"two"_s) << "as before";
-  EXPECT_TRUE(display.replaceSign(named(u"b"_s), 0, from(u"three"_s, 7)));
+  const TickerDisplay::Entry b = display.replaceSign(named(u"b"_s), 0, from(u"three"_s, 7));
+  EXPECT_EQ(display.queuedSigns(0)[1].entry, b);
+  EXPECT_FALSE(display.replaceSign(named(u"nobody"_s), 0));
   EXPECT_EQ(rows(display, 0), u"a+ b+ "_s);
   EXPECT_EQ(display.queuedSigns(0)[1].origin.senderIdentifier, u"three"_s);
   EXPECT_EQ(display.queuedSigns(0)[1].origin.priority, 7);
@@ -141,7 +143,8 @@ TEST(TickerDisplayQueue, ReplacesAnEntryAndKeepsItsOrigin) {
   setUp(display, QSizeF(96, 24));
   const TickerDisplay::Entry a = display.addSign(named(u"a"_s), 0, from(u"one"_s));
   display.addSign(named(u"b"_s), 0);
-  EXPECT_TRUE(display.replaceEntry(a, named(u"A"_s), 0));
+  const TickerDisplay::Entry successor = display.replaceEntry(a, named(u"A"_s), 0);
+  EXPECT_EQ(display.queuedSigns(0)[0].entry, successor);
   EXPECT_FALSE(display.replaceEntry(a, named(u"late"_s), 0)) << "it does not wait any more";
   EXPECT_EQ(rows(display, 0), u"A+ b+ "_s);
   EXPECT_EQ(display.queuedSigns(0)[0].origin.senderIdentifier, u"one"_s);
