@@ -63,6 +63,10 @@ SettingsFile::Contents SettingsFile::read() const {
     return contents;
   }
   const QByteArray bytes = file.read(LargestFile + 1);
+  if (file.error() != QFileDevice::NoError) {
+    contents.problem = u"cannot read: "_s + file.errorString();
+    return contents;
+  }
   if (bytes.trimmed().isEmpty())
     return contents;
   try {

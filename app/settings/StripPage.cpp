@@ -2,6 +2,7 @@
 
 #include "app/commands/strip_values.h"
 #include "app/settings/page_controls.h"
+#include "app/settings/setting_table.h"
 
 #include <QtCore/QSignalBlocker>
 #include <QtWidgets/QCheckBox>

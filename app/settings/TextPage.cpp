@@ -4,6 +4,7 @@
 #include "app/commands/sign_loading.h"
 #include "app/settings/ColorButton.h"
 #include "app/settings/page_controls.h"
+#include "app/settings/setting_table.h"
 #include "zqticker/platform/graphics/Font.h"
 
 #include <QtGui/QFontDatabase>

@@ -116,7 +116,7 @@ void setStartsWithSession(const QString& file, bool starts) {
   const std::optional<QByteArray> entry = contentsOf(file);
   if (starts)
     write(file, entry && !valueOf(*entry, "Exec").isEmpty() ? switched(*entry, true) : newEntry());
-  else if (*entry != newEntry())
+  else if (entry && *entry != newEntry())
     write(file, switched(*entry, false));
   else if (!QFile::remove(file))
     throw RunTimeError(quotedForMessage(file) + u": cannot be removed"_s);

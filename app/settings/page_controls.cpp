@@ -1,9 +1,9 @@
 #include "app/settings/page_controls.h"
 
 #include "app/commands/strip_values.h"
+#include "app/settings/setting_table.h"
 
 #include <QtCore/QCoreApplication>
-#include <QtCore/QLocale>
 #include <QtWidgets/QDoubleSpinBox>
 #include <QtWidgets/QFormLayout>
 #include <QtWidgets/QLabel>
@@ -25,10 +25,6 @@ QDoubleSpinBox* makeSideBox() {
 
 QString sideText(const QDoubleSpinBox& box) {
   return box.value() < ShortestSide ? u"automatic"_s : textOfNumber(box.value());
-}
-
-QString textOfNumber(double number) {
-  return QString::number(number, 'g', QLocale::FloatingPointShortest);
 }
 
 QString switchText(bool isOn) {

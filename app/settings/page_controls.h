@@ -15,7 +15,7 @@ QDoubleSpinBox* makeSideBox();
 // Its value as the setting takes it.
 QString sideText(const QDoubleSpinBox& box);
 
-QString textOfNumber(double number);
+// A switch as the settings take it.
 QString switchText(bool isOn);
 
 // A row of several controls; the label's key goes to `buddy`.

@@ -32,12 +32,8 @@ ParsedOption settingOf(const QString& name, const QStringList& values) {
   return option;
 }
 
-QString textOf(double number) {
-  return QString::number(number, 'g', QLocale::FloatingPointShortest);
-}
-
 QStringList valuesOf(const std::optional<double>& number) {
-  return {number ? textOf(*number) : Automatic};
+  return {number ? textOfNumber(*number) : Automatic};
 }
 
 QStringList valuesOf(const QColor& color) {
@@ -83,7 +79,7 @@ std::vector<SettingSpec> makeTable() {
        }},
       {u"speed"_s, u"POINTS"_s, u"Points per second."_s, Kind::Number,
        [](Settings& s, Option o) { s.speed = speedOf(o); },
-       [](const Settings& s) { return QStringList{textOf(s.speed)}; }},
+       [](const Settings& s) { return QStringList{textOfNumber(s.speed)}; }},
       {u"font"_s, u"FONT"_s,
        u"The font of texts, with or without a size in points: \"DejaVu Sans 18\"; automatic for "
        u"the desktop's font, as large as the strip."_s,
@@ -156,7 +152,7 @@ std::optional<QString> textOf(const SettingSpec& spec, const QJsonValue& value) 
   if (value.isString() && (spec.kind == Kind::Text || value.toString() == Automatic))
     return value.toString();
   if (value.isDouble() && spec.kind == Kind::Number)
-    return textOf(value.toDouble());
+    return textOfNumber(value.toDouble());
   if (value.isBool() && spec.kind == Kind::Switch)
     return valuesOf(value.toBool()).first();
   return std::nullopt;
@@ -242,6 +238,10 @@ QStringList readSetting(Settings& settings, const SettingSpec& spec, const QJson
     for (const QJsonValue& element : value.toArray())
       take(element.isString() ? std::optional(element.toString()) : std::nullopt);
   return complaints;
+}
+
+QString textOfNumber(double number) {
+  return QString::number(number, 'g', QLocale::FloatingPointShortest);
 }
 
 bool isInFile(const SettingSpec& spec) {

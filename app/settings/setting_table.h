@@ -42,6 +42,9 @@ QJsonValue jsonOfSetting(const SettingSpec& spec, const Settings& settings);
 // each. Of a list the right elements are taken.
 QStringList readSetting(Settings& settings, const SettingSpec& spec, const QJsonValue& value);
 
+// The shortest text that is read as the same number.
+QString textOfNumber(double number);
+
 // Whether the setting stands in the file.
 bool isInFile(const SettingSpec& spec);
 

@@ -5,6 +5,7 @@
 
 #include <QtCore/QDir>
 #include <QtCore/QFile>
+#include <QtCore/QFileInfo>
 #include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -124,6 +125,15 @@ TEST_F(SettingsOnDisk, AreNotReadFromWhatIsNoFile) {
   ASSERT_TRUE(QDir().rmdir(path()));
   ASSERT_EQ(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
   EXPECT_EQ(SettingsFile(path()).read().problem, u"cannot read: not a file"_s);
+}
+
+TEST_F(SettingsOnDisk, AreNotTakenAsEmptyWhereReadingFails) {
+  ASSERT_TRUE(QDir().mkpath(folder().path()));
+  // A file that can be opened, whose first byte cannot be read.
+  ASSERT_TRUE(QFile::link(u"/proc/self/mem"_s, path()));
+  EXPECT_TRUE(SettingsFile(path()).read().problem.startsWith(u"cannot read: "));
+  EXPECT_NE(failure(SettingsFile(path())), "none");
+  EXPECT_TRUE(QFileInfo(path()).isSymLink());
 }
 
 TEST_F(SettingsOnDisk, AreNotWrittenWhereTheirFolderIsAFile) {
