@@ -33,7 +33,7 @@ constexpr int LeastPictureHeight = 8;
 constexpr int MostPictureHeight = 1024;
 // Of a picture's room, in heights.
 constexpr int PictureWidth = 4;
-// How long a ticker is waited for that is to give back signs.
+// How long a ticker is waited for that is to give back signs, besides the time that they take.
 constexpr std::chrono::milliseconds EndPatience = 3s;
 // Digits of the hash that tells services with other sources apart.
 constexpr qsizetype HashDigits = 16;
@@ -149,8 +149,8 @@ int SendingProgram::exec() {
   QObject::connect(sender_.get(), &SignSender::finished, sender_.get(),
                    [] { QCoreApplication::quit(); });
   QObject::connect(&interrupts_, &Interrupts::interrupted, sender_.get(), [this] {
-    QTimer::singleShot(EndPatience, [] { QCoreApplication::quit(); });
     sender_->finish(atEnd_);
+    QTimer::singleShot(EndPatience + sender_->removalTime(), [] { QCoreApplication::quit(); });
   });
   QCoreApplication::exec();
   return Success;

@@ -219,6 +219,11 @@ void SignSender::finish(EndlessSigns endless) {
     Q_EMIT finished();
 }
 
+std::chrono::milliseconds SignSender::removalTime() const {
+  const double seconds = static_cast<double>(removals_.size()) / limits_.rate;
+  return std::chrono::milliseconds(std::llround(seconds * 1000));
+}
+
 void SignSender::sendNext() {
   while (!underWay_ && !pause_.isActive() && link_.isThere()) {
     const bool hasNothing = removals_.empty() && waiting_.empty() && !isOrderDue_;

@@ -78,6 +78,8 @@ class SignSender : public QObject, public SignReceiver {
   // Sends nothing more, takes back what is said, and emits `finished` once the ticker has answered,
   // from the event loop; at once where there is none.
   void finish(EndlessSigns endless);
+  // How long it takes at most to send what is to be taken back, as long as the ticker answers.
+  std::chrono::milliseconds removalTime() const;
   Q_SIGNAL void finished();
 
  private:

@@ -426,6 +426,20 @@ TEST_F(SignsToATicker, StayAtTheEndWhereTheyAreToStay) {
   EXPECT_EQ(link.openCalls(), 0u);
 }
 
+TEST_F(SignsToATicker, AreGivenTheTimeThatTheirRemovalTakes) {
+  SendLimits limits;
+  limits.burst = 10;
+  limits.rate = 100;
+  sender.emplace(link, Sender, limits, [] { return 0.0; });
+  link.appear();
+  arrange({u"w"_s, u"x"_s, u"y"_s, u"z"_s});
+  link.takeAll();
+  EXPECT_EQ(sender->removalTime(), 0ms);
+  sender->finish(EndlessSigns::AreTakenBack);
+  EXPECT_EQ(link.openCalls(), 1u);
+  EXPECT_EQ(sender->removalTime(), 30ms) << "for three more";
+}
+
 TEST_F(SignsToATicker, EndAtOnceWithoutIt) {
   link.appear();
   arrange({u"x"_s});
