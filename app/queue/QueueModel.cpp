@@ -36,11 +36,10 @@ QueueModel::QueueModel(QueueSource& source, QObject* parent)
     : QAbstractTableModel(parent), source_(source) {}
 QueueModel::~QueueModel() = default;
 
-bool QueueModel::refresh() {
+bool QueueModel::refresh(Refresh refresh) {
   const std::uint64_t revision = source_.revision();
-  if (revision_ == revision)
+  if (revision_ == revision || !takeOver(source_.rows(), refresh))
     return false;
-  takeOver(source_.rows());
   revision_ = revision;
   return true;
 }
@@ -75,7 +74,7 @@ struct QueueModel::Middle {
   }
 };
 
-void QueueModel::takeOver(std::vector<QueuedSign> rows) {
+bool QueueModel::takeOver(std::vector<QueuedSign> rows, Refresh refresh) {
   const auto isSame = [](const QueuedSign& a, const QueuedSign& b) { return a.entry == b.entry; };
   Middle middle;
   const auto atStart = std::mismatch(rows_.begin(), rows_.end(), rows.begin(), rows.end(), isSame);
@@ -86,12 +85,15 @@ void QueueModel::takeOver(std::vector<QueuedSign> rows) {
   middle.behind = static_cast<int>(atEnd.first - rows_.rbegin());
   if (takeOverStepwise(rows, middle)) {
     tellChanges(rows);
-    return;
+    return true;
   }
+  if (refresh == Refresh::KeepsIndexes)
+    return false;
   beginResetModel();
   rows_ = std::move(rows);
   placesChanged();
   endResetModel();
+  return true;
 }
 
 // Leaves rows_ with the entries of `rows` in their order. False, and nothing is done, where that
@@ -340,7 +342,7 @@ bool QueueModel::replace(int row, const Ref<ZQTickerSign>& sign,
   // The row goes on as that of the new sign, with its indexes and its editor.
   edited.entry = replaced;
   placesChanged();
-  refresh();
+  refresh(Refresh::KeepsIndexes);
   return true;
 }
 

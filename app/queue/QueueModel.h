@@ -31,8 +31,11 @@ class QueueModel : public QAbstractTableModel {
   explicit QueueModel(QueueSource& source, QObject* parent = nullptr);
   ~QueueModel() override;
 
-  // Takes over what has changed in the queue; whether anything has.
-  bool refresh();
+  // A table that starts anew loses its indexes, and with them what is being edited.
+  enum class Refresh { MayStartAnew, KeepsIndexes };
+  // Takes over what has changed in the queue; whether anything has. What changed so much that the
+  // table would have to start anew is left for another refresh where it must not.
+  bool refresh(Refresh refresh = Refresh::MayStartAnew);
 
   const QueuedSign& queueRow(int row) const { return rows_[static_cast<std::size_t>(row)]; }
   // The row of an entry; -1 for one that is not shown.
@@ -54,7 +57,7 @@ class QueueModel : public QAbstractTableModel {
  private:
   struct Middle;
 
-  void takeOver(std::vector<QueuedSign> rows);
+  bool takeOver(std::vector<QueuedSign> rows, Refresh refresh);
   bool takeOverStepwise(const std::vector<QueuedSign>& rows, const Middle& middle);
   void removeGone(const QHash<const void*, int>& places, const Middle& middle);
   void reorder(const QHash<const void*, int>& places, const Middle& middle);

@@ -130,7 +130,13 @@ std::vector<Strip::Entry> QueueTable::selectedEntries() const {
   return entries;
 }
 
+bool QueueTable::isEditing() const {
+  return state() == EditingState && indexWidget(currentIndex());
+}
+
 void QueueTable::selectEntries(const std::vector<Strip::Entry>& entries) {
+  if (isEditing())
+    return;
   std::vector<int> rows;
   for (const Strip::Entry& entry : entries)
     if (const int row = model_.rowOf(entry); row >= 0)
@@ -186,13 +192,17 @@ void QueueTable::restore(const Place& place) {
 
 void QueueTable::refreshRows() {
   const Place before = place();
+  const bool wasEditing = isEditing();
   std::vector<Strip::Entry> selected;
   const auto remember = connect(&model_, &QAbstractItemModel::modelAboutToBeReset, this,
                                 [&] { selected = selectedEntries(); });
-  const bool isChanged = model_.refresh();
+  const bool isChanged = model_.refresh(wasEditing ? QueueModel::Refresh::KeepsIndexes
+                                                   : QueueModel::Refresh::MayStartAnew);
   disconnect(remember);
   if (!isChanged)
     return;
+  if (wasEditing && !isEditing())
+    setFocus();
   const bool lostCurrent = before.current && !currentIndex().isValid();
   if (!selected.empty())
     selectEntries(selected);

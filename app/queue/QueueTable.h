@@ -26,11 +26,13 @@ class QueueTable : public ZQHighlightTableView {
 
   // The entries of the selected rows, in their order.
   std::vector<Strip::Entry> selectedEntries() const;
-  // Selects these, and makes the first one current and seen.
+  // Selects these, and makes the first one current and seen; not while a cell is being edited,
+  // since that would end the edit.
   void selectEntries(const std::vector<Strip::Entry>& entries);
 
   // Refreshes the model. What is selected and current stays so; what is in sight keeps its place,
-  // except that the beginning of the table stays in sight where it is.
+  // except that the beginning of the table stays in sight where it is. A cell that is being edited
+  // stays so for as long as its sign is queued; then the keyboard comes back to the table.
   void refreshRows();
 
   // Makes the first row current where none is, for the keyboard to begin at.
@@ -67,6 +69,7 @@ class QueueTable : public ZQHighlightTableView {
  private:
   struct Place;
 
+  bool isEditing() const;
   Place place() const;
   void restore(const Place& place);
   int rowEdge(int row) const;

@@ -189,6 +189,26 @@ TEST_F(QueueModelRows, StartAnewOnlyWhereMuchHasChanged) {
   EXPECT_EQ(model.rowCount(), 250);
 }
 
+TEST_F(QueueModelRows, DoNotStartAnewWhereIndexesAreToBeKept) {
+  queue.addLines(300);
+  model.refresh();
+  const QPersistentModelIndex kept = model.index(1, QueueModel::TextColumn);
+  std::vector<QueuedSign> odd;
+  for (std::size_t i = 1; i < queue.list.size(); i += 2)
+    odd.push_back(queue.list[i]);
+  queue.list = odd;
+  queue.changed();
+  EXPECT_FALSE(model.refresh(QueueModel::Refresh::KeepsIndexes));
+  EXPECT_EQ(follower.resets, 0);
+  EXPECT_EQ(model.rowCount(), 300);
+  EXPECT_TRUE(model.setData(kept, u"edited"_s, Qt::EditRole));
+  EXPECT_EQ(queue.texts().first(), u"edited"_s);
+  EXPECT_TRUE(kept.isValid());
+  EXPECT_TRUE(model.refresh());
+  EXPECT_EQ(follower.resets, 1);
+  EXPECT_EQ(texts(), queue.texts());
+}
+
 TEST_F(QueueModelRows, SayThemselvesToAssistiveTechnology) {
   const auto sign = ZQComboTickerSign::make(u"mail"_s, plainPicture({40, 20}, Qt::red));
   sign->setLoopCount(ZQEndlessLoopCount);

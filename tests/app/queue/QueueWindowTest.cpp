@@ -12,6 +12,7 @@
 
 #include <QtCore/QFile>
 #include <QtCore/QMimeData>
+#include <QtCore/QPointer>
 #include <QtCore/QSettings>
 #include <QtCore/QTemporaryDir>
 #include <QtCore/QUrl>
@@ -211,6 +212,56 @@ TEST_F(QueueWindowKeys, EditTheTextInItsPlace) {
   press(Qt::Key_Escape);
   EXPECT_FALSE(queue.texts()[1].contains(u"xyz"));
   EXPECT_TRUE(window.isVisible()) << "the key ends the edit only";
+}
+
+TEST_F(QueueWindowKeys, KeepWhatIsBeingTyped) {
+  queue.addLines(300);
+  show();
+  select({101});
+  press(Qt::Key_F2);
+  const QPointer<QLineEdit> field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+  ASSERT_TRUE(field);
+  field->selectAll();
+  type(u"half"_s);
+  // So much that the table would start anew.
+  std::vector<QueuedSign> odd;
+  for (std::size_t i = 1; i < queue.list.size(); i += 2)
+    odd.push_back(queue.list[i]);
+  queue.list = odd;
+  queue.changed();
+  window.table().refreshRows();
+  QMimeData contents;
+  contents.setText(u"dropped"_s);
+  window.editor().addDrop(contents, 0, 1);
+  QApplication::processEvents();
+  ASSERT_EQ(QApplication::focusWidget(), field);
+  ASSERT_TRUE(queue.texts().contains(u"line 101"_s)) << "nothing is taken before it is done";
+  type(u" done"_s);
+  press(Qt::Key_Return);
+  EXPECT_EQ(queue.texts().filter(u"half"_s), QStringList{u"half done"_s});
+  EXPECT_FALSE(queue.texts().contains(u"line 101"_s));
+  window.table().refreshRows();
+  EXPECT_EQ(window.model().rowCount(), 151);
+  EXPECT_EQ(selected(), QStringList{u"half done"_s});
+}
+
+TEST_F(QueueWindowKeys, EndTheEditOfASignThatHasGone) {
+  fill({u"a"_s, u"b"_s, u"c"_s});
+  select({1});
+  press(Qt::Key_F2);
+  const QPointer<QLineEdit> field = qobject_cast<QLineEdit*>(QApplication::focusWidget());
+  ASSERT_TRUE(field);
+  type(u"x"_s);
+  queue.list.erase(queue.list.begin() + 1);
+  queue.changed();
+  window.table().refreshRows();
+  EXPECT_EQ(QApplication::focusWidget(), &window.table());
+  EXPECT_TRUE(waitUntil([&] { return !field; }));
+  EXPECT_EQ(queue.texts(), (QStringList{u"a"_s, u"c"_s}));
+  select({1});
+  EXPECT_EQ(selected(), QStringList{u"c"_s});
+  press(Qt::Key_F2);
+  EXPECT_TRUE(qobject_cast<QLineEdit*>(QApplication::focusWidget()));
 }
 
 TEST_F(QueueWindowKeys, EditHowOftenASignIsShown) {
