@@ -61,8 +61,8 @@ QueueWindow::QueueWindow(QueueSource& queue, const QString& stateFile)
 }
 
 QueueWindow::~QueueWindow() {
-  if (isVisible())
-    keepState();
+  // While all of it is still there: hiding keeps its state and ends edits.
+  hide();
 }
 
 QString QueueWindow::defaultStateFile() {

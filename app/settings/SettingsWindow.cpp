@@ -53,7 +53,10 @@ SettingsWindow::SettingsWindow(SettingsStore& settings, QWidget* parent)
   load();
 }
 
-SettingsWindow::~SettingsWindow() = default;
+SettingsWindow::~SettingsWindow() {
+  // While all of it is still there: pages that are hidden tell what was chosen last.
+  hide();
+}
 
 void SettingsWindow::showInFront() {
   show();

@@ -69,7 +69,11 @@ Ticker::Ticker(const RunOptions& options)
   connect(&queue, &QAction::triggered, this, &Ticker::showQueue);
 }
 
-Ticker::~Ticker() = default;
+Ticker::~Ticker() {
+  // While all of it is still there: windows that close may change something.
+  settingsWindow_.reset();
+  queueWindow_.reset();
+}
 
 void Ticker::run(const QStringList& arguments, const QString& folder,
                  const QDBusUnixFileDescriptor& standardInput) {

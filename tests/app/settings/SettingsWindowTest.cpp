@@ -30,6 +30,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
@@ -158,6 +159,15 @@ TEST_F(SettingsDialog, TakesTheSpeedOfTheSlider) {
   slider.setValue(slider.minimum());
   window.close();
   EXPECT_EQ(settings().speed, 5) << "not lost with the window";
+}
+
+TEST_F(SettingsDialog, KeepsWhatWasChosenLastWhenItGoes) {
+  auto other = std::make_unique<SettingsWindow>(store);
+  other->showInFront();
+  QSlider& slider = *other->findChild<QSlider*>();
+  slider.setValue(slider.maximum());
+  other.reset();
+  EXPECT_EQ(settings().speed, 1000);
 }
 
 TEST_F(SettingsDialog, ShowsWhatOthersChange) {

@@ -17,6 +17,8 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include <unistd.h>
 
 using namespace Qt::StringLiterals;
@@ -75,8 +77,11 @@ TEST_F(RunningTicker, FinishesWhenAllHasBeenShown) {
 
 TEST_F(RunningTicker, HidesAndGoesOnWhileItWaitsForMessages) {
   ticker.setWaiting(true);
+  bool wasShown = false;
+  QObject::connect(&ticker, &Ticker::changed, &ticker,
+                   [&] { wasShown = wasShown || ticker.widget().isVisible(); });
   ticker.show(text(u"Hello"_s));
-  EXPECT_TRUE(waitUntil([&] { return ticker.widget().isVisible(); }));
+  EXPECT_TRUE(waitUntil([&] { return wasShown; }));
   EXPECT_TRUE(waitUntil([&] { return !ticker.widget().isVisible(); }));
   EXPECT_EQ(finishedCount, 0);
   ticker.show(text(u"again"_s, ZQEndlessLoopCount));
@@ -215,6 +220,22 @@ TEST_F(RunningTicker, OpensNoWindowWhereItIsAskedNotTo) {
 TEST_F(RunningTicker, OpensTheQueueFromTheMenu) {
   ticker.widget().menu().queue().trigger();
   EXPECT_TRUE(isQueueShown());
+}
+
+TEST_F(RunningTicker, EndsWhileASignIsBeingEdited) {
+  auto other = std::make_unique<Ticker>(options());
+  other->show(text(u"one"_s));
+  other->show(text(u"two"_s));
+  other->showQueue();
+  QueueWindow* window = queueWindow();
+  ASSERT_TRUE(window);
+  QueueTable& table = window->table();
+  table.refreshRows();
+  table.setCurrentIndex(window->model().index(1, QueueModel::TextColumn));
+  table.editCurrent(QueueModel::TextColumn);
+  ASSERT_TRUE(table.indexWidget(table.currentIndex()));
+  other.reset();
+  EXPECT_FALSE(queueWindow());
 }
 
 TEST_F(RunningTicker, DoesNotFinishWhileAWindowIsOpen) {
