@@ -108,7 +108,8 @@ TEST_F(TickerWithSettings, KeepsWhatTheCommandLineSays) {
 }
 
 TEST_F(TickerWithSettings, MovesNothingWithSpeedAndColors) {
-  start({u"--text"_s, u"a long line of text that stays where it is"_s, u"--speed"_s, u"1000"_s});
+  start({u"--text"_s, u"a long line of text that stays where it is"_s, u"--speed"_s, u"1000"_s,
+         u"--loop"_s, u"forever"_s});
   TickerDisplay& display = ticker->display();
   const Strip& strip = display.strip();
   ASSERT_TRUE(waitUntil([&] { return !strip.runs().empty(); }));
