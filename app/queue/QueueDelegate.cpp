@@ -12,6 +12,8 @@ namespace zq::app {
 namespace {
 // Points: the mark of what is on the strip.
 constexpr QSizeF MarkSize(8, 10);
+// A property of fields for numbers.
+constexpr char ShownBefore[] = "shownBefore";
 
 QColor inkOf(const QStyleOptionViewItem& option) {
   const QPalette::ColorGroup group =
@@ -90,9 +92,10 @@ void QueueDelegate::setEditorData(QWidget* editor, const QModelIndex& index) con
   if (editor->property("isFilled").toBool())
     return;
   editor->setProperty("isFilled", true);
-  if (auto* box = qobject_cast<ShowingsBox*>(editor))
+  if (auto* box = qobject_cast<ShowingsBox*>(editor)) {
     box->setShowings(index.data(Qt::EditRole).toLongLong());
-  else if (auto* line = qobject_cast<QLineEdit*>(editor))
+    box->setProperty(ShownBefore, box->value());
+  } else if (auto* line = qobject_cast<QLineEdit*>(editor))
     line->setText(index.data(Qt::EditRole).toString());
 }
 
@@ -100,7 +103,9 @@ void QueueDelegate::setModelData(QWidget* editor, QAbstractItemModel* model,
                                  const QModelIndex& index) const {
   if (auto* box = qobject_cast<ShowingsBox*>(editor)) {
     box->interpretText();
-    model->setData(index, QVariant::fromValue<qlonglong>(box->showings()));
+    // Numbers that the field cannot show are no change.
+    if (box->value() != box->property(ShownBefore).toInt())
+      model->setData(index, QVariant::fromValue<qlonglong>(box->showings()));
   } else if (const auto* line = qobject_cast<QLineEdit*>(editor)) {
     // Line breaks that the field cannot show are no change.
     if (line->isModified())

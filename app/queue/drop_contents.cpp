@@ -19,6 +19,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <new>
 
 using namespace Qt::StringLiterals;
 
@@ -288,6 +289,10 @@ std::vector<LoadedFile> loadFiles(const QList<QUrl>& urls, QSize room,
                                .arg(MostDroppedBytes >> 20));
     } catch (const RunTimeError& error) {
       file.problem = error.message();
+    } catch (const std::bad_alloc&) {
+      file.problem = tr("%1: too large").arg(shownName(url.toLocalFile()));
+    }
+    if (!file.problem.isEmpty()) {
       file.bytes = QByteArray();
       file.picture = QImage();
     }

@@ -278,6 +278,22 @@ TEST_F(QueueWindowKeys, EditHowOftenASignIsShown) {
   EXPECT_EQ(queue.list[0].loopsLeft, -1);
 }
 
+TEST_F(QueueWindowKeys, LeaveNumbersThatTheFieldCannotShow) {
+  fill({u"first"_s});
+  for (const std::int64_t left : {std::int64_t(0), std::int64_t(ShowingsBox::MostShowings) + 1}) {
+    queue.list[0].loopsLeft = left;
+    queue.changed();
+    window.table().refreshRows();
+    select({0});
+    window.table().setCurrentIndex(window.model().index(0, QueueModel::LoopsColumn));
+    press(Qt::Key_F2);
+    ASSERT_TRUE(window.table().findChild<ShowingsBox*>());
+    press(Qt::Key_Return);
+    EXPECT_EQ(queue.list[0].loopsLeft, left);
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  }
+}
+
 TEST_F(QueueWindowKeys, AddALine) {
   fill({u"first"_s});
   auto* field = called<QLineEdit>(u"Text to add"_s);
