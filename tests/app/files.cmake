@@ -31,9 +31,11 @@ set(app_SOURCES
     MotionTest.cpp
     OptionTableTest.cpp
     PathWatchTest.cpp
+    Probe.h
     Program.cpp
     Program.h
     ProgramTest.cpp
+    probe_program.h
     RestingPointerTest.cpp
     ScreenTest.cpp
     ShellCompletionTest.cpp

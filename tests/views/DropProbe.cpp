@@ -4,6 +4,7 @@
 //   zqticker-views-probe source | target | both [copy | move | none] [unprepared | raising]
 //
 // The operation is what the target answers; copy by default.
+#include "tests/app/probe_program.h"
 #include "zqticker/views/ZQDraggingDestinationScrollView.h"
 #include "zqticker/views/ZQHighlightTableView.h"
 
@@ -14,55 +15,15 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QHeaderView>
 
-#include <cstdio>
 #include <stdexcept>
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
+using zq::app::testing::nameOf;
+using zq::app::testing::say;
+using zq::app::testing::ShownWatch;
 
 namespace {
-
-void say(const QString& line) {
-  std::puts(line.toUtf8().constData());
-  std::fflush(stdout);
-}
-
-QString nameOf(Qt::DropAction action) {
-  switch (action) {
-  case Qt::CopyAction:
-    return u"copy"_s;
-  case Qt::MoveAction:
-    return u"move"_s;
-  case Qt::LinkAction:
-    return u"link"_s;
-  default:
-    return u"none"_s;
-  }
-}
-
-// Says "<name> shown x y", where its upper left corner is on the screen, once `window` is there.
-class ShownWatch : public QObject {
- public:
-  ShownWatch(QWidget& window, const QString& name) : QObject(&window), window_(window) {
-    setObjectName(name);
-    window.installEventFilter(this);
-  }
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Paint && !isShown_) {
-      isShown_ = true;
-      const QPoint corner = window_.mapToGlobal(QPoint(0, 0));
-      say(objectName() % u" shown "_s % QString::number(corner.x()) % u' ' %
-          QString::number(corner.y()));
-    }
-    return QObject::eventFilter(watched, event);
-  }
-
- private:
-  QWidget& window_;
-  bool isShown_ = false;
-};
 
 // Lets the text "dragged" be dragged out.
 class SourceWindow : public QWidget {

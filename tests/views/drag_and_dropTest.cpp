@@ -1,14 +1,14 @@
 // Drags with the mouse on a real X server, between programs and within one.
-#include "tests/app/XServer.h"
+#include "tests/app/Probe.h"
 
 #include <gtest/gtest.h>
-
-#include <QtCore/QProcess>
 
 #include <memory>
 #include <optional>
 
 using namespace Qt::StringLiterals;
+using zq::app::testing::Pointer;
+using zq::app::testing::Probe;
 using zq::app::testing::waitUntil;
 using zq::app::testing::XServer;
 
@@ -24,61 +24,19 @@ std::string text(const QStringList& lines) {
   return lines.join(u", ").toStdString();
 }
 
-// A probe while it runs.
-class Probe {
- public:
-  Probe(const QStringList& arguments, const XServer& server) {
-    process_.setProcessEnvironment(server.environment());
-    process_.start(QStringLiteral(ZQTICKER_VIEWS_PROBE), arguments);
-  }
-  ~Probe() {
-    process_.kill();
-    process_.waitForFinished();
-  }
+const QString ProbeProgram = QStringLiteral(ZQTICKER_VIEWS_PROBE);
 
-  // All that it has said so far.
-  const QStringList& lines() {
-    while (process_.canReadLine())
-      lines_.append(QString::fromUtf8(process_.readLine().trimmed()));
-    return lines_;
+// What it has said of the last visit, without the moves.
+QStringList stepsOf(Probe& probe) {
+  QStringList steps;
+  for (const QString& line : probe.lines()) {
+    if (line.startsWith(u"entered "))
+      steps.clear();
+    if (!line.startsWith(u"updated"))
+      steps.append(line);
   }
-  // Of the last visit, without the moves.
-  QStringList steps() {
-    QStringList steps;
-    for (const QString& line : lines()) {
-      if (line.startsWith(u"entered "))
-        steps.clear();
-      if (!line.startsWith(u"updated"))
-        steps.append(line);
-    }
-    return steps;
-  }
-  bool hasSaid(const QString& line) { return lines().contains(line); }
-  bool hasSaidStart(const QString& start) { return !lines().filter(start).isEmpty(); }
-  void forget() {
-    lines();
-    lines_.clear();
-  }
-  // How often it has logged `text`.
-  qsizetype logged(const QByteArray& text) {
-    errors_ += process_.readAllStandardError();
-    return errors_.count(text);
-  }
-
-  // Where the window called `name` is on the screen, once it is shown.
-  std::optional<QPoint> awaitWindow(const QString& name) {
-    const QString start = name + u" shown "_s;
-    if (!waitUntil([&] { return hasSaidStart(start); }))
-      return std::nullopt;
-    const QStringList words = lines().filter(start).first().split(u' ');
-    return QPoint(words[2].toInt(), words[3].toInt());
-  }
-
- private:
-  QProcess process_;
-  QStringList lines_;
-  QByteArray errors_;
-};
+  return steps;
+}
 
 class DragAndDrop : public ::testing::Test {
  protected:
@@ -87,12 +45,13 @@ class DragAndDrop : public ::testing::Test {
       GTEST_SKIP() << "Xvfb or xdotool is not installed";
     server_.emplace(640, 400);
     ASSERT_FALSE(server_->display().isEmpty()) << "Xvfb does not start";
+    pointer_.emplace(*server_);
   }
 
   // Two programs, and the options of the one that takes the drops.
   void start(const QStringList& options = {}) {
-    source = std::make_unique<Probe>(QStringList{u"source"_s}, *server_);
-    target = std::make_unique<Probe>(QStringList{u"target"_s} + options, *server_);
+    source = std::make_unique<Probe>(ProbeProgram, QStringList{u"source"_s}, *server_);
+    target = std::make_unique<Probe>(ProbeProgram, QStringList{u"target"_s} + options, *server_);
     findWindows(*source, *target);
   }
   void findWindows(Probe& ofSource, Probe& ofTarget) {
@@ -103,30 +62,10 @@ class DragAndDrop : public ::testing::Test {
     targetCorner = *to;
   }
 
-  void xdotool(const QStringList& arguments) {
-    QProcess process;
-    process.setProcessEnvironment(server_->environment());
-    process.start(u"xdotool"_s, arguments);
-    EXPECT_TRUE(process.waitForFinished());
-    EXPECT_EQ(process.exitCode(), 0) << process.readAllStandardError().constData();
-  }
-  void moveTo(QPoint point) {
-    xdotool({u"mousemove"_s, QString::number(point.x()), QString::number(point.y())});
-  }
-  // Moves the pointer about `point` until `condition` holds: what moves while the other side has
-  // not answered yet is not told. Now and then on a busy machine the dragging side waits for an
-  // answer that does not come; it asks anew when the pointer comes in anew.
+  void xdotool(const QStringList& arguments) { pointer_->tell(arguments); }
+  void moveTo(QPoint point) { pointer_->moveTo(point); }
   bool moveUntil(QPoint point, const std::function<bool()>& condition) {
-    constexpr int MovesPerVisit = 200;
-    int step = 0;
-    return waitUntil([&] {
-      if (condition())
-        return true;
-      if (++step % MovesPerVisit == 0)
-        moveTo(QPoint(0, 0));
-      moveTo(point + QPoint(step % 2, 0));
-      return false;
-    });
+    return pointer_->moveUntil(point, condition);
   }
 
   // Takes hold of what the source has, with the left button.
@@ -154,6 +93,7 @@ class DragAndDrop : public ::testing::Test {
   }
 
   std::optional<XServer> server_;
+  std::optional<Pointer> pointer_;
   std::unique_ptr<Probe> source;
   std::unique_ptr<Probe> target;
   QPoint sourceCorner;
@@ -180,7 +120,7 @@ TEST_F(DragAndDrop, FromAnotherProgramEntersMovesAndDrops) {
   release();
   EXPECT_TRUE(waitUntil([&] { return source->hasSaid(u"result copy"_s); }));
   EXPECT_TRUE(waitUntil([&] { return target->hasSaid(u"ended"_s); }));
-  const QStringList steps = target->steps();
+  const QStringList steps = stepsOf(*target);
   ASSERT_FALSE(steps.isEmpty());
   EXPECT_TRUE(steps.first().startsWith(u"entered "));
   EXPECT_EQ(text(steps.mid(1)),
@@ -198,7 +138,7 @@ TEST_F(DragAndDrop, ThatLeavesExitsAndMayComeBack) {
     ASSERT_TRUE(moveUntil(targetCorner + QPoint(40, 30),
                           [&] { return target->hasSaid(u"highlight 1"_s); }));
     ASSERT_TRUE(moveUntil(outside, [&] { return target->hasSaid(u"highlight 0"_s); }));
-    const QStringList steps = target->steps();
+    const QStringList steps = stepsOf(*target);
     EXPECT_TRUE(steps.first().startsWith(u"entered "));
     EXPECT_EQ(text(steps.mid(3)),
               text(QStringList{u"highlight 1"_s, u"exited"_s, u"highlight 0"_s}));
@@ -222,7 +162,7 @@ TEST_F(DragAndDrop, ThatIsRefusedExitsWhenItIsDropped) {
   release();
   EXPECT_TRUE(waitUntil([&] { return source->hasSaid(u"result none"_s); }));
   EXPECT_TRUE(waitUntil([&] { return target->hasSaid(u"exited"_s); }));
-  EXPECT_EQ(text(target->steps().mid(1)),
+  EXPECT_EQ(text(stepsOf(*target).mid(1)),
             text(QStringList{u"mask 23"_s, u"source elsewhere"_s, u"exited"_s}));
 }
 
@@ -235,7 +175,7 @@ TEST_F(DragAndDrop, ThatIsNotPreparedOnlyEnds) {
   release();
   EXPECT_TRUE(waitUntil([&] { return source->hasSaidStart(u"result"_s); }));
   EXPECT_TRUE(waitUntil([&] { return target->hasSaid(u"highlight 0"_s); }));
-  EXPECT_EQ(text(target->steps().mid(3)),
+  EXPECT_EQ(text(stepsOf(*target).mid(3)),
             text(QStringList{u"highlight 1"_s, u"prepare"_s, u"ended"_s, u"highlight 0"_s}));
 }
 
@@ -249,7 +189,7 @@ TEST_F(DragAndDrop, WhoseDelegateRaisesIsLoggedAndTheNextOneComes) {
     release();
     EXPECT_TRUE(waitUntil([&] { return source->hasSaidStart(u"result"_s); }));
     EXPECT_TRUE(waitUntil([&] { return target->hasSaid(u"highlight 0"_s); }));
-    EXPECT_EQ(text(target->steps().mid(4)),
+    EXPECT_EQ(text(stepsOf(*target).mid(4)),
               text(QStringList{u"prepare"_s, u"perform dragged"_s, u"ended"_s, u"highlight 0"_s}));
     EXPECT_TRUE(waitUntil(
         [&] { return target->logged("Error in the callback of a view: this drop") == drop + 1; }));
@@ -257,7 +197,7 @@ TEST_F(DragAndDrop, WhoseDelegateRaisesIsLoggedAndTheNextOneComes) {
 }
 
 TEST_F(DragAndDrop, WithinAProgramKnowsItsSource) {
-  target = std::make_unique<Probe>(QStringList{u"both"_s, u"move"_s}, *server_);
+  target = std::make_unique<Probe>(ProbeProgram, QStringList{u"both"_s, u"move"_s}, *server_);
   ASSERT_NO_FATAL_FAILURE(findWindows(*target, *target));
   ASSERT_NO_FATAL_FAILURE(pick(*target));
   ASSERT_TRUE(

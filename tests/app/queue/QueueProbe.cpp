@@ -5,6 +5,7 @@
 //   zqticker-queue-probe window [empty | dark]…
 //   zqticker-queue-probe source text TEXT | link URL TITLE | picture | files PATH… | many
 #include "app/queue/QueueWindow.h"
+#include "tests/app/probe_program.h"
 #include "tests/app/queue/FakeQueue.h"
 
 #include <QtCore/QMimeData>
@@ -16,56 +17,12 @@
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QStyleFactory>
 
-#include <cstdio>
-
 using namespace Qt::StringLiterals;
 using namespace zq::app;
 using namespace zq::app::testing;
 using namespace zq::platform;
 
 namespace {
-void say(const QString& line) {
-  std::puts(line.toUtf8().constData());
-  std::fflush(stdout);
-}
-
-QString nameOf(Qt::DropAction action) {
-  switch (action) {
-  case Qt::CopyAction:
-    return u"copy"_s;
-  case Qt::MoveAction:
-    return u"move"_s;
-  case Qt::LinkAction:
-    return u"link"_s;
-  default:
-    return u"none"_s;
-  }
-}
-
-// Says "<name> shown x y", where its upper left corner is on the screen, once `window` is there.
-class ShownWatch : public QObject {
- public:
-  ShownWatch(QWidget& window, const QString& name) : QObject(&window), window_(window) {
-    setObjectName(name);
-    window.installEventFilter(this);
-  }
-
- protected:
-  bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() == QEvent::Paint && !isShown_) {
-      isShown_ = true;
-      const QPoint corner = window_.mapToGlobal(QPoint(0, 0));
-      say(objectName() % u" shown "_s % QString::number(corner.x()) % u' ' %
-          QString::number(corner.y()));
-    }
-    return QObject::eventFilter(watched, event);
-  }
-
- private:
-  QWidget& window_;
-  bool isShown_ = false;
-};
-
 QImage drawnPicture() {
   QImage picture(60, 40, QImage::Format_ARGB32_Premultiplied);
   picture.fill(Qt::transparent);

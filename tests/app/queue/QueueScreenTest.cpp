@@ -1,10 +1,9 @@
 // The queue window on a real X server: drags from other programs and within it, and real keys.
-#include "tests/app/XServer.h"
+#include "tests/app/Probe.h"
 
 #include <gtest/gtest.h>
 
 #include <QtCore/QFile>
-#include <QtCore/QProcess>
 #include <QtCore/QTemporaryDir>
 
 #include <memory>
@@ -20,46 +19,7 @@ const QString Box = u"Pack my box with five dozen liquor jugs"_s;
 const QString Moons = u"A combo sign: two moons"_s;
 const QString Rain = u"Rain tomorrow, 12 °C — شمس بعد غد"_s;
 
-// A probe while it runs.
-class Probe {
- public:
-  Probe(const QStringList& arguments, const XServer& server) {
-    process_.setProcessEnvironment(server.environment());
-    process_.start(QStringLiteral(ZQTICKER_QUEUE_PROBE), arguments);
-  }
-  ~Probe() {
-    process_.kill();
-    process_.waitForFinished();
-  }
-
-  const QStringList& lines() {
-    while (process_.canReadLine())
-      lines_.append(QString::fromUtf8(process_.readLine().trimmed()));
-    return lines_;
-  }
-  bool hasSaid(const QString& line) { return lines().contains(line); }
-  bool hasSaidStart(const QString& start) { return !lines().filter(start).isEmpty(); }
-  // The last line that begins so, without the beginning.
-  QString last(const QString& start) {
-    const QStringList said = lines().filter(start);
-    return said.isEmpty() ? QString() : said.last().mid(start.size());
-  }
-  void forget() {
-    lines();
-    lines_.clear();
-  }
-  std::optional<QPoint> awaitWindow(const QString& name) {
-    const QString start = name + u" shown "_s;
-    if (!waitUntil([&] { return hasSaidStart(start); }))
-      return std::nullopt;
-    const QStringList words = lines().filter(start).first().split(u' ');
-    return QPoint(words[2].toInt(), words[3].toInt());
-  }
-
- private:
-  QProcess process_;
-  QStringList lines_;
-};
+const QString ProbeProgram = QStringLiteral(ZQTICKER_QUEUE_PROBE);
 
 class QueueScreen : public ::testing::Test {
  protected:
@@ -68,13 +28,14 @@ class QueueScreen : public ::testing::Test {
       GTEST_SKIP() << "Xvfb or xdotool is not installed";
     server_.emplace(800, 500);
     ASSERT_FALSE(server_->display().isEmpty()) << "Xvfb does not start";
-    window_ = std::make_unique<Probe>(QStringList{u"window"_s}, *server_);
+    pointer_.emplace(*server_);
+    window_ = std::make_unique<Probe>(ProbeProgram, QStringList{u"window"_s}, *server_);
     const auto corner = window_->awaitWindow(u"window"_s);
     ASSERT_TRUE(corner);
     table_ = *corner;
   }
   void startSource(const QStringList& contents) {
-    source_ = std::make_unique<Probe>(QStringList{u"source"_s} + contents, *server_);
+    source_ = std::make_unique<Probe>(ProbeProgram, QStringList{u"source"_s} + contents, *server_);
     const auto corner = source_->awaitWindow(u"source"_s);
     ASSERT_TRUE(corner);
     sourceCorner_ = *corner;
@@ -85,30 +46,11 @@ class QueueScreen : public ::testing::Test {
         moveUntil(sourceCorner_ + QPoint(60, 40), [&] { return source_->hasSaid(u"dragging"_s); }));
   }
 
-  void tell(const QStringList& what) {
-    QProcess tool;
-    tool.setProcessEnvironment(server_->environment());
-    tool.start(u"xdotool"_s, what);
-    ASSERT_TRUE(tool.waitForFinished());
-    ASSERT_EQ(tool.exitCode(), 0);
-  }
-  void tellMove(QPoint point) {
-    tell({u"mousemove"_s, QString::number(point.x()), QString::number(point.y())});
-  }
+  void tell(const QStringList& what) { pointer_->tell(what); }
+  void tellMove(QPoint point) { pointer_->moveTo(point); }
   void key(const QString& keys) { tell({u"key"_s, keys}); }
-  // Moves about `point` until `condition` holds; now and then comes in anew, since an answer to the
-  // dragging side may be lost on a busy machine.
   bool moveUntil(QPoint point, const std::function<bool()>& condition) {
-    constexpr int MovesPerVisit = 200;
-    int step = 0;
-    return waitUntil([&] {
-      if (condition())
-        return true;
-      if (++step % MovesPerVisit == 0)
-        tellMove(QPoint(0, 0));
-      tellMove(point + QPoint(step % 2, 0));
-      return false;
-    });
+    return pointer_->moveUntil(point, condition);
   }
   // A point in a row of the table, by a part of its height.
   QPoint inRow(int row, double part) const {
@@ -136,6 +78,7 @@ class QueueScreen : public ::testing::Test {
   }
 
   std::optional<XServer> server_;
+  std::optional<Pointer> pointer_;
   std::unique_ptr<Probe> window_;
   std::unique_ptr<Probe> source_;
   QPoint table_; // the upper left corner of its rows
