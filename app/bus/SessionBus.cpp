@@ -41,12 +41,13 @@ bool SessionBus::isOpen() const {
 bool SessionBus::open() {
   if (isOpen())
     return true;
-  if (!address_)
+  // What broke comes back by the timer, so that nobody misses that it is another connection.
+  const bool comesByItself = retry_.isActive() || !connection_.name().isEmpty();
+  if (!address_ || comesByItself)
     return false;
   if (connectOnce())
     return true;
-  if (!retry_.isActive())
-    retry_.start(FirstRetryMilliseconds);
+  retry_.start(FirstRetryMilliseconds);
   return false;
 }
 

@@ -22,8 +22,8 @@ class SessionBus : public QObject {
   explicit SessionBus(std::optional<QString> address, QObject* parent = nullptr);
   ~SessionBus() override;
 
-  // Tries at once, and then again and again, more and more rarely, where there is an address.
-  // Whether it is open.
+  // Tries at once, and then again and again, more and more rarely, where there is an address; does
+  // nothing while it does so, and once a connection broke. Whether it is open.
   bool open();
   bool isOpen() const;
   const std::optional<QString>& address() const { return address_; }

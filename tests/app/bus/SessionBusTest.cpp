@@ -56,6 +56,28 @@ TEST(SessionBus, OpensAnewAsOftenAsTheBusRestarts) {
   }
 }
 
+TEST(SessionBus, TellsOfANewConnectionWhoeverAsksForItBefore) {
+  if (!PrivateBus::isInstalled())
+    GTEST_SKIP() << "dbus-daemon is not installed";
+  PrivateBus daemon;
+  SessionBus bus(daemon.address());
+  QStringList seen;
+  QObject::connect(&bus, &SessionBus::opened, [&] { seen.append(u"opened"_s); });
+  QObject::connect(&bus, &SessionBus::closed, [&] {
+    EXPECT_FALSE(bus.open()) << "the bus is there again, but nobody has been told yet";
+    seen.append(u"closed"_s);
+  });
+  ASSERT_TRUE(bus.open());
+  daemon.stop();
+  daemon.start();
+  // That it broke is known here before the event loop tells of it.
+  while (bus.isOpen())
+    continue;
+  EXPECT_FALSE(bus.open());
+  ASSERT_TRUE(waitUntil([&] { return bus.isOpen(); }));
+  EXPECT_EQ(seen, (QStringList{u"closed"_s, u"opened"_s}));
+}
+
 TEST_F(BusTicker, IsReachableAgainAfterTheBusHasRestarted) {
   EXPECT_TRUE(service_->ownsName());
   bus_->stop();

@@ -151,6 +151,18 @@ TEST_F(BusTicker, TellsClientsOfARestartOfTheBus) {
   EXPECT_TRUE(display({}).ok);
 }
 
+TEST_F(BusTicker, TellsClientsOfItsReturnAlsoWhereTheyCallBeforeIt) {
+  Appearances appearances(*client_);
+  client_->watch();
+  ASSERT_TRUE(waitUntil([&] { return appearances.seen.size() == 1; }));
+  bus_->stop();
+  ASSERT_TRUE(waitUntil([&] { return appearances.seen.size() == 2; }));
+  bus_->start();
+  EXPECT_TRUE(client_->displayMessage({}).isUnreachable());
+  ASSERT_TRUE(waitUntil([&] { return appearances.seen.size() == 3; }));
+  EXPECT_EQ(appearances.seen, (QStringList{u"there"_s, u"gone"_s, u"there"_s}));
+}
+
 TEST_F(BusTicker, LeavesCallbacksOfAClientThatHasGone) {
   int replies = 0;
   client_->displayMessage({}, [&](const BusReply&) { ++replies; });
