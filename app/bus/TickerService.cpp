@@ -140,7 +140,7 @@ void TickerService::nameLost(const QString& name) {
 
 void TickerService::setReceiver(TickerReceiver* receiver) {
   receiver_ = receiver;
-  handOut();
+  QMetaObject::invokeMethod(this, &TickerService::handOut, Qt::QueuedConnection);
 }
 
 void TickerService::handOut() {

@@ -41,7 +41,8 @@ class TickerService : public QObject {
   bool ownsName() const { return ownsName_; }
   const std::optional<QString>& address() const { return bus_.address(); }
 
-  // Who answers; requests wait until there is one. It must outlive the service or be taken away.
+  // Who answers, from the event loop: to quit before that runs would do nothing. Requests wait
+  // until there is one. It must outlive the service or be taken away.
   void setReceiver(TickerReceiver* receiver);
 
  private:

@@ -250,6 +250,16 @@ TEST_F(BusTicker, PassesOverANotificationOfOtherTypes) {
   EXPECT_TRUE(waitUntil([&] { return receiver_.notifications.size() == 1; }));
 }
 
+TEST_F(BusTicker, GivesANewReceiverWhatWaitsFromTheEventLoop) {
+  service_->setReceiver(nullptr);
+  connection().asyncCall(tickerCall(u"Quit"_s, {}));
+  // The call before this one has been read when there is an answer.
+  send(tickerCall(u"Get"_s, {QString(TickerInterface), u"Version"_s}, Properties));
+  service_->setReceiver(&receiver_);
+  EXPECT_EQ(receiver_.quitCount, 0) << "there may be no loop yet that could end";
+  EXPECT_TRUE(waitUntil([&] { return receiver_.quitCount == 1; }));
+}
+
 TEST_F(BusTicker, GoesOnWhereASenderVanishesBeforeItsReply) {
   QProcess sender;
   receiver_.beforeMessage = [&] {
