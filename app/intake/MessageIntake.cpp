@@ -64,8 +64,11 @@ QString MessageIntake::takeSign(const QByteArray& archive, const QVariantMap& or
   admit(sender, archive.size() + byteCountOf(origin, LargestMessage));
   const SignOrigin readOrigin = app::readOrigin(origin);
   const bool isArranged = MessageValues(origin).boolean(ArrangedKey).value_or(false);
-  return hold(readArchivedSign(archive, gateFor(sender)), readOrigin,
-              isArranged ? Order::Arranged : Order::Free, sender);
+  const platform::Ref<ZQTickerSign> sign = readArchivedSign(archive, gateFor(sender));
+  // As in a message, an empty one identifies nothing.
+  if (sign->identifier() == QString())
+    sign->setIdentifier(std::nullopt);
+  return hold(sign, readOrigin, isArranged ? Order::Arranged : Order::Free, sender);
 }
 
 void MessageIntake::admitCall(qsizetype bytes, const QString& connection) {

@@ -71,6 +71,13 @@ TEST_F(MessageIntakeTest, ShowsASignByCopyWithItsOrigin) {
   EXPECT_EQ(shown_[1].order, MessageIntake::Order::Free);
 }
 
+TEST_F(MessageIntakeTest, TakesAnEmptyIdentifierForNone) {
+  const auto sign = ZQComboTickerSign::make(u"Hello"_s, nullptr);
+  sign->setIdentifier(u""_s);
+  EXPECT_EQ(intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection), u"made"_s);
+  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s, u""_s), Connection), u"made"_s);
+}
+
 TEST_F(MessageIntakeTest, ShowsNothingOfWhatItRefuses) {
   EXPECT_THROW(intake_.takeMessage({{u"text"_s, 1}}, Connection), MessageError);
   EXPECT_THROW(intake_.takeSign("no archive", {}, Connection), SignError);
