@@ -1,9 +1,8 @@
 #include "app/bus/TickerOnBus.h"
 
-#include "app/bus/BusFailure.h"
+#include "app/bus/intake_failures.h"
 #include "app/commands/failures.h"
 #include "app/display/FrameClock.h"
-#include "app/intake/sign_archives.h"
 #include "app/ticker/Ticker.h"
 
 #include <utility>
@@ -13,8 +12,6 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 namespace {
-using Kind = BusFailure::Kind;
-
 MessageIntake::Host hostOf(Ticker& ticker) {
   return {[&] { return MessageStyle::of(ticker.display()); },
           [&](const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin,
@@ -23,20 +20,6 @@ MessageIntake::Host hostOf(Ticker& ticker) {
           },
           // Limits go on while this program is kept from running.
           &FrameClock::now};
-}
-
-// The intake's exceptions as the bus knows them.
-template <typename Function>
-auto withBusFailures(Function function) {
-  try {
-    return function();
-  } catch (const MessageError& error) {
-    throw BusFailure(Kind::InvalidMessage, error.message());
-  } catch (const SignError& error) {
-    throw BusFailure(Kind::InvalidSign, error.message());
-  } catch (const LimitError& error) {
-    throw BusFailure(Kind::TooMuch, error.message());
-  }
 }
 } // namespace
 
@@ -83,7 +66,7 @@ void TickerOnBus::run(const QStringList& arguments, const QString& folder,
   try {
     ticker_.run(arguments, folder, standardInput);
   } catch (const CommandFailure& failure) {
-    throw BusFailure(Kind::Failed, failure.message());
+    throw BusFailure(BusFailure::Kind::Failed, failure.message());
   }
 }
 

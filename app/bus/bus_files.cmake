@@ -27,6 +27,7 @@ set(bus_SOURCES
     bus/bus_values.h
     bus/hand_over.cpp
     bus/hand_over.h
+    bus/intake_failures.h
     bus/receive_limits.cpp
     bus/receive_limits.h
     bus/request_reading.cpp

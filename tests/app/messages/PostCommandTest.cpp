@@ -1,10 +1,10 @@
 // The command `post` as a user meets it, against a ticker on a bus of its own.
 #include "app/bus/TickerService.h"
+#include "app/bus/intake_failures.h"
 #include "tests/app/Program.h"
 #include "tests/app/bus/FakeReceiver.h"
 #include "tests/app/bus/PrivateBus.h"
 #include "tests/app/messages/Samples.h"
-#include "tests/app/messages/bus_answers.h"
 #include "zqticker/signs/message_keys.h"
 
 #include <QtCore/QFile>
@@ -23,7 +23,7 @@ class KeepingReceiver : public FakeReceiver {
  public:
   QString displayMessage(const QVariantMap& message, const BusSender& sender) override {
     messages.push_back({message, {}, sender});
-    return answeringBus([&] { return intake_.takeMessage(message, sender.name); });
+    return withBusFailures([&] { return intake_.takeMessage(message, sender.name); });
   }
   std::vector<DisplayMessage> shown;
 

@@ -4,5 +4,4 @@ set(app_messages_SOURCES
     PostCommandTest.cpp
     Samples.h
     SenderLimitsTest.cpp
-    SignArchiveTest.cpp
-    bus_answers.h)
+    SignArchiveTest.cpp)

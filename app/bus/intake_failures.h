@@ -1,17 +1,17 @@
-// What the intake refuses, as a ticker on the bus answers it.
+// What the intake refuses, as the bus answers it.
 #pragma once
 
 #include "app/bus/BusFailure.h"
 #include "app/intake/MessageIntake.h"
 #include "app/intake/sign_archives.h"
 
-namespace zq::app::testing {
+namespace zq::app {
 
-// Does what `act` does, and turns the intake's errors into those that a sender on the bus gets.
-template <class Act>
-auto answeringBus(Act act) {
+// The result of `function`; a BusFailure where it raises an error of the intake.
+template <typename Function>
+auto withBusFailures(Function function) {
   try {
-    return act();
+    return function();
   } catch (const MessageError& error) {
     throw BusFailure(BusFailure::Kind::InvalidMessage, error.message());
   } catch (const SignError& error) {
@@ -21,4 +21,4 @@ auto answeringBus(Act act) {
   }
 }
 
-} // namespace zq::app::testing
+} // namespace zq::app
