@@ -177,8 +177,11 @@ double numberOf(const ParsedOption& option, double least, double most) {
   const double number = option.values.first().toDouble(&isNumber);
   if (!isNumber || !std::isfinite(number))
     throw UsageError(option.text() + u": not a number"_s);
+  constexpr int Digits = 10; // all that limits have
   if (number < least || number > most)
-    throw UsageError(option.text() + u": must be between %1 and %2"_s.arg(least).arg(most));
+    throw UsageError(
+        option.text() +
+        u": must be between %1 and %2"_s.arg(least, 0, 'g', Digits).arg(most, 0, 'g', Digits));
   return number;
 }
 

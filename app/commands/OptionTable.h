@@ -72,10 +72,9 @@ struct ParsedOption {
 
 // Reads `arguments` in order. A value is the argument after the option, whatever it looks like, or
 // what follows "=" in it; after "--" all arguments are operands. An optional value is one that does
-// not begin with a dash, unless it follows "=".
-// UsageError for an unknown option,
-// a missing or surplus value, an option given twice that may stand only once, a surplus operand,
-// and, unless help is asked for, a missing one.
+// not begin with a dash, unless it follows "=". UsageError for an unknown option, a missing or
+// surplus value, an option given twice that may stand only once, a surplus operand, and, unless
+// help is asked for, a missing one.
 std::vector<ParsedOption> parseOptions(const OptionTable& table, const QStringList& arguments);
 
 // Usage line, options, notes and examples.

@@ -6,6 +6,7 @@
 #include "app/commands/failures.h"
 #include "app/commands/output_files.h"
 #include "app/commands/sign_loading.h"
+#include "app/commands/strip_values.h"
 #include "app/display/SignAction.h"
 #include "app/intake/DisplayMessage.h"
 #include "app/intake/SilencedStandardError.h"
@@ -38,10 +39,8 @@ OptionTable makePostTable() {
       {u"text"_s, {u"TEXT"_s}, u"The text."_s},
       {u"image"_s, {u"FILE"_s}, u"The picture; the text follows it where there is one."_s},
       {u"loop"_s, {u"COUNT"_s}, u"How often it is shown: 1 (the default) or more, or forever."_s},
-      {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
-      {u"continuous"_s,
-       {},
-       u"Let the next round follow directly, instead of letting the strip run empty between."_s},
+      delayOption(),
+      continuousOption(),
       {u"fade"_s, {}, u"Fade in when it enters, and out when it leaves."_s},
       {u"priority"_s,
        {u"NUMBER"_s},
@@ -99,7 +98,7 @@ struct PostOptions {
 QString textOf(const ParsedOption& option) {
   const QString& text = option.values.first();
   if (text.trimmed().isEmpty())
-    throw UsageError(option.text() + u": the text is empty"_s);
+    throw UsageError(u"--%1: needs %2"_s.arg(option.name, option.spec->values.first()));
   return text;
 }
 

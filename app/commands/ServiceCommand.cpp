@@ -102,7 +102,7 @@ class SendingProgram {
   EndlessSigns atEnd_;
   Interrupts interrupts_;
   TickerClient client_;
-  bool isWaiting_ = false; // and has said so
+  bool isWaiting_ = false; // for a ticker
   std::unique_ptr<BusTickerLink> link_;
   std::unique_ptr<SignSender> sender_;
 };
@@ -115,8 +115,6 @@ SendingProgram::SendingProgram(const ServiceOptions& options, const OptionTable&
   if (!hasTicker && options.startsTicker)
     startTicker();
   isWaiting_ = !hasTicker && !options.startsTicker;
-  if (isWaiting_)
-    printError(u"no ticker is running, waiting for it"_s);
   link_ = std::make_unique<BusTickerLink>(client_);
   sender_ = std::make_unique<SignSender>(*link_, senderIdentifier(options, table));
   tellOfTicker();
@@ -146,6 +144,8 @@ void SendingProgram::tellOfTicker() {
 }
 
 int SendingProgram::exec() {
+  if (isWaiting_)
+    printError(u"no ticker is running, waiting for it"_s);
   QObject::connect(sender_.get(), &SignSender::finished, sender_.get(),
                    [] { QCoreApplication::quit(); });
   QObject::connect(&interrupts_, &Interrupts::interrupted, sender_.get(), [this] {

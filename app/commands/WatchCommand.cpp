@@ -63,7 +63,8 @@ OptionTable makeWatchTable() {
       u"A path is followed. When the file is replaced, as editors do to save, or is deleted or "
       u"renamed and there is one again later, that one is watched; its coming is told as written. "
       u"Symbolic links are followed. A path at which there is nothing to watch at the start is an "
-      u"error, and nothing is watched then. With --folders a folder that is renamed is watched until there is another at its path."_s,
+      u"error, and nothing is watched then. With --folders a folder that is renamed is watched "
+      u"until there is another at its path."_s,
       u"The command ends on Ctrl+C and as soon as nobody reads its output any more."_s};
   table.exitStatus =
       u"0 when it was ended, 1 where a path cannot be watched or a line cannot be written, 2 for a "

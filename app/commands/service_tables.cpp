@@ -1,5 +1,7 @@
 #include "app/commands/service_tables.h"
 
+#include "app/commands/strip_values.h"
+
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
@@ -11,12 +13,8 @@ void addCommonOptions(OptionTable& table, const QString& usualCount) {
                            {u"COUNT"_s},
                            u"How often each sign is shown: 1 or more, or forever; "_s + usualCount +
                                u" by default."_s});
-  table.options.push_back(
-      {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s});
-  table.options.push_back(
-      {u"continuous"_s,
-       {},
-       u"Let the next round follow directly, instead of letting the strip run empty between."_s});
+  table.options.push_back(delayOption());
+  table.options.push_back(continuousOption());
   table.options.push_back(
       {u"start"_s, {}, u"Let the session bus start the ticker now, where none is running."_s});
   table.options.push_back(

@@ -69,12 +69,9 @@ const std::vector<OptionSpec>& stripOptions() {
        {u"COUNT"_s},
        u"How often each sign is shown: 1 or more, or forever. By default what --text, --image, "
        u"--combo, --clock and --feed show is shown forever, signs from archives as often as they "
-       u"say, lines "
-       u"of files and of standard input once, and so is what --watch tells."_s},
-      {u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s},
-      {u"continuous"_s,
-       {},
-       u"Let the next round follow directly, instead of letting the strip run empty between."_s},
+       u"say, lines of files and of standard input once, and so is what --watch tells."_s},
+      delayOption(),
+      continuousOption(),
   };
   return options;
 }

@@ -8,6 +8,20 @@ using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
+const OptionSpec& delayOption() {
+  static const OptionSpec option{
+      u"delay"_s, {u"SECONDS"_s}, u"Seconds between the end of a round and the next."_s};
+  return option;
+}
+
+const OptionSpec& continuousOption() {
+  static const OptionSpec option{
+      u"continuous"_s,
+      {},
+      u"Let the next round follow directly, instead of letting the strip run empty between."_s};
+  return option;
+}
+
 const std::vector<AllowedWord>& directionWords() {
   static const std::vector<AllowedWord> words{
       {u"horizontal"_s, u"the default; from right to left"_s},

@@ -22,6 +22,10 @@ inline constexpr qint64 MostFeedItems = 1000;
 inline constexpr double ShortestInterval = 0.001;
 inline constexpr double LongestInterval = 10'080;
 
+// The options --delay and --continuous, which mean the same wherever signs are shown again.
+const OptionSpec& delayOption();
+const OptionSpec& continuousOption();
+
 // The words that stand for directions and edges.
 const std::vector<AllowedWord>& directionWords();
 const std::vector<AllowedWord>& edgeWords();

@@ -110,7 +110,7 @@ TEST(StripOptions, RefuseWrongValues) {
             "--loop 0: must be a whole number from 1 on, or forever");
   EXPECT_EQ(runFailure("--text a --loop 5000000000"),
             "--loop 5000000000: must be a whole number from 1 on, or forever");
-  EXPECT_EQ(runFailure("--text a --delay -1"), "--delay -1: must be between 0 and 1e+09");
+  EXPECT_EQ(runFailure("--text a --delay -1"), "--delay -1: must be between 0 and 1000000000");
   EXPECT_EQ(runFailure("--text a --position middle"),
             "--position middle: must be top or bottom or left or right");
   EXPECT_EQ(runFailure("--text a --position left"),

@@ -156,7 +156,8 @@ TEST_F(PostCommand, SaysWhyTheTickerRefuses) {
 
 TEST_F(PostCommand, NeedsSomethingToShow) {
   expectFailure(post({}), 2, "post: needs --text or --image (see zqticker post --help)");
-  expectFailure(post({u"--text"_s, u" "_s}), 2, "--text  : the text is empty");
+  expectFailure(post({u"--text"_s, u" "_s}), 2, "--text: needs TEXT");
+  expectFailure(post({u"--image"_s, u""_s}), 2, "--image: needs FILE");
   expectFailure(post({u"--text"_s, u"a"_s, u"--loop"_s, u"0"_s}), 2,
                 "--loop 0: must be a whole number from 1 on, or forever");
   EXPECT_TRUE(receiver_.messages.empty());
