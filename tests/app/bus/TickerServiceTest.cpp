@@ -295,6 +295,28 @@ TEST_F(BusTicker, KeepsTheEventLoopGoingWhileManyMessagesWait) {
   EXPECT_GT(turns, 50);
 }
 
+TEST_F(BusTicker, GoesOnReadingAfterMuchHasWaited) {
+  // More than the 63 MB at which the library beneath stops reading by default.
+  constexpr std::size_t Senders = 3;
+  constexpr qsizetype Large = 22 << 20;
+  service_->setReceiver(nullptr);
+  for (std::size_t i = 0; i < Senders; ++i) {
+    const QString name = u"sender of much %1"_s.arg(i);
+    QDBusConnection sender = QDBusConnection::connectToBus(bus_->address(), name);
+    sender.asyncCall(
+        tickerCall(u"DisplayMessage"_s, {QVariantMap{{u"image"_s, QByteArray(Large, 'x')}}}));
+    // It has been read, and waits, when the next call is answered.
+    const QDBusPendingCall next = sender.asyncCall(
+        tickerCall(u"Get"_s, {QString(TickerInterface), u"Version"_s}, Properties));
+    EXPECT_TRUE(waitUntil([&] { return next.isFinished(); }));
+    QDBusConnection::disconnectFromBus(name);
+  }
+  service_->setReceiver(&receiver_);
+  ASSERT_TRUE(waitUntil([&] { return receiver_.messages.size() == Senders; }));
+  receiver_.messages.clear();
+  EXPECT_TRUE(display({{u"text"_s, u"next"_s}}).ok);
+}
+
 TEST_F(BusTicker, LetsOthersThroughAFloodWhileAnotherThreadSendsIt) {
   expectLog(u"too many messages wait"_s); // once
   // The receiver takes nothing while the flood comes.
