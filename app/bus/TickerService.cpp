@@ -8,7 +8,6 @@
 
 #include <QtCore/QDeadlineTimer>
 #include <QtCore/QLoggingCategory>
-#include <QtCore/QTimer>
 #include <QtDBus/QDBusMessage>
 
 #include <exception>
@@ -74,8 +73,12 @@ QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
 TickerService::TickerService(std::optional<QString> address, QObject* parent)
     : QObject(parent), bus_(std::move(address)),
       object_(std::make_unique<BusObject>(inbox_, [this] {
-        QMetaObject::invokeMethod(this, &TickerService::handOut, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(
+            this, [this] { turn_.start(); }, Qt::QueuedConnection);
       })) {
+  turn_.setSingleShot(true);
+  turn_.setInterval(0);
+  connect(&turn_, &QTimer::timeout, this, &TickerService::handOut);
   thread_.setObjectName(u"zqticker-bus"_s);
   object_->moveToThread(&thread_);
   thread_.start();
@@ -140,7 +143,7 @@ void TickerService::nameLost(const QString& name) {
 
 void TickerService::setReceiver(TickerReceiver* receiver) {
   receiver_ = receiver;
-  QMetaObject::invokeMethod(this, &TickerService::handOut, Qt::QueuedConnection);
+  turn_.start();
 }
 
 void TickerService::handOut() {
@@ -158,7 +161,7 @@ void TickerService::handOut() {
   isHandingOut_ = false;
   // Timers, frames and the user's events first.
   if (receiver_ && !isEmpty)
-    QTimer::singleShot(0, this, &TickerService::handOut);
+    turn_.start();
 }
 
 void TickerService::answer(PendingRequest& pending) {

@@ -7,6 +7,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QThread>
+#include <QtCore/QTimer>
 
 #include <memory>
 
@@ -58,6 +59,7 @@ class TickerService : public QObject {
   QThread thread_;
   std::unique_ptr<BusObject> object_;
   TickerReceiver* receiver_ = nullptr;
+  QTimer turn_;             // hands out once a turn of the event loop, whoever asks for it
   bool isExported_ = false; // on the connection of now
   bool ownsName_ = false;
   bool isHandingOut_ = false;
