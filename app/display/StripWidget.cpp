@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -19,6 +18,8 @@ namespace {
 // A longer gap between two ticks is time in which the process was stopped.
 constexpr double LongestGap = 1;
 constexpr double LongestWakeSeconds = 86'400;
+// A window manager that insists on another place is left alone then.
+constexpr int MostRequests = 3;
 } // namespace
 
 StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
@@ -56,7 +57,8 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
 StripWidget::~StripWidget() = default;
 
 void StripWidget::place(const QRect& geometry) {
-  place_ = geometry.topLeft();
+  place_ = geometry;
+  requestsLeft_ = MostRequests;
   setGeometry(geometry);
 }
 
@@ -147,12 +149,13 @@ void StripWidget::paintEvent(QPaintEvent*) {
 }
 
 // Some window managers put a dock where it asks to be and tell it another place, by which menus
-// would then go. Asked once more, they tell the right one.
+// would then go; when screens change, some move windows by themselves, after the dock has. Asked
+// once more, they do and tell what is right.
 void StripWidget::moveEvent(QMoveEvent*) {
-  if (!isVisible() || !place_ || pos() == *place_)
+  if (!isVisible() || requestsLeft_ == 0 || pos() == place_.topLeft())
     return;
-  const QPoint place = *std::exchange(place_, std::nullopt);
-  move(place);
+  --requestsLeft_;
+  setGeometry(place_);
 }
 
 void StripWidget::resizeEvent(QResizeEvent*) {

@@ -8,8 +8,6 @@
 #include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
-#include <optional>
-
 namespace zq::app {
 
 // Shows a display in a window of its own and moves it. Ticks only while something moves in sight,
@@ -68,9 +66,10 @@ class StripWidget : public QWidget {
   FrameClock clock_;
   QTimer wake_;
   StripMenu menu_;
-  std::optional<QPoint> place_; // until the window has been there
-  double lost_ = 0;             // seconds in which the process did not run
-  double lastTick_ = 0;         // on the monotonic clock; while the clock ticks
+  QRect place_;
+  int requestsLeft_ = 0; // how often it asks once more for its place
+  double lost_ = 0;      // seconds in which the process did not run
+  double lastTick_ = 0;  // on the monotonic clock; while the clock ticks
   bool isFinished_ = false;
   std::uint64_t frameCount_ = 0;
 };
