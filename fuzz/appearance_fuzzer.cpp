@@ -6,8 +6,6 @@
 #include "zqticker/rollover/ZQRollOverButtonAppearance.h"
 #include "zqticker/rollover/color_utils.h"
 
-#include <QtGui/QGuiApplication>
-
 #include <cstdlib>
 
 using namespace zq::platform;
@@ -44,14 +42,6 @@ void useAll(const Appearance& appearance) {
 }
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Lives as long as the process.
-  new QGuiApplication(*argc, *argv);
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > LargestInput)

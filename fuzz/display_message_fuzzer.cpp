@@ -16,7 +16,6 @@
 #include "zqticker/signs/message_keys.h"
 
 #include <QtCore/QtEndian>
-#include <QtGui/QGuiApplication>
 #include <QtGui/QPainter>
 
 #include <algorithm>
@@ -200,14 +199,6 @@ void readDictionary(const QVariantMap& dictionary) {
   }
 }
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Lives as long as the process.
-  new QGuiApplication(*argc, *argv);
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > LargestInput)

@@ -5,8 +5,6 @@
 #include "zqticker/platform/archiving/SequentialUnarchiver.h"
 #include "zqticker/platform/objects/Exception.h"
 
-#include <QtGui/QGuiApplication>
-
 #include <cstdlib>
 
 using namespace zq::platform;
@@ -50,14 +48,6 @@ void decodeInOrder(const QByteArray& archive) {
 }
 
 } // namespace
-
-extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  // Lives as long as the process.
-  new QGuiApplication(*argc, *argv);
-  qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) {});
-  return 0;
-}
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   if (size > LargestInput)
