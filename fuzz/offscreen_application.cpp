@@ -1,6 +1,6 @@
 // What fuzzers need that decode pictures, fonts and texts: an application without a window system,
 // and silence.
-#include <QtCore/QtLogging>
+#include <QtCore/QtGlobal>
 #include <QtGui/QGuiApplication>
 
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {

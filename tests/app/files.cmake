@@ -16,6 +16,7 @@ set(app_SOURCES
     FeedDescription.h
     FeedDocument.h
     FeedParserTest.cpp
+    FeedPicturesTest.cpp
     FeedSamplesTest.cpp
     FeedScheduleTest.cpp
     FeedProgramTest.cpp
@@ -33,6 +34,7 @@ set(app_SOURCES
     PathWatchTest.cpp
     Probe.h
     Program.cpp
+    PublishedFeeds.h
     Program.h
     ProgramTest.cpp
     probe_program.h

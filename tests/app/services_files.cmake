@@ -4,4 +4,6 @@ set(app_services_SOURCES
     FakeTickerLink.h
     ServiceProgramTest.cpp
     ServiceScreenTest.cpp
-    SignSenderTest.cpp)
+    SignSenderChangesTest.cpp
+    SignSenderTest.cpp
+    SignsToATicker.h)

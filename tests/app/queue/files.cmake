@@ -4,7 +4,9 @@ set(app_queue_SOURCES
     FakeQueue.h
     QueueModelTest.cpp
     QueueScreenTest.cpp
+    QueueWindowKeys.h
     QueueWindowTest.cpp
+    QueueWindowViewTest.cpp
     SignFilesTest.cpp
     ThumbnailsTest.cpp
     TickerQueueTest.cpp)

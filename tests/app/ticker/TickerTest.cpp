@@ -224,8 +224,8 @@ TEST_F(RunningTicker, OpensTheQueueFromTheMenu) {
 
 TEST_F(RunningTicker, EndsWhileASignIsBeingEdited) {
   auto other = std::make_unique<Ticker>(options());
-  other->show(text(u"one"_s));
-  other->show(text(u"two"_s));
+  other->show(text(u"one"_s, ZQEndlessLoopCount));
+  other->show(text(u"two"_s, ZQEndlessLoopCount));
   other->showQueue();
   QueueWindow* window = queueWindow();
   ASSERT_TRUE(window);
