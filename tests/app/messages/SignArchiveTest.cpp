@@ -199,9 +199,11 @@ TEST(SignArchive, RefusesALargeArchiveWithoutReadingIt) {
   EXPECT_EQ(signComplaint(QByteArray(LargestMessageArchive + 1, 'x')), u"larger than 8 MiB"_s);
 }
 
-TEST(SignArchive, RefusesAnArchiveBomb) {
-  // Lists of ten references to the next list: ten thousand million elements in a few kilobytes.
-  QByteArrayList objects{
+namespace {
+// The objects of a text with an attribute, up to the list that is its value: the next object, whose
+// class is the sixth.
+QByteArrayList textWithAttributeList() {
+  return {
       record(2, "<key>NSString</key>" + reference(3) + "<key>NSAttributes</key>" + reference(4)),
       classRecord("NSAttributedString"),
       "<string>Hello</string>",
@@ -209,6 +211,20 @@ TEST(SignArchive, RefusesAnArchiveBomb) {
                     "</array><key>NS.objects</key><array>" + reference(7) + "</array>"),
       classRecord("NSDictionary"),
       classRecord("NSArray")};
+}
+} // namespace
+
+TEST(SignArchive, TakesATextWhoseAttributeIsAList) {
+  QByteArrayList objects = textWithAttributeList();
+  objects.append(
+      record(6, "<key>NS.objects</key><array>" + reference(int(objects.size()) + 2) + "</array>"));
+  objects.append("<string>harmless</string>");
+  EXPECT_EQ(textComplaint(archiveOf(objects)), QString());
+}
+
+TEST(SignArchive, RefusesAnArchiveBomb) {
+  // Lists of ten references to the next list: ten thousand million elements in a few kilobytes.
+  QByteArrayList objects = textWithAttributeList();
   for (int level = 0; level < 10; ++level)
     objects.append(record(6, "<key>NS.objects</key><array>" +
                                  reference(int(objects.size()) + 2).repeated(10) + "</array>"));
@@ -217,14 +233,7 @@ TEST(SignArchive, RefusesAnArchiveBomb) {
 }
 
 TEST(SignArchive, RefusesADeepChain) {
-  QByteArrayList objects{
-      record(2, "<key>NSString</key>" + reference(3) + "<key>NSAttributes</key>" + reference(4)),
-      classRecord("NSAttributedString"),
-      "<string>Hello</string>",
-      record(5, "<key>NS.keys</key><array>" + reference(3) +
-                    "</array><key>NS.objects</key><array>" + reference(7) + "</array>"),
-      classRecord("NSDictionary"),
-      classRecord("NSArray")};
+  QByteArrayList objects = textWithAttributeList();
   for (int level = 0; level < 100'000; ++level)
     objects.append(record(6, "<key>NS.objects</key><array>" + reference(int(objects.size()) + 2) +
                                  "</array>"));
