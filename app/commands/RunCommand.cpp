@@ -57,7 +57,6 @@ int runCommand(const QStringList& arguments) {
   }
   leaveOutUnknownFont(options);
   Ticker ticker(options);
-  ticker.setWaiting(claim == RunClaim::IsTicker && !options.showsOwn());
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);

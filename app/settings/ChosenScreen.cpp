@@ -5,6 +5,10 @@
 
 namespace zq::app {
 
+namespace {
+constexpr std::chrono::milliseconds SettlingTime = std::chrono::seconds(1);
+} // namespace
+
 QStringList screenNames() {
   QStringList names;
   for (const QScreen* screen : QGuiApplication::screens())
@@ -18,6 +22,8 @@ QStringList screenNames() {
 ChosenScreen::ChosenScreen(const QString& name, QObject* parent) : QObject(parent), name_(name) {
   for (QScreen* screen : QGuiApplication::screens())
     observe(screen);
+  settling_.setSingleShot(true);
+  connect(&settling_, &QTimer::timeout, this, &ChosenScreen::changed);
   connect(qApp, &QGuiApplication::screenAdded, this, [this](QScreen* screen) {
     observe(screen);
     tellSoon();
@@ -41,8 +47,10 @@ void ChosenScreen::observe(QScreen* screen) {
   connect(screen, &QScreen::availableGeometryChanged, this, &ChosenScreen::tellSoon);
 }
 
-// The window system tells of one change in several steps, between which windows have no place.
+// The window system tells of one change in several steps, between which windows have no place; some
+// window managers move windows by themselves a moment later.
 void ChosenScreen::tellSoon() {
+  settling_.start(SettlingTime);
   if (isDue_)
     return;
   isDue_ = true;

@@ -3,6 +3,7 @@
 
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
+#include <QtCore/QTimer>
 
 class QScreen;
 
@@ -37,6 +38,7 @@ class ChosenScreen : public QObject {
   void tellSoon();
 
   QString name_;
+  QTimer settling_; // after the last news of screens
   bool isDue_ = false;
 };
 

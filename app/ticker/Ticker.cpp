@@ -255,7 +255,7 @@ void Ticker::finishWhenDone() {
   if (!display_.isFinished() || !sources_.empty())
     return;
   // New feeds may come by the settings.
-  if (waits_ || hasWindowOpen() || (settings_ && !options_.showsOwn()))
+  if (hasWindowOpen() || (settings_ && !options_.showsOwn()))
     widget_->hide();
   else
     Q_EMIT finished();

@@ -57,7 +57,8 @@ class Ticker : public QObject {
   void add(const StripOptions& sources, const QDBusUnixFileDescriptor& standardInput = {});
 
   // Takes from the settings, now and whenever they change, what the command line has not said.
-  // Their feeds are shown where it named nothing to show. `settings` must outlive the ticker.
+  // Their feeds are shown where it named nothing to show, and the ticker then goes on when all has
+  // been shown, since new ones may come. `settings` must outlive the ticker.
   void follow(SettingsStore& settings);
   // Opens the window that shows what is queued. While it or that of the settings is open, the
   // ticker does not finish.
@@ -81,10 +82,6 @@ class Ticker : public QObject {
   StripLook lookFor(const StripOptions& sources) const;
   // The most that pictures of feeds take, in pixels.
   QSize pictureRoom() const;
-
-  // Whether the ticker goes on when all has been shown, since something may be sent to it; false
-  // at first.
-  void setWaiting(bool waits) { waits_ = waits; }
 
   // Tells that the display was changed. Several calls within a turn of the event loop are one.
   void displayChanged();
@@ -116,7 +113,6 @@ class Ticker : public QObject {
   std::unique_ptr<SettingsWindow> settingsWindow_; // once it has been asked for
   SourceSet* feedsOfSettings_ = nullptr;           // among the sources
   std::unique_ptr<ClockService> clock_;            // one: there is one sign for it
-  bool waits_ = false;
   bool isUpdateDue_ = false;
 };
 

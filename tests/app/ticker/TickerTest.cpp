@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 #include "app/queue/QueueWindow.h"
+#include "app/settings/SettingsStore.h"
 #include "tests/app/XServer.h"
 #include "tests/support/LogWatch.h"
 #include "zqticker/platform/graphics/Color.h"
@@ -58,6 +59,9 @@ class RunningTicker : public ::testing::Test {
   static bool isQueueShown() { return queueWindow() && queueWindow()->isVisible(); }
   std::size_t waiting() { return ticker.display().waitingCount(); }
 
+  QTemporaryDir settingsFolder;
+  SettingsStore settings{settingsFolder.filePath(u"settings.json"_s),
+                         settingsFolder.filePath(u"autostart"_s)};
   Ticker ticker{options()};
   int finishedCount = 0;
   int changeCount = 0;
@@ -76,7 +80,7 @@ TEST_F(RunningTicker, FinishesWhenAllHasBeenShown) {
 }
 
 TEST_F(RunningTicker, HidesAndGoesOnWhileItWaitsForMessages) {
-  ticker.setWaiting(true);
+  ticker.follow(settings);
   bool wasShown = false;
   QObject::connect(&ticker, &Ticker::changed, &ticker,
                    [&] { wasShown = wasShown || ticker.widget().isVisible(); });
