@@ -386,6 +386,14 @@ TEST(Shading, KeptRowsAreBounded) {
   EXPECT_LE(cache.bytes(), ShadingCache::MaximumBytes);
 }
 
+TEST(Shading, OfTwoRowsForOneKeyTheFirstAreKept) {
+  ShadingCache cache;
+  const QImage first(4, 4, QImage::Format_RGB32);
+  cache.insert("a", first);
+  cache.insert("a", QImage(8, 8, QImage::Format_RGB32));
+  EXPECT_EQ(cache.find("a").cacheKey(), first.cacheKey());
+}
+
 TEST(Shading, AVeryHighPathIsEvaluatedOnlyWhereItIsSeen) {
   const auto draw = [] {
     Canvas canvas({10, 40});

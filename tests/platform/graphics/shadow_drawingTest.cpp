@@ -548,6 +548,15 @@ TEST(ShadowCache, DropsWhatWasUsedLeastRecently) {
   EXPECT_TRUE(cache.find("e")->image.isNull());
 }
 
+TEST(ShadowCache, KeepsTheFirstOfTwoForOneKey) {
+  ShadowCache cache;
+  const QImage image(4, 4, QImage::Format_ARGB32_Premultiplied);
+  cache.insert("a", {image, QPoint(1, 2)});
+  cache.insert("a", {image, QPoint(3, 4)});
+  EXPECT_EQ(cache.find("a")->corner, QPoint(1, 2));
+  EXPECT_EQ(cache.insertions(), 1u);
+}
+
 TEST(ShadowDrawing, LargeShadowsAreNotKept) {
   const quint64 before = insertions();
   drawn({40, 40}, 1, false, [](GraphicsContext& context) {

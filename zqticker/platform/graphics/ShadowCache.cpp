@@ -16,6 +16,8 @@ std::optional<ShadowPixels> ShadowCache::find(const QByteArray& key) {
 
 void ShadowCache::insert(const QByteArray& key, const ShadowPixels& pixels) {
   const QMutexLocker lock(&mutex_);
+  if (shadows_.contains(key))
+    return;
   shadows_.insert(key, new ShadowPixels(pixels),
                   key.size() + qsizetype(sizeof(ShadowPixels)) + pixels.image.sizeInBytes());
   ++insertions_;

@@ -33,6 +33,7 @@ class ShadowCache {
   static ShadowCache& shared();
 
   std::optional<ShadowPixels> find(const QByteArray& key);
+  // Of several for one key, which threads may have made at once, the first one stays.
   void insert(const QByteArray& key, const ShadowPixels& pixels);
 
   // What the shadows take at present, in bytes, and how many were inserted so far.

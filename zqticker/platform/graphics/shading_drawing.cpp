@@ -89,6 +89,8 @@ QImage ShadingCache::find(const QByteArray& key) {
 
 void ShadingCache::insert(const QByteArray& key, const QImage& strip) {
   const QMutexLocker lock(&mutex_);
+  if (strips_.contains(key))
+    return;
   strips_.insert(key, new QImage(strip), key.size() + strip.sizeInBytes());
 }
 

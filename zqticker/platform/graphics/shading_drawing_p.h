@@ -25,6 +25,7 @@ class ShadingCache {
 
   // Null where there is none.
   QImage find(const QByteArray& key);
+  // Of several for one key, which threads may have made at once, the first one stays.
   void insert(const QByteArray& key, const QImage& strip);
   // What the rows take at present, in bytes.
   qsizetype bytes() const;
