@@ -7,17 +7,11 @@
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
 
-#include <algorithm>
-#include <cmath>
-
 using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
 namespace {
-// A longer gap between two ticks is time in which the process was stopped.
-constexpr double LongestGap = 1;
-constexpr double LongestWakeSeconds = 86'400;
 // A window manager that insists on another place is left alone then.
 constexpr int MostRequests = 3;
 } // namespace
@@ -25,7 +19,7 @@ constexpr int MostRequests = 3;
 StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint),
-      display_(display), background_(background), menu_(this) {
+      display_(display), background_(background), player_(display), sight_(*this), menu_(this) {
   setAttribute(Qt::WA_X11NetWmWindowTypeDock);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -35,10 +29,16 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
   setFocusPolicy(Qt::NoFocus);
   setWindowTitle(u"zqticker"_s);
   setAccessibleName(tr("Ticker"));
-  connect(&clock_, &FrameClock::tick, this, &StripWidget::advance);
-  wake_.setSingleShot(true);
-  wake_.setTimerType(Qt::PreciseTimer);
-  connect(&wake_, &QTimer::timeout, this, [this] { advance(FrameClock::now()); });
+  connect(&player_, &StripPlayer::finished, this, &StripWidget::finished);
+  connect(&player_, &StripPlayer::frameDue, this, [this] {
+    ++frameCount_;
+    repaint();
+  });
+  connect(&sight_, &StripSight::changed, this, [this](bool isInSight) {
+    if (isInSight)
+      fitDisplay();
+    player_.setInSight(isInSight);
+  });
   connect(&menu_.back(), &QAction::triggered, this, [this] {
     display_.stepBack(time());
     displayChanged();
@@ -47,10 +47,8 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     display_.stepForward(time());
     displayChanged();
   });
-  connect(&menu_.pause(), &QAction::toggled, this, [this](bool paused) {
-    display_.setPaused(paused, time());
-    displayChanged();
-  });
+  connect(&menu_.pause(), &QAction::toggled, this,
+          [this](bool paused) { player_.setPaused(StripPlayer::Pause::Asked, paused); });
   connect(&menu_.quit(), &QAction::triggered, qApp, &QCoreApplication::quit);
 }
 
@@ -85,57 +83,11 @@ void StripWidget::setBackground(const QColor& background) {
     show();
 }
 
-double StripWidget::time() const {
-  return FrameClock::now() - lost_;
-}
-
-void StripWidget::displayChanged() {
-  if (isVisible())
-    advance(FrameClock::now());
-}
-
-void StripWidget::advance(double clockTime) {
-  if (clock_.isRunning() && clockTime - lastTick_ > LongestGap)
-    lost_ += clockTime - lastTick_;
-  lastTick_ = clockTime;
-  if (display_.advanceTo(clockTime - lost_)) {
-    ++frameCount_;
-    repaint();
-  }
-  schedule();
-}
-
-// Ticks while something moves in sight, else sleeps until something is due.
-void StripWidget::schedule() {
-  const bool inSight = isVisible() && !isMinimized();
-  if (!display_.isFinished())
-    isFinished_ = false;
-  if (inSight && display_.isMoving()) {
-    wake_.stop();
-    if (!clock_.isRunning()) {
-      lastTick_ = FrameClock::now();
-      clock_.start();
-    }
-    return;
-  }
-  clock_.stop();
-  wake_.stop();
-  if (display_.isFinished()) {
-    if (!isFinished_)
-      Q_EMIT finished();
-    isFinished_ = true;
-    return;
-  }
-  const double wait = display_.nextEntryTime() - time();
-  if (inSight && std::isfinite(wait))
-    wake_.start(static_cast<int>(std::ceil(std::clamp(wait, 0.0, LongestWakeSeconds) * 1000)));
-}
-
 void StripWidget::fitDisplay() {
   display_.setScale(devicePixelRatioF());
   display_.setSize(QSizeF(size()), time());
   if (const QScreen* shownOn = screen())
-    clock_.setRate(shownOn->refreshRate());
+    player_.clock().setRate(shownOn->refreshRate());
 }
 
 void StripWidget::paintEvent(QPaintEvent*) {
@@ -163,15 +115,6 @@ void StripWidget::resizeEvent(QResizeEvent*) {
   displayChanged();
 }
 
-void StripWidget::showEvent(QShowEvent*) {
-  fitDisplay();
-  displayChanged();
-}
-
-void StripWidget::hideEvent(QHideEvent*) {
-  schedule();
-}
-
 void StripWidget::closeEvent(QCloseEvent*) {
   QCoreApplication::quit();
 }
@@ -184,8 +127,6 @@ bool StripWidget::event(QEvent* event) {
   if (event->type() == QEvent::ScreenChangeInternal) {
     fitDisplay();
     displayChanged();
-  } else if (event->type() == QEvent::WindowStateChange) {
-    schedule();
   }
   return QWidget::event(event);
 }

@@ -1,17 +1,17 @@
 // The strip on the screen.
 #pragma once
 
-#include "app/display/FrameClock.h"
 #include "app/display/StripMenu.h"
+#include "app/display/StripPlayer.h"
+#include "app/display/StripSight.h"
 #include "app/display/TickerDisplay.h"
 
-#include <QtCore/QTimer>
 #include <QtWidgets/QWidget>
 
 namespace zq::app {
 
-// Shows a display in a window of its own and moves it. Ticks only while something moves in sight,
-// and paints only frames that differ from the one before.
+// Shows a display in a window of its own and moves it. Paints only frames that differ from the one
+// before.
 //
 // Thread: main.
 class StripWidget : public QWidget {
@@ -29,12 +29,12 @@ class StripWidget : public QWidget {
   // where the window system can.
   void setBackground(const QColor& background);
 
-  // Seconds on the strip's own clock: the monotonic clock without the time in which this process
-  // was kept from running, so that nothing jumps afterwards.
-  double time() const;
+  // Seconds on the strip's own clock, see StripPlayer.
+  double time() const { return player_.time(); }
 
   // Tells that something was added to the display or that it was changed.
-  void displayChanged();
+  void displayChanged() { player_.displayChanged(); }
+  StripPlayer& player() { return player_; }
 
   // The strip's commands, ready for use; it pops up under the right mouse button.
   StripMenu& menu() { return menu_; }
@@ -50,27 +50,20 @@ class StripWidget : public QWidget {
   void paintEvent(QPaintEvent* event) override;
   void moveEvent(QMoveEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
-  void showEvent(QShowEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
   bool event(QEvent* event) override;
 
  private:
-  void advance(double clockTime);
   void fitDisplay();
-  void schedule();
 
   TickerDisplay& display_;
   QColor background_;
-  FrameClock clock_;
-  QTimer wake_;
+  StripPlayer player_;
+  StripSight sight_;
   StripMenu menu_;
   QRect place_;
   int requestsLeft_ = 0; // how often it asks once more for its place
-  double lost_ = 0;      // seconds in which the process did not run
-  double lastTick_ = 0;  // on the monotonic clock; while the clock ticks
-  bool isFinished_ = false;
   std::uint64_t frameCount_ = 0;
 };
 

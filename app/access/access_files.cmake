@@ -1,0 +1,2 @@
+# The ticker for everyone: less motion, assistive technology, contrast.
+set(access_SOURCES)

@@ -1,0 +1,35 @@
+# The display: signs that move over a strip.
+set(display_SOURCES
+    display/FrameClock.cpp
+    display/FrameClock.h
+    display/LineSource.h
+    display/Motion.cpp
+    display/Motion.h
+    display/QueuedSign.h
+    display/SenderCounts.h
+    display/SignAction.h
+    display/SignItem.cpp
+    display/SignItem.h
+    display/SignOrigin.h
+    display/Strip.cpp
+    display/Strip.h
+    display/StripFrame.cpp
+    display/StripFrame.h
+    display/StripItem.cpp
+    display/StripItem.h
+    display/StripMenu.cpp
+    display/StripMenu.h
+    display/StripPlayer.cpp
+    display/StripPlayer.h
+    display/StripQueue.cpp
+    display/StripQueue.h
+    display/StripSight.cpp
+    display/StripSight.h
+    display/StripTiles.cpp
+    display/StripTiles.h
+    display/StripWidget.cpp
+    display/StripWidget.h
+    display/TickerDisplay.cpp
+    display/TickerDisplay.h
+    display/sign_placement.cpp
+    display/sign_placement.h)

@@ -1,0 +1,2 @@
+# The strip under pointer, finger and keyboard.
+set(interaction_SOURCES)

@@ -1,0 +1,2 @@
+# How a strip has moved, frame by frame.
+set(trace_SOURCES)

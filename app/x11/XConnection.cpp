@@ -1,0 +1,77 @@
+#include "app/x11/XConnection.h"
+
+#include <QtCore/QLoggingCategory>
+#include <QtGui/QGuiApplication>
+
+#include <cstdlib>
+
+namespace zq::app {
+
+namespace {
+Q_LOGGING_CATEGORY(x11Log, "zqticker.x11", QtWarningMsg)
+
+xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
+  xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
+  for (; number > 0 && screens.rem > 1; --number)
+    xcb_screen_next(&screens);
+  return screens.rem > 0 ? screens.data : nullptr;
+}
+} // namespace
+
+std::shared_ptr<XConnection> XConnection::shared() {
+  static std::weak_ptr<XConnection> current;
+  if (std::shared_ptr<XConnection> present = current.lock(); present && !present->isLost_)
+    return present;
+  if (!qApp || !qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+    return nullptr;
+  int number = 0;
+  xcb_connection_t* connection = xcb_connect(nullptr, &number);
+  xcb_screen_t* screen =
+      xcb_connection_has_error(connection) ? nullptr : screenOf(connection, number);
+  if (!screen) {
+    xcb_disconnect(connection);
+    return nullptr;
+  }
+  std::shared_ptr<XConnection> made(new XConnection(connection, screen));
+  current = made;
+  return made;
+}
+
+XConnection::XConnection(xcb_connection_t* connection, xcb_screen_t* screen)
+    : connection_(connection), screen_(screen),
+      notifier_(xcb_get_file_descriptor(connection), QSocketNotifier::Read) {
+  connect(&notifier_, &QSocketNotifier::activated, this, &XConnection::receive);
+}
+
+XConnection::~XConnection() {
+  notifier_.setEnabled(false);
+  xcb_disconnect(connection_);
+}
+
+void XConnection::flush() {
+  xcb_flush(connection_);
+  receive();
+}
+
+void XConnection::receive() {
+  // Whoever receives may ask, and flush, again.
+  if (isReceiving_ || isLost_)
+    return;
+  isReceiving_ = true;
+  while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
+    if (event->response_type == 0)
+      qCDebug(x11Log, "request failed: %d",
+              reinterpret_cast<xcb_generic_error_t*>(event)->error_code);
+    else
+      Q_EMIT received(event);
+    std::free(event);
+  }
+  isReceiving_ = false;
+  if (xcb_connection_has_error(connection_)) {
+    isLost_ = true;
+    notifier_.setEnabled(false);
+    Q_EMIT lost();
+  }
+}
+
+} // namespace zq::app

@@ -1,0 +1,54 @@
+// A connection to the X server of our own.
+#pragma once
+
+#include <QtCore/QObject>
+#include <QtCore/QSocketNotifier>
+
+#include <xcb/xcb.h>
+
+#include <memory>
+
+namespace zq::app {
+
+// Beside that of Qt: what the server tells here wakes the main thread and nothing else, and what
+// is sent here needs no part of Qt's drawing. Windows of Qt can be named on it, since names belong
+// to the server.
+//
+// Requests that fail, such as those for windows that have just gone, are noted in the category
+// zqticker.x11 at debug level and have no other effect.
+//
+// Thread: main.
+class XConnection : public QObject {
+  Q_OBJECT
+
+ public:
+  // One for all who hold it, made anew when nobody does. Null where the program does not run on an
+  // X server, or the connection is refused or was lost.
+  static std::shared_ptr<XConnection> shared();
+
+  ~XConnection() override;
+
+  xcb_connection_t* get() const { return connection_; }
+  xcb_screen_t* screen() const { return screen_; }
+
+  // Sends what was asked for, and takes what has come meanwhile. Whoever has waited for a reply
+  // calls it too: events that came with the reply do not wake anybody.
+  void flush();
+
+  // What the server has told, except errors; valid during the call.
+  Q_SIGNAL void received(const xcb_generic_event_t* event);
+  // The server has gone; nothing can be asked any more.
+  Q_SIGNAL void lost();
+
+ private:
+  XConnection(xcb_connection_t* connection, xcb_screen_t* screen);
+  void receive();
+
+  xcb_connection_t* connection_;
+  xcb_screen_t* screen_;
+  QSocketNotifier notifier_;
+  bool isReceiving_ = false;
+  bool isLost_ = false;
+};
+
+} // namespace zq::app

@@ -1,0 +1,6 @@
+# What the X server tells and does beside Qt.
+find_package(PkgConfig REQUIRED)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render)
+set(x11_SOURCES
+    x11/XConnection.cpp
+    x11/XConnection.h)

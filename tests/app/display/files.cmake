@@ -1,0 +1,1 @@
+set(app_display_SOURCES)

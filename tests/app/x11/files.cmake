@@ -1,0 +1,1 @@
+set(app_x11_SOURCES)
