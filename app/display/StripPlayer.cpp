@@ -2,42 +2,55 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 namespace zq::app {
 
 namespace {
-// A longer gap between two ticks is time in which the process was stopped.
-constexpr double LongestGap = 1;
+// A longer gap between two frames is time in which the process was stopped, or kept from running:
+// nobody sees a motion across it any more.
+constexpr double LongestGap = 0.25;
+constexpr double LongestGapPeriods = 4; // of screens that are refreshed very slowly
 constexpr double LongestWakeSeconds = 86'400;
+// So that a time that is put together from others is not before what it stands for.
+constexpr double Rounding = 1e-6;
+constexpr double Never = std::numeric_limits<double>::infinity();
 } // namespace
 
-StripPlayer::StripPlayer(TickerDisplay& display, QObject* parent)
-    : QObject(parent), display_(display), outSince_(FrameClock::now()) {
-  connect(&clock_, &FrameClock::tick, this, &StripPlayer::advance);
-  wake_.setSingleShot(true);
-  wake_.setTimerType(Qt::PreciseTimer);
-  connect(&wake_, &QTimer::timeout, this, [this] { advance(FrameClock::now()); });
+StripPlayer::StripPlayer(TickerDisplay& display, FrameClock::Now now, QObject* parent)
+    : QObject(parent), display_(display), now_(std::move(now)), clock_(nullptr, now_),
+      outSince_(now_()), wakeTime_(Never) {
+  connect(&clock_, &FrameClock::tick, this, &StripPlayer::playFrame);
+  wakeTimer_.setSingleShot(true);
+  wakeTimer_.setTimerType(Qt::PreciseTimer);
+  connect(&wakeTimer_, &QTimer::timeout, this, &StripPlayer::wake);
 }
 
 StripPlayer::~StripPlayer() = default;
 
-double StripPlayer::time() const {
-  return (isInSight_ ? FrameClock::now() : outSince_) - lost_;
+double StripPlayer::longestGap() const {
+  return std::max(LongestGap, LongestGapPeriods * clock_.period());
+}
+
+double StripPlayer::clockTime() const {
+  if (!isInSight_)
+    return outSince_;
+  return std::min(now_(), clock_.isRunning() ? frame_ : wakeTime_);
 }
 
 void StripPlayer::setInSight(bool isInSight) {
   if (isInSight == isInSight_)
     return;
-  const double now = FrameClock::now();
-  if (isInSight)
+  if (isInSight) {
+    const double now = now_();
     lost_ += now - outSince_;
-  else
-    outSince_ = now;
-  isInSight_ = isInSight;
-  if (isInSight)
+    isInSight_ = true;
     advance(now);
-  else
+  } else {
+    outSince_ = clockTime();
+    isInSight_ = false;
     schedule();
+  }
 }
 
 void StripPlayer::setPaused(Pause reason, bool paused) {
@@ -52,16 +65,35 @@ bool StripPlayer::isPaused(Pause reason) const {
 }
 
 void StripPlayer::displayChanged() {
-  if (isInSight_)
-    advance(FrameClock::now());
-  else
+  if (!isInSight_)
     schedule();
+  else if (clock_.isRunning())
+    advance(frame_);
+  else
+    wake();
+}
+
+// What should have happened long ago happens now.
+void StripPlayer::wake() {
+  const double now = now_();
+  if (now - wakeTime_ > longestGap())
+    lost_ += now - wakeTime_ - Rounding;
+  advance(now);
+}
+
+void StripPlayer::playFrame(double time) {
+  const double gap = time - frame_;
+  PlayedFrame played{time, clock_.blank(), isFirstFrame_, gap > longestGap()};
+  if (played.lostTime)
+    lost_ += gap - clock_.period();
+  frame_ = time;
+  isFirstFrame_ = false;
+  advance(time);
+  if (observer_)
+    observer_->framePlayed(played);
 }
 
 void StripPlayer::advance(double clockTime) {
-  if (clock_.isRunning() && clockTime - lastTick_ > LongestGap)
-    lost_ += clockTime - lastTick_;
-  lastTick_ = clockTime;
   if (display_.advanceTo(clockTime - lost_))
     Q_EMIT frameDue();
   schedule();
@@ -71,24 +103,31 @@ void StripPlayer::schedule() {
   if (!display_.isFinished())
     isFinished_ = false;
   if (isInSight_ && display_.isMoving()) {
-    wake_.stop();
+    wakeTimer_.stop();
     if (!clock_.isRunning()) {
-      lastTick_ = FrameClock::now();
+      frame_ = now_();
+      isFirstFrame_ = true;
       clock_.start();
     }
     return;
   }
   clock_.stop();
-  wake_.stop();
+  wakeTimer_.stop();
+  wakeTime_ = Never;
   if (display_.isFinished()) {
     if (!isFinished_)
       Q_EMIT finished();
     isFinished_ = true;
     return;
   }
-  const double wait = display_.nextEntryTime() - time();
-  if (isInSight_ && std::isfinite(wait))
-    wake_.start(static_cast<int>(std::ceil(std::clamp(wait, 0.0, LongestWakeSeconds) * 1000)));
+  if (!isInSight_)
+    return;
+  const double now = now_();
+  const double wait = display_.nextEntryTime() - (now - lost_);
+  if (!std::isfinite(wait))
+    return;
+  wakeTime_ = now + std::clamp(wait, 0.0, LongestWakeSeconds);
+  wakeTimer_.start(static_cast<int>(std::ceil((wakeTime_ - now) * 1000)));
 }
 
 } // namespace zq::app

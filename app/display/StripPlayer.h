@@ -9,6 +9,22 @@
 
 namespace zq::app {
 
+// A frame of a strip, as it was moved to and shown.
+struct PlayedFrame {
+  double time = 0;         // seconds on the monotonic clock: when it was expected on the screen
+  std::uint64_t blank = 0; // the source's count of that blank, see FrameClock
+  bool isFirst = false;    // nothing moved before
+  bool lostTime = false;   // the process was kept from running before it; that time is left out
+};
+
+// Sees every frame that is due to a strip's motion, also one that looks as the one before.
+class FrameObserver {
+ public:
+  virtual ~FrameObserver() = default;
+  // After the frame has been drawn.
+  virtual void framePlayed(const PlayedFrame& frame) = 0;
+};
+
 // Moves a display: ticks while something moves in sight, sleeps until something is due while
 // nothing moves, and does nothing at all while nobody sees it.
 //
@@ -24,13 +40,16 @@ class StripPlayer : public QObject {
     Hand = 4,    // while it is moved by hand
   };
 
-  // Out of sight at first. `display` must outlive the player.
-  explicit StripPlayer(TickerDisplay& display, QObject* parent = nullptr);
+  // Out of sight at first. `display` must outlive the player. `now` gives the monotonic clock's
+  // time.
+  explicit StripPlayer(TickerDisplay& display, FrameClock::Now now = &FrameClock::now,
+                       QObject* parent = nullptr);
   ~StripPlayer() override;
 
   // Seconds on the strip's own clock: the monotonic clock without the time in which the strip was
-  // out of sight or this process was kept from running, so that nothing jumps afterwards.
-  double time() const;
+  // out of sight or this process was kept from running, so that nothing jumps afterwards. While
+  // something moves it does not pass the frame that was shown last: only frames take it further.
+  double time() const { return clockTime() - lost_; }
 
   bool isInSight() const { return isInSight_; }
   void setInSight(bool isInSight);
@@ -43,22 +62,34 @@ class StripPlayer : public QObject {
 
   FrameClock& clock() { return clock_; }
 
+  // Null for none; must outlive the player, or be taken back.
+  void setObserver(FrameObserver* observer) { observer_ = observer; }
+
   // The display's frame is another one than before: it must be shown now.
   Q_SIGNAL void frameDue();
   // The display has shown everything; once, until there is more.
   Q_SIGNAL void finished();
 
  private:
+  double clockTime() const;
+  void playFrame(double time);
+  void wake();
   void advance(double clockTime);
   void schedule();
+  double longestGap() const;
 
   TickerDisplay& display_;
+  FrameClock::Now now_;
   FrameClock clock_;
-  QTimer wake_;
+  FrameObserver* observer_ = nullptr;
+  QTimer wakeTimer_;
+  // Times on the monotonic clock.
   bool isInSight_ = false;
-  double outSince_;     // on the monotonic clock; while it is out of sight
+  double outSince_;  // while it is out of sight
+  double wakeTime_;  // until when nothing happens, while nothing moves; infinity for no end
+  double frame_ = 0; // of the last frame, while the clock ticks
+  bool isFirstFrame_ = false;
   double lost_ = 0;     // seconds that the strip's clock has missed
-  double lastTick_ = 0; // on the monotonic clock; while the clock ticks
   unsigned pauses_ = 0; // of Pause
   bool isFinished_ = false;
 };

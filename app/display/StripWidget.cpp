@@ -1,5 +1,7 @@
 #include "app/display/StripWidget.h"
 
+#include "app/x11/VerticalBlank.h"
+
 #include <QtCore/QCoreApplication>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
@@ -124,6 +126,8 @@ void StripWidget::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 bool StripWidget::event(QEvent* event) {
+  if (event->type() == QEvent::WinIdChange)
+    player_.clock().setSource(VerticalBlank::make(internalWinId()));
   if (event->type() == QEvent::ScreenChangeInternal) {
     fitDisplay();
     displayChanged();

@@ -1,5 +1,8 @@
 # The display: signs that move over a strip.
 set(display_SOURCES
+    display/BlankEstimate.cpp
+    display/BlankEstimate.h
+    display/BlankSource.h
     display/FrameClock.cpp
     display/FrameClock.h
     display/LineSource.h

@@ -2,5 +2,7 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render)
 set(x11_SOURCES
+    x11/VerticalBlank.cpp
+    x11/VerticalBlank.h
     x11/XConnection.cpp
     x11/XConnection.h)

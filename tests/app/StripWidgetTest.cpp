@@ -152,26 +152,3 @@ TEST_F(StripWindow, StepsFromItsMenu) {
   EXPECT_EQ(display.strip().runs().front().number, first);
   EXPECT_GT(widget.frameCount(), frames);
 }
-
-TEST(FrameClock, TicksInOrderUntilItIsStopped) {
-  FrameClock clock;
-  std::vector<double> times;
-  QObject::connect(&clock, &FrameClock::tick, &clock, [&](double time) { times.push_back(time); });
-  clock.start();
-  EXPECT_TRUE(clock.isRunning());
-  ASSERT_TRUE(waitUntil([&] { return times.size() >= 5; }));
-  clock.stop();
-  EXPECT_FALSE(clock.isRunning());
-  for (std::size_t i = 1; i < times.size(); ++i)
-    EXPECT_GT(times[i], times[i - 1]);
-}
-
-TEST(FrameClock, TakesOnlyUsableRates) {
-  FrameClock clock;
-  clock.setRate(144);
-  EXPECT_DOUBLE_EQ(clock.rate(), 144);
-  for (const double rate : {0.0, -1.0, 1e9}) {
-    clock.setRate(rate);
-    EXPECT_DOUBLE_EQ(clock.rate(), 60);
-  }
-}

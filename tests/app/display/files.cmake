@@ -1,1 +1,1 @@
-set(app_display_SOURCES)
+set(app_display_SOURCES BlankEstimateTest.cpp FakeBlanks.h FrameClockTest.cpp StripPlayerTest.cpp)
