@@ -34,4 +34,10 @@ std::optional<QString> sessionBusAddress() {
   return QString(u"unix:path="_s + QString::fromLatin1(socket.toPercentEncoding("/\\*", "~")));
 }
 
+QString systemBusAddress() {
+  const QByteArray address = qgetenv("DBUS_SYSTEM_BUS_ADDRESS");
+  return address.isEmpty() ? u"unix:path=/var/run/dbus/system_bus_socket"_s
+                           : QString::fromLocal8Bit(address);
+}
+
 } // namespace zq::app

@@ -1,4 +1,4 @@
-// Where the session bus is.
+// Where the session bus and the system bus are.
 #pragma once
 
 #include <QtCore/QString>
@@ -13,5 +13,8 @@ std::optional<QString> sessionBusAddress();
 
 // Whether the user wants no session bus: $DBUS_SESSION_BUS_ADDRESS is empty or "disabled:".
 bool isSessionBusSwitchedOff();
+
+// The address in $DBUS_SYSTEM_BUS_ADDRESS, else where the system bus usually is.
+QString systemBusAddress();
 
 } // namespace zq::app

@@ -2,6 +2,7 @@
 
 #include "app/bus/TickerOnBus.h"
 #include "app/bus/TickerService.h"
+#include "app/bus/bus_address.h"
 #include "app/bus/hand_over.h"
 #include "app/commands/RenderCommand.h"
 #include "app/commands/failures.h"
@@ -9,6 +10,7 @@
 #include "app/commands/strip_setup.h"
 #include "app/settings/SettingsStore.h"
 #include "app/settings/run_settings.h"
+#include "app/sight/SessionSight.h"
 #include "app/ticker/Ticker.h"
 
 #include <QtCore/QCoreApplication>
@@ -57,6 +59,9 @@ int runCommand(const QStringList& arguments) {
   }
   leaveOutUnknownFont(options);
   Ticker ticker(options);
+  const SessionSight session(sessionBusAddress(), systemBusAddress());
+  QObject::connect(&session, &SessionSight::changed, &ticker.widget().sight(),
+                   &StripSight::setScreenInSight);
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);

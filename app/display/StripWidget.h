@@ -35,6 +35,7 @@ class StripWidget : public QWidget {
   // Tells that something was added to the display or that it was changed.
   void displayChanged() { player_.displayChanged(); }
   StripPlayer& player() { return player_; }
+  StripSight& sight() { return sight_; }
 
   // The strip's commands, ready for use; it pops up under the right mouse button.
   StripMenu& menu() { return menu_; }

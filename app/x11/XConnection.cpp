@@ -48,6 +48,13 @@ XConnection::~XConnection() {
   xcb_disconnect(connection_);
 }
 
+// The server keeps one set of events for each window and connection.
+void XConnection::selectEvents(xcb_window_t window, std::uint32_t events) {
+  std::uint32_t& selected = selected_[window];
+  selected |= events;
+  xcb_change_window_attributes(connection_, window, XCB_CW_EVENT_MASK, &selected);
+}
+
 void XConnection::flush() {
   xcb_flush(connection_);
   receive();

@@ -1,11 +1,13 @@
 // A connection to the X server of our own.
 #pragma once
 
+#include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QSocketNotifier>
 
 #include <xcb/xcb.h>
 
+#include <cstdint>
 #include <memory>
 
 namespace zq::app {
@@ -35,6 +37,10 @@ class XConnection : public QObject {
   // calls it too: events that came with the reply do not wake anybody.
   void flush();
 
+  // Has the server tell of these events (XCB_EVENT_MASK_…) of a window, beside those that others
+  // asked for here.
+  void selectEvents(xcb_window_t window, std::uint32_t events);
+
   // What the server has told, except errors; valid during the call.
   Q_SIGNAL void received(const xcb_generic_event_t* event);
   // The server has gone; nothing can be asked any more.
@@ -47,6 +53,7 @@ class XConnection : public QObject {
   xcb_connection_t* connection_;
   xcb_screen_t* screen_;
   QSocketNotifier notifier_;
+  QHash<xcb_window_t, std::uint32_t> selected_;
   bool isReceiving_ = false;
   bool isLost_ = false;
 };

@@ -4,5 +4,7 @@ pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render)
 set(x11_SOURCES
     x11/VerticalBlank.cpp
     x11/VerticalBlank.h
+    x11/WindowVisibility.cpp
+    x11/WindowVisibility.h
     x11/XConnection.cpp
     x11/XConnection.h)

@@ -41,12 +41,16 @@ QString configuration(const QString& address, const QString& services) {
 } // namespace
 
 PrivateBus::PrivateBus(Activation activation, const QProcessEnvironment& environment)
+    : PrivateBus(activation == Activation::Ticker
+                     ? QStringLiteral(ZQTICKER_BINARY_DIR "/share/dbus-1/services")
+                     : QString(),
+                 environment) {}
+
+PrivateBus::PrivateBus(const QString& serviceFolder, const QProcessEnvironment& environment)
     : environment_(environment) {
   environment_.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, address());
   const QString services =
-      activation == Activation::Ticker
-          ? QStringLiteral("<servicedir>" ZQTICKER_BINARY_DIR "/share/dbus-1/services</servicedir>")
-          : QString();
+      serviceFolder.isEmpty() ? QString() : u"<servicedir>%1</servicedir>"_s.arg(serviceFolder);
   QFile file(folder_.filePath(u"bus.conf"_s));
   if (file.open(QIODevice::WriteOnly))
     file.write(configuration(address(), services).toUtf8());

@@ -22,6 +22,9 @@ class PrivateBus {
   // Programs that the bus starts get `environment`, with this bus as theirs.
   explicit PrivateBus(Activation activation = Activation::None,
                       const QProcessEnvironment& environment = plainEnvironment());
+  // One that starts what the service files in `serviceFolder` say.
+  explicit PrivateBus(const QString& serviceFolder,
+                      const QProcessEnvironment& environment = plainEnvironment());
   ~PrivateBus();
   PrivateBus(const PrivateBus&) = delete;
 

@@ -1,0 +1,10 @@
+# Whether anybody can see the screen.
+set(sight_SOURCES
+    sight/BusListener.cpp
+    sight/BusListener.h
+    sight/LoginSession.cpp
+    sight/LoginSession.h
+    sight/ScreenSavers.cpp
+    sight/ScreenSavers.h
+    sight/SessionSight.cpp
+    sight/SessionSight.h)

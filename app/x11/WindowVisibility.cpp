@@ -1,0 +1,62 @@
+#include "app/x11/WindowVisibility.h"
+
+#include <QtGui/QGuiApplication>
+#include <QtGui/QWindow>
+
+#include <cstdlib>
+
+namespace zq::app {
+
+namespace {
+constexpr int EventCode = 0x7f; // without the mark of events that a program has sent
+
+// Waits until the server has done all that was asked before.
+void awaitServer(xcb_connection_t* connection) {
+  std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+} // namespace
+
+WindowVisibility::WindowVisibility(QObject* parent) : QObject(parent) {}
+
+WindowVisibility::~WindowVisibility() = default;
+
+void WindowVisibility::watch(QWindow* window) {
+  window_ = XCB_WINDOW_NONE;
+  setCovered(false);
+  auto* application = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+  if (!window || !window->handle() || !application)
+    return;
+  std::shared_ptr<XConnection> connection = XConnection::shared();
+  if (!connection)
+    return;
+  if (connection != connection_) {
+    if (connection_)
+      connection_->disconnect(this);
+    connection_ = connection;
+    connect(connection.get(), &XConnection::received, this, &WindowVisibility::receive);
+  }
+  window_ = static_cast<xcb_window_t>(window->winId());
+  // The window must be there before it is named on another connection, and watched before it is
+  // shown.
+  awaitServer(application->connection());
+  connection_->selectEvents(window_, XCB_EVENT_MASK_VISIBILITY_CHANGE);
+  awaitServer(connection_->get());
+  connection_->flush();
+}
+
+void WindowVisibility::receive(const xcb_generic_event_t* event) {
+  if ((event->response_type & EventCode) != XCB_VISIBILITY_NOTIFY)
+    return;
+  const auto* told = reinterpret_cast<const xcb_visibility_notify_event_t*>(event);
+  if (told->window == window_ && window_ != XCB_WINDOW_NONE)
+    setCovered(told->state == XCB_VISIBILITY_FULLY_OBSCURED);
+}
+
+void WindowVisibility::setCovered(bool isCovered) {
+  if (isCovered == isCovered_)
+    return;
+  isCovered_ = isCovered;
+  Q_EMIT changed();
+}
+
+} // namespace zq::app
