@@ -95,7 +95,7 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
-    options.direction = directionOf(option);
+    options.isHorizontal = isHorizontalOf(option);
   } else if (name == "speed"_L1) {
     options.speed = speedOf(option);
   } else if (name == "width"_L1) {
@@ -192,6 +192,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
       options.strip.autoscale = false;
     else if (option.name == "control-bar"_L1 || option.name == "no-control-bar"_L1)
       options.showsControlBar = option.name == "control-bar"_L1;
+    else if (option.name == "pause-on-hover"_L1)
+      options.pausesOnHover = isOnOf(option);
     else if (option.name == "no-window"_L1)
       options.opensWindow = false;
     else if (option.name == "separate"_L1)
@@ -204,8 +206,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
   adoptSettings(options, settings);
   requireFeeds(options.strip, given);
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal())
-    throw UsageError(options.strip.isHorizontal()
+  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)
+    throw UsageError(options.strip.isHorizontal
                          ? u"--position: a horizontal strip stands at the top or the bottom"_s
                          : u"--position: a vertical strip stands left or right"_s);
   for (const QString& name : {u"autoscale"_s, u"control-bar"_s})

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "app/commands/OptionTable.h"
-#include "app/display/ScrollDirection.h"
 #include "app/services/FeedOptions.h"
 #include "app/services/FileOptions.h"
 
@@ -42,7 +41,7 @@ struct StripOptions {
   FeedOptions feeds;
   FileOptions files;
   bool readsStandardInput = false;
-  ScrollDirection direction = ScrollDirection::Left;
+  bool isHorizontal = true;
   double speed = 60; // points per second
   std::optional<double> width;
   std::optional<double> height;
@@ -53,8 +52,6 @@ struct StripOptions {
   std::optional<std::int64_t> loopCount; // as asked for, else by the kind of sign
   std::optional<double> loopDelay;
   bool continuous = false;
-
-  bool isHorizontal() const { return app::isHorizontal(direction); }
 };
 
 // Where the window stands.
@@ -65,8 +62,9 @@ struct RunOptions {
   Edge edge = Edge::Automatic;
   QString screen; // its name; empty for the primary one
   bool showsControlBar = true;
-  bool isSeparate = false; // it is not the session's ticker, and hands nothing over to that
-  bool opensWindow = true; // the queue window, where there is nothing to show
+  bool pausesOnHover = true; // while the pointer rests on the strip
+  bool isSeparate = false;   // it is not the session's ticker, and hands nothing over to that
+  bool opensWindow = true;   // the queue window, where there is nothing to show
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 

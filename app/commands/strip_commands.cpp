@@ -151,6 +151,12 @@ OptionTable makeRunTable() {
        {},
        u"Show no buttons for back, pause, forward and the menu while the pointer rests on the "
        u"strip. The menu under the right mouse button has them all."_s});
+  table.options.push_back({u"pause-on-hover"_s,
+                           {u"SWITCH"_s},
+                           u"Whether the strip stands still while the pointer rests on it."_s,
+                           false,
+                           false,
+                           {{u"on"_s, u"the default"_s}, {u"off"_s, {}}}});
   table.options.push_back(
       {u"separate"_s,
        {},
@@ -207,7 +213,7 @@ OptionTable makeRunTable() {
       u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
       u"--background lightyellow"_s,
       u"A picture and a text in a font and colors of your own."_s,
-      u"zqticker run --direction up --text one --text two --loop 2"_s,
+      u"zqticker run --direction vertical --text one --text two --loop 2"_s,
       u"Two lines that scroll up at the right of the screen, twice."_s};
   return table;
 }

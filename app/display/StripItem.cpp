@@ -4,10 +4,6 @@ namespace zq::app {
 
 StripItem::~StripItem() = default;
 
-double StripItem::gap(double) const {
-  return 0;
-}
-
 void StripItem::setQueued(bool) {}
 
 } // namespace zq::app

@@ -28,6 +28,7 @@ class StripWidget : public QWidget {
   // The colour behind the signs; one that is not opaque lets what stands below the window through,
   // where the window system can.
   void setBackground(const QColor& background);
+  const QColor& background() const { return background_; }
 
   // Seconds on the strip's own clock, see StripPlayer.
   double time() const { return player_.time(); }

@@ -3,7 +3,6 @@
 
 #include "app/display/LineSource.h"
 #include "app/display/QueuedSign.h"
-#include "app/display/ScrollDirection.h"
 #include "app/display/SenderCounts.h"
 #include "app/display/SignOrigin.h"
 #include "app/display/Strip.h"
@@ -71,12 +70,12 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   qreal textOffset() const override;
   platform::Ref<platform::Font> defaultFont() const override { return font_; }
   platform::Ref<platform::Color> defaultTextColor() const override { return color_; }
-  bool shouldAutoscale() const override { return autoscale_ && isHorizontal(); }
+  bool shouldAutoscale() const override { return autoscale_ && horizontal_; }
 
   // Changes mark every sign for layout and let what is shown stay in its order; `time` is that of
   // the change.
   void setSize(QSizeF points, double time);
-  void setDirection(ScrollDirection direction, double time);
+  void setHorizontal(bool horizontal, double time);
   // Texts in the very font or colour that was the default before take the new one.
   void setDefaultFont(platform::Ref<platform::Font> font);
   void setDefaultTextColor(platform::Ref<platform::Color> color);
@@ -85,8 +84,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void setScale(double scale);
   double scale() const { return scale_; }
 
-  ScrollDirection direction() const { return direction_; }
-  bool isHorizontal() const { return app::isHorizontal(direction_); }
+  bool isHorizontal() const { return horizontal_; }
   StripShape shape() const;
 
   // Points over which a sign fades in and out.
@@ -186,7 +184,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   class TextSignDisplay;
   friend class SignItem;
 
-  double extent() const { return isHorizontal() ? size_.width() : size_.height(); }
+  double extent() const { return horizontal_ ? size_.width() : size_.height(); }
   void catchUp(double time);
   void prepare(ZQTickerSign& sign);
   Entry waitingEntry(const QString& identifier) const;
@@ -200,7 +198,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
   QSizeF size_{0, 0};
-  ScrollDirection direction_ = ScrollDirection::Left;
+  bool horizontal_ = true;
   platform::Ref<platform::Font> font_;
   platform::Ref<platform::Color> color_;
   bool autoscale_ = false;

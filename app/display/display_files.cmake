@@ -9,7 +9,6 @@ set(display_SOURCES
     display/Motion.cpp
     display/Motion.h
     display/QueuedSign.h
-    display/ScrollDirection.h
     display/SenderCounts.h
     display/SignAction.h
     display/SignItem.cpp

@@ -8,7 +8,7 @@ namespace zq::app {
 // Values as the settings file, `zqticker settings` and the settings window know them; see
 // settingTable(). As it is made it holds the defaults.
 struct Settings {
-  ScrollDirection direction = ScrollDirection::Left;
+  bool isHorizontal = true;
   double speed = 60; // points per second
   std::optional<FontRequest> font;
   std::optional<QColor> color;
@@ -20,6 +20,7 @@ struct Settings {
   std::optional<double> width;
   bool autoscale = false;
   bool showsControlBar = true;
+  bool pausesOnHover = true; // while the pointer rests on the strip
   FeedOptions feeds;
   bool startsWithSession = false; // kept by Autostart, not in the file
 

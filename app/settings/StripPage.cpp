@@ -44,11 +44,10 @@ StripPage::StripPage(QWidget* parent)
       speed_(new QDoubleSpinBox), position_(new QComboBox), screen_(new QComboBox),
       height_(makeSideBox()), width_(makeSideBox()),
       controlBar_(new QCheckBox(tr("Show &buttons while the pointer rests on the strip"))),
+      pause_(new QCheckBox(tr("Pause while the pointer &rests on the strip"))),
       autostart_(new QCheckBox(tr("Start with the &session"))) {
-  direction_->addItem(tr("From right to left"), wordOf(ScrollDirection::Left));
-  direction_->addItem(tr("From left to right"), wordOf(ScrollDirection::Right));
-  direction_->addItem(tr("From bottom to top"), wordOf(ScrollDirection::Up));
-  direction_->addItem(tr("From top to bottom"), wordOf(ScrollDirection::Down));
+  direction_->addItem(tr("Horizontal, from right to left"), u"horizontal"_s);
+  direction_->addItem(tr("Vertical, from bottom to top"), u"vertical"_s);
   speedSlider_->setRange(0, SliderSteps);
   speedSlider_->setAccessibleName(tr("Speed"));
   speed_->setRange(SlowestSpeed, FastestSpeed);
@@ -70,6 +69,7 @@ StripPage::StripPage(QWidget* parent)
   form->addRow(tr("&Height:"), height_);
   form->addRow(tr("&Width:"), width_);
   form->addRow(controlBar_);
+  form->addRow(pause_);
   form->addRow(autostart_);
 
   connect(direction_, &QComboBox::currentIndexChanged, this,
@@ -94,6 +94,8 @@ StripPage::StripPage(QWidget* parent)
           [this] { choose(u"width"_s, {sideText(*width_)}); });
   connect(controlBar_, &QCheckBox::toggled, this,
           [this](bool isOn) { choose(u"control-bar"_s, {switchText(isOn)}); });
+  connect(pause_, &QCheckBox::toggled, this,
+          [this](bool isOn) { choose(u"pause-on-hover"_s, {switchText(isOn)}); });
   connect(autostart_, &QCheckBox::toggled, this,
           [this](bool isOn) { choose(u"autostart"_s, {switchText(isOn)}); });
   connect(&screens_, &ChosenScreen::changed, this, [this] {
@@ -116,19 +118,19 @@ void StripPage::tellSlide() {
 }
 
 void StripPage::showSettings(const Settings& settings) {
-  const bool horizontal = isHorizontal(settings.direction);
-  direction_->setCurrentIndex(direction_->findData(wordOf(settings.direction)));
+  direction_->setCurrentIndex(settings.isHorizontal ? 0 : 1);
   if (!slid_.isActive())
     showSpeed(settings.speed);
-  fillPositions(horizontal);
+  fillPositions(settings.isHorizontal);
   const bool isFirst = settings.position == Edge::Top || settings.position == Edge::Left;
   const bool isUpright = settings.position == Edge::Left || settings.position == Edge::Right;
-  position_->setCurrentIndex(isFirst && isUpright != horizontal ? 0 : 1);
+  position_->setCurrentIndex(isFirst && isUpright != settings.isHorizontal ? 0 : 1);
   chosenScreen_ = settings.screen;
   fillScreens(chosenScreen_);
   height_->setValue(settings.height.value_or(0));
   width_->setValue(settings.width.value_or(0));
   controlBar_->setChecked(settings.showsControlBar);
+  pause_->setChecked(settings.pausesOnHover);
   autostart_->setChecked(settings.startsWithSession);
 }
 
@@ -139,14 +141,14 @@ void StripPage::showSpeed(double speed) {
 }
 
 // The last one is that of a strip of which nothing is said.
-void StripPage::fillPositions(bool horizontal) {
-  const QString first = horizontal ? u"top"_s : u"left"_s;
+void StripPage::fillPositions(bool isHorizontal) {
+  const QString first = isHorizontal ? u"top"_s : u"left"_s;
   if (position_->count() > 0 && position_->itemData(0).toString() == first)
     return;
   position_->clear();
-  position_->addItem(horizontal ? tr("Top") : tr("Left"), first);
-  position_->addItem(horizontal ? tr("Bottom") : tr("Right"),
-                     horizontal ? u"bottom"_s : u"right"_s);
+  position_->addItem(isHorizontal ? tr("Top") : tr("Left"), first);
+  position_->addItem(isHorizontal ? tr("Bottom") : tr("Right"),
+                     isHorizontal ? u"bottom"_s : u"right"_s);
 }
 
 void StripPage::fillScreens(const QString& chosen) {

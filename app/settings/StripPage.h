@@ -26,7 +26,7 @@ class StripPage : public SettingsPage {
   void hideEvent(QHideEvent* event) override;
 
  private:
-  void fillPositions(bool horizontal);
+  void fillPositions(bool isHorizontal);
   void fillScreens(const QString& chosen);
   void showSpeed(double speed);
   void tellSlide();
@@ -40,6 +40,7 @@ class StripPage : public SettingsPage {
   QDoubleSpinBox* height_;
   QDoubleSpinBox* width_;
   QCheckBox* controlBar_;
+  QCheckBox* pause_;
   QCheckBox* autostart_;
   QTimer slid_; // while the slider moves
   QString chosenScreen_;

@@ -18,7 +18,7 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
   StripOptions& strip = options.strip;
   const auto isFree = [&](const QString& name) { return !options.given.contains(name); };
   if (isFree(u"direction"_s))
-    strip.direction = settings.direction;
+    strip.isHorizontal = settings.isHorizontal;
   if (isFree(u"speed"_s))
     strip.speed = settings.speed;
   if (isFree(u"font"_s))
@@ -39,6 +39,8 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
     strip.autoscale = settings.autoscale;
   if (isFree(u"control-bar"_s) && isFree(u"no-control-bar"_s))
     options.showsControlBar = settings.showsControlBar;
+  if (isFree(u"pause-on-hover"_s))
+    options.pausesOnHover = settings.pausesOnHover;
   if (!options.showsOwn())
     strip.feeds.feeds = settings.feeds.feeds;
   if (isFree(u"feed-items"_s))
@@ -46,7 +48,7 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
   if (isFree(u"feed-interval"_s))
     strip.feeds.intervalMinutes = settings.feeds.intervalMinutes;
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal())
+  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal)
     options.edge = Edge::Automatic;
 }
 

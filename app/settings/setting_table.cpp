@@ -44,10 +44,6 @@ QStringList valuesOf(bool isOn) {
   return {isOn ? u"on"_s : u"off"_s};
 }
 
-bool isOnOf(const ParsedOption& option) {
-  return wordOf(option, {u"on"_s, u"off"_s}) == "on"_L1;
-}
-
 QString wordOf(Edge edge) {
   switch (edge) {
   case Edge::Top:
@@ -72,10 +68,11 @@ std::optional<Value> unlessAutomatic(const ParsedOption& option, Read read) {
 std::vector<SettingSpec> makeTable() {
   using Option = const ParsedOption&;
   return {
-      {u"direction"_s, u"left|right|up|down"_s,
-       u"Which way signs scroll; horizontal is taken for left, vertical for up."_s, Kind::Text,
-       [](Settings& s, Option o) { s.direction = directionOf(o); },
-       [](const Settings& s) { return QStringList{wordOf(s.direction)}; }},
+      {u"direction"_s, u"horizontal|vertical"_s, u"From right to left, or from bottom to top."_s,
+       Kind::Text, [](Settings& s, Option o) { s.isHorizontal = isHorizontalOf(o); },
+       [](const Settings& s) {
+         return QStringList{s.isHorizontal ? u"horizontal"_s : u"vertical"_s};
+       }},
       {u"speed"_s, u"POINTS"_s, u"Points per second."_s, Kind::Number,
        [](Settings& s, Option o) { s.speed = speedOf(o); },
        [](const Settings& s) { return QStringList{textOfNumber(s.speed)}; }},
@@ -118,6 +115,10 @@ std::vector<SettingSpec> makeTable() {
        u"Whether buttons appear while the pointer rests on the strip."_s, Kind::Switch,
        [](Settings& s, Option o) { s.showsControlBar = isOnOf(o); },
        [](const Settings& s) { return valuesOf(s.showsControlBar); }},
+      {u"pause-on-hover"_s, u"on|off"_s,
+       u"Whether the strip stands still while the pointer rests on it."_s, Kind::Switch,
+       [](Settings& s, Option o) { s.pausesOnHover = isOnOf(o); },
+       [](const Settings& s) { return valuesOf(s.pausesOnHover); }},
       {u"feeds"_s, u"URL..."_s,
        u"The addresses of feeds, shown by a ticker whose command line names nothing to show."_s,
        Kind::List,

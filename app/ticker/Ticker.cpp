@@ -4,6 +4,7 @@
 #include "app/commands/sign_loading.h"
 #include "app/controls/ControlBar.h"
 #include "app/controls/ControlBarButton.h"
+#include "app/interaction/StripInteraction.h"
 #include "app/queue/QueueWindow.h"
 #include "app/queue/TickerQueue.h"
 #include "app/services/ClockService.h"
@@ -31,10 +32,10 @@ using namespace platform;
 
 namespace {
 // The control bar on the strip. A strip without one can be used all the same.
-std::unique_ptr<ControlBar> makeControlBar(StripWidget& widget, ScrollDirection direction) {
+std::unique_ptr<ControlBar> makeControlBar(StripWidget& widget, bool isHorizontal) {
   try {
     if (ControlBarButton::hasLook())
-      return std::make_unique<ControlBar>(&widget, direction, widget.menu());
+      return std::make_unique<ControlBar>(&widget, isHorizontal, widget.menu());
     printError(u"no control bar: its look, ControlBarButton.button, is missing"_s);
   } catch (const std::exception& exception) {
     printError(u"no control bar: its look, ControlBarButton.button, cannot be read: "_s +
@@ -60,6 +61,7 @@ Ticker::Ticker(const RunOptions& options)
   if (!screen_.screen())
     throw RunTimeError(u"the display has no screen"_s);
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
+  interaction_ = std::make_unique<StripInteraction>(*widget_, display_);
   updateLook();
   connect(&screen_, &ChosenScreen::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,
@@ -175,18 +177,20 @@ void Ticker::updateLook() {
   setUpDisplay(display_, options_.strip, look, time());
   widget_->setBackground(options_.strip.background);
   widget_->place(windowPlace(options_, look, room));
+  interaction_->pointer().setPausesAtRest(options_.pausesOnHover);
   updateControlBar();
   displayChanged();
 }
 
 void Ticker::updateControlBar() {
-  if (controlBar_)
-    controlBar_->setDirection(options_.strip.direction);
+  std::optional<bool> wanted;
+  if (options_.showsControlBar)
+    wanted = options_.strip.isHorizontal;
   // What could not be made is not tried, and told, again and again.
-  if (options_.showsControlBar == triedControlBar_)
+  if (wanted == triedControlBar_)
     return;
-  triedControlBar_ = options_.showsControlBar;
-  controlBar_ = triedControlBar_ ? makeControlBar(*widget_, options_.strip.direction) : nullptr;
+  triedControlBar_ = wanted;
+  controlBar_ = wanted ? makeControlBar(*widget_, *wanted) : nullptr;
 }
 
 QString Ticker::show(const Ref<ZQTickerSign>& sign, const SignOrigin& origin, bool arranged) {

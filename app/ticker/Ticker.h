@@ -18,6 +18,7 @@ namespace zq::app {
 
 class ClockService;
 class QueueWindow;
+class StripInteraction;
 class ControlBar;
 class SettingsStore;
 class SettingsWindow;
@@ -104,8 +105,9 @@ class Ticker : public QObject {
   ChosenScreen screen_;
   TickerDisplay display_;
   std::unique_ptr<StripWidget> widget_;
+  std::unique_ptr<StripInteraction> interaction_;
   std::unique_ptr<ControlBar> controlBar_; // null where there is none
-  bool triedControlBar_ = false;           // whether one was to be made
+  std::optional<bool> triedControlBar_;    // whether it was one for a horizontal strip
   std::vector<std::unique_ptr<SourceSet>> sources_;
   SettingsStore* settings_ = nullptr;              // that are followed
   std::unique_ptr<TickerQueue> queue_;             // once its window has been asked for

@@ -44,7 +44,7 @@ class ControlBarScreen : public ::testing::Test {
   void run(const QStringList& more = {}) {
     program_.emplace(QStringList{u"--text"_s, u"The quick brown fox jumps over the lazy dog"_s,
                                  u"--continuous"_s, u"--speed"_s, u"150"_s, u"--background"_s,
-                                 u"#123456"_s} +
+                                 u"#123456"_s, u"--pause-on-hover"_s, u"off"_s} +
                          more,
                      server_->environment());
     ASSERT_TRUE(waitUntil([&] { return colorAt(0, Top) == Ground; }));

@@ -1,1 +1,6 @@
-set(app_interaction_SOURCES)
+set(app_interaction_SOURCES
+    SignOpenerTest.cpp
+    StripPointerScreenTest.cpp
+    StripPointerTest.cpp
+    sign_locationsTest.cpp
+    sign_spotsTest.cpp)

@@ -70,7 +70,7 @@ TEST_F(StoredSettings, AreThereForTheNextProgram) {
   EXPECT_EQ(changes_, 1);
   makeStore();
   EXPECT_EQ(store_->settings().speed, 90);
-  EXPECT_EQ(store_->settings().direction, ScrollDirection::Up);
+  EXPECT_FALSE(store_->settings().isHorizontal);
 }
 
 TEST_F(StoredSettings, KeepTheChangesOfOthers) {

@@ -16,7 +16,7 @@ RunOptions run(const char* line, const Settings& settings) {
 // Every setting other than its default, for an upright strip.
 Settings chosen() {
   Settings settings;
-  settings.direction = ScrollDirection::Down;
+  settings.isHorizontal = false;
   settings.speed = 10;
   settings.font = FontRequest{u"Serif"_s};
   settings.color = Qt::red;
@@ -27,6 +27,7 @@ Settings chosen() {
   settings.width = 100;
   settings.autoscale = true;
   settings.showsControlBar = false;
+  settings.pausesOnHover = false;
   settings.feeds = {{QUrl(u"https://a/"_s)}, 7.0, 3};
   return settings;
 }
@@ -34,7 +35,7 @@ Settings chosen() {
 
 TEST(RunSettings, AreTakenWhereTheCommandLineSaysNothing) {
   const RunOptions options = run("", chosen());
-  EXPECT_EQ(options.strip.direction, ScrollDirection::Down);
+  EXPECT_FALSE(options.strip.isHorizontal);
   EXPECT_EQ(options.strip.speed, 10);
   EXPECT_EQ(options.strip.font->text, u"Serif"_s);
   EXPECT_EQ(options.strip.color, QColor(Qt::red));
@@ -45,15 +46,17 @@ TEST(RunSettings, AreTakenWhereTheCommandLineSaysNothing) {
   EXPECT_EQ(options.strip.width, 100);
   EXPECT_TRUE(options.strip.autoscale);
   EXPECT_FALSE(options.showsControlBar);
+  EXPECT_FALSE(options.pausesOnHover);
   EXPECT_EQ(options.strip.feeds, chosen().feeds);
 }
 
 TEST(RunSettings, GiveWayToTheCommandLine) {
   const RunOptions options =
       run("--text a --direction horizontal --speed 20 --font Sans --color lime --background black "
-          "--position top --screen DP-1 --height 24 --width 800 --no-autoscale --control-bar",
+          "--position top --screen DP-1 --height 24 --width 800 --no-autoscale --control-bar "
+          "--pause-on-hover on",
           chosen());
-  EXPECT_EQ(options.strip.direction, ScrollDirection::Left);
+  EXPECT_TRUE(options.strip.isHorizontal);
   EXPECT_EQ(options.strip.speed, 20);
   EXPECT_EQ(options.strip.font->text, u"Sans"_s);
   EXPECT_EQ(options.strip.color, QColor(Qt::green));
@@ -64,6 +67,7 @@ TEST(RunSettings, GiveWayToTheCommandLine) {
   EXPECT_EQ(options.strip.width, 800);
   EXPECT_FALSE(options.strip.autoscale);
   EXPECT_TRUE(options.showsControlBar);
+  EXPECT_TRUE(options.pausesOnHover);
   const RunOptions feeds = run("--feed https://b/ --feed-items 5 --feed-interval 9", chosen());
   EXPECT_EQ(feeds.strip.feeds, (FeedOptions{{QUrl(u"https://b/"_s)}, 9.0, 5}));
   EXPECT_EQ(run("--screen primary", chosen()).screen, QString());

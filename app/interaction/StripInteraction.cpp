@@ -1,0 +1,10 @@
+#include "app/interaction/StripInteraction.h"
+
+namespace zq::app {
+
+StripInteraction::StripInteraction(StripWidget& strip, TickerDisplay& display)
+    : pointer_(strip, display, opener_) {}
+
+StripInteraction::~StripInteraction() = default;
+
+} // namespace zq::app

@@ -1,0 +1,51 @@
+#include "app/interaction/sign_spots.h"
+
+#include "app/display/SignItem.h"
+#include "app/display/TickerDisplay.h"
+
+namespace zq::app {
+
+namespace {
+// Nothing where no part of it is in sight.
+std::optional<SignSpot> spotOf(const TickerDisplay& display, const Strip::Run& run) {
+  const QRectF seen = areaOf(display, run) & QRectF(QPointF(), display.size());
+  return seen.isEmpty() ? std::nullopt : std::optional(SignSpot{run.entry, run.number, seen});
+}
+} // namespace
+
+const SignItem& SignSpot::item() const {
+  return static_cast<const SignItem&>(*entry->item);
+}
+
+QRectF areaOf(const TickerDisplay& display, const Strip::Run& run) {
+  const Strip& strip = display.strip();
+  const double length =
+      std::min(static_cast<const SignItem&>(run.item()).placement().length, run.length);
+  const double start = strip.extent() - (strip.travel() - run.start);
+  return display.isHorizontal() ? QRectF(start, 0, length, display.size().height())
+                                : QRectF(0, start, display.size().width(), length);
+}
+
+std::optional<SignSpot> signAt(const TickerDisplay& display, QPointF point) {
+  for (const Strip::Run& run : display.strip().runs())
+    if (auto spot = spotOf(display, run); spot && spot->area.contains(point))
+      return spot;
+  return std::nullopt;
+}
+
+std::optional<SignSpot> spotOfRun(const TickerDisplay& display, std::uint64_t number) {
+  for (const Strip::Run& run : display.strip().runs())
+    if (run.number == number)
+      return spotOf(display, run);
+  return std::nullopt;
+}
+
+std::vector<SignSpot> signsInSight(const TickerDisplay& display) {
+  std::vector<SignSpot> spots;
+  for (const Strip::Run& run : display.strip().runs())
+    if (auto spot = spotOf(display, run))
+      spots.push_back(*std::move(spot));
+  return spots;
+}
+
+} // namespace zq::app
