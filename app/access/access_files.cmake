@@ -1,2 +1,8 @@
 # The ticker for everyone: less motion, assistive technology, contrast.
-set(access_SOURCES)
+set(access_SOURCES
+    access/FocusRing.cpp
+    access/FocusRing.h
+    access/StripControlCommands.cpp
+    access/StripControlCommands.h
+    access/StripFocus.cpp
+    access/StripFocus.h)

@@ -21,6 +21,11 @@ struct BusRequest {
     Run,
     ShowQueue,
     ShowSettings,
+    Pause,
+    Resume,
+    Hide,
+    Show,
+    Focus,
     Quit,
   };
 

@@ -205,10 +205,34 @@ BusReply TickerClient::showSettings() {
   return call(makeCall(u"ShowSettings"_s, {}));
 }
 
-BusReply TickerClient::quit() {
-  QDBusMessage message = makeCall(u"Quit"_s, {});
+BusReply TickerClient::askRunning(const QString& method) {
+  QDBusMessage message = makeCall(method, {});
   message.setAutoStartService(false);
   return call(message);
+}
+
+BusReply TickerClient::pause() {
+  return askRunning(u"Pause"_s);
+}
+
+BusReply TickerClient::resume() {
+  return askRunning(u"Resume"_s);
+}
+
+BusReply TickerClient::hide() {
+  return askRunning(u"Hide"_s);
+}
+
+BusReply TickerClient::show() {
+  return askRunning(u"Show"_s);
+}
+
+BusReply TickerClient::focus() {
+  return askRunning(u"Focus"_s);
+}
+
+BusReply TickerClient::quit() {
+  return askRunning(u"Quit"_s);
 }
 
 } // namespace zq::app

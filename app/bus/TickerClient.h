@@ -54,7 +54,8 @@ class TickerClient : public QObject {
   Q_SIGNAL void tickerAppeared();
   Q_SIGNAL void tickerVanished();
 
-  // Whether a call starts the ticker where none runs; true at first. Quitting never does.
+  // Whether a call starts the ticker where none runs; true at first. Quitting never
+  // does, nor do pause() to focus().
   void setStartsTicker(bool starts) { startsTicker_ = starts; }
   // How long a call may take, 25 seconds at first; starting the ticker counts.
   void setDeadline(int milliseconds) { deadline_ = milliseconds; }
@@ -75,11 +76,18 @@ class TickerClient : public QObject {
   BusReply run(const QStringList& arguments, const QString& folder, int standardInput = -1);
   BusReply showQueue();
   BusReply showSettings();
+  // These never start a ticker: what does not run needs no pause.
+  BusReply pause();
+  BusReply resume();
+  BusReply hide();
+  BusReply show();
+  BusReply focus();
   BusReply quit();
 
  private:
   QDBusMessage makeCall(const QString& method, const QVariantList& arguments) const;
   BusReply call(const QDBusMessage& message);
+  BusReply askRunning(const QString& method);
   void call(const QDBusMessage& message, Callback callback);
   void observe();
   void setTickerPresent(bool present);

@@ -78,6 +78,27 @@ void TickerOnBus::showSettings() {
   ticker_.showSettings();
 }
 
+void TickerOnBus::pause() {
+  ticker_.setPaused(true);
+}
+
+void TickerOnBus::resume() {
+  ticker_.setPaused(false);
+}
+
+void TickerOnBus::hide() {
+  ticker_.hideStrip();
+}
+
+void TickerOnBus::show() {
+  ticker_.showStrip();
+}
+
+void TickerOnBus::focus() {
+  if (!ticker_.focusStrip())
+    throw BusFailure(BusFailure::Kind::Failed, u"there is nothing on the strip"_s);
+}
+
 void TickerOnBus::quit() {
   quit_();
 }

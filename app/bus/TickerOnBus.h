@@ -31,6 +31,11 @@ class TickerOnBus : public TickerReceiver {
            const QDBusUnixFileDescriptor& standardInput) override;
   void showQueue() override;
   void showSettings() override;
+  void pause() override;
+  void resume() override;
+  void hide() override;
+  void show() override;
+  void focus() override;
   void quit() override;
 
  private:

@@ -37,6 +37,11 @@ class TickerReceiver {
                    const QDBusUnixFileDescriptor& standardInput) = 0;
   virtual void showQueue() = 0;
   virtual void showSettings() = 0;
+  virtual void pause() = 0;
+  virtual void resume() = 0;
+  virtual void hide() = 0;
+  virtual void show() = 0;
+  virtual void focus() = 0;
   // The reply has been sent already.
   virtual void quit() = 0;
 };

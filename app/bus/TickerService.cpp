@@ -63,6 +63,21 @@ QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
   case BusRequest::Kind::ShowSettings:
     receiver.showSettings();
     break;
+  case BusRequest::Kind::Pause:
+    receiver.pause();
+    break;
+  case BusRequest::Kind::Resume:
+    receiver.resume();
+    break;
+  case BusRequest::Kind::Hide:
+    receiver.hide();
+    break;
+  case BusRequest::Kind::Show:
+    receiver.show();
+    break;
+  case BusRequest::Kind::Focus:
+    receiver.focus();
+    break;
   case BusRequest::Kind::Quit:
     break;
   }

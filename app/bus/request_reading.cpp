@@ -31,6 +31,11 @@ constexpr Method Methods[] = {
     {"Run"_L1, "assah"_L1, Kind::Run},
     {"ShowQueue"_L1, ""_L1, Kind::ShowQueue},
     {"ShowSettings"_L1, ""_L1, Kind::ShowSettings},
+    {"Pause"_L1, ""_L1, Kind::Pause},
+    {"Resume"_L1, ""_L1, Kind::Resume},
+    {"Hide"_L1, ""_L1, Kind::Hide},
+    {"Show"_L1, ""_L1, Kind::Show},
+    {"Focus"_L1, ""_L1, Kind::Focus},
     {"Quit"_L1, ""_L1, Kind::Quit},
 };
 
@@ -100,6 +105,11 @@ std::optional<BusRequest> readCall(const QDBusMessage& call) {
   case Kind::DisplayNotification: // no method
   case Kind::ShowQueue:
   case Kind::ShowSettings:
+  case Kind::Pause:
+  case Kind::Resume:
+  case Kind::Hide:
+  case Kind::Show:
+  case Kind::Focus:
   case Kind::Quit:
     break;
   }

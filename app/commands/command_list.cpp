@@ -1,4 +1,5 @@
 // Every command of the program: one line for each room.
+#include "app/access/StripControlCommands.h"
 #include "app/bus/QuitCommand.h"
 #include "app/commands/AppearanceCommand.h"
 #include "app/commands/ArchiveCommand.h"
@@ -23,6 +24,7 @@ using Room = const std::vector<Command>& (*)();
 constexpr Room Rooms[] = {
     stripCommands,
     settingsCommands,
+    stripControlCommands,
     quitCommands,
     postCommands,
     serviceCommands,

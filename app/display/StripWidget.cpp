@@ -21,7 +21,8 @@ constexpr int MostRequests = 3;
 StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint),
-      display_(display), background_(background), player_(display), sight_(*this), menu_(this) {
+      display_(display), background_(background), player_(display), sight_(*this), menu_(this),
+      keyboard_(*this) {
   setAttribute(Qt::WA_X11NetWmWindowTypeDock);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_OpaquePaintEvent);

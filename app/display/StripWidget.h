@@ -1,6 +1,7 @@
 // The strip on the screen.
 #pragma once
 
+#include "app/access/StripFocus.h"
 #include "app/display/StripMenu.h"
 #include "app/display/StripPlayer.h"
 #include "app/display/StripSight.h"
@@ -41,6 +42,9 @@ class StripWidget : public QWidget {
   // The strip's commands, ready for use; it pops up under the right mouse button.
   StripMenu& menu() { return menu_; }
 
+  // The keyboard focus, which the strip has only while it was asked to take it.
+  StripFocus& keyboard() { return keyboard_; }
+
   // Whether the display has shown everything.
   bool isFinished() const { return display_.isFinished(); }
   Q_SIGNAL void finished();
@@ -64,6 +68,7 @@ class StripWidget : public QWidget {
   StripPlayer player_;
   StripSight sight_;
   StripMenu menu_;
+  StripFocus keyboard_;
   QRect place_;
   int requestsLeft_ = 0; // how often it asks once more for its place
   std::uint64_t frameCount_ = 0;

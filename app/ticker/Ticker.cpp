@@ -139,6 +139,35 @@ void Ticker::showSettings() {
   settingsWindow_->showInFront();
 }
 
+void Ticker::setPaused(bool paused) {
+  widget_->menu().pause().setChecked(paused);
+}
+
+void Ticker::hideStrip() {
+  isStripHidden_ = true;
+  widget_->hide();
+}
+
+void Ticker::showStrip() {
+  if (!isStripHidden_)
+    return;
+  isStripHidden_ = false;
+  // Screens may have changed meanwhile.
+  updateLook();
+  update();
+}
+
+bool Ticker::focusStrip() {
+  showStrip();
+  // What was added a moment ago has not brought it up yet.
+  if (isUpdateDue_)
+    update();
+  if (!widget_->isVisible())
+    return false;
+  widget_->keyboard().take();
+  return true;
+}
+
 bool Ticker::hasWindowOpen() const {
   return (queueWindow_ && queueWindow_->isVisible()) ||
          (settingsWindow_ && settingsWindow_->isVisible());
@@ -246,7 +275,7 @@ void Ticker::displayChanged() {
 
 void Ticker::update() {
   isUpdateDue_ = false;
-  if (!display_.isFinished() || !sources_.empty())
+  if (!isStripHidden_ && (!display_.isFinished() || !sources_.empty()))
     widget_->show();
   widget_->displayChanged();
   Q_EMIT changed();

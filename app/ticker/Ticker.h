@@ -67,6 +67,18 @@ class Ticker : public QObject {
   // Opens the window of the settings that are followed; nothing happens where there are none.
   void showSettings();
 
+  // As Pause of the menu says.
+  void setPaused(bool paused);
+  // Takes the strip off the screen until showStrip(): its clock stands, nothing is lost, and what
+  // comes meanwhile is queued and does not bring it back.
+  void hideStrip();
+  // Brings it back where it stood, with what it showed.
+  void showStrip();
+  bool isStripHidden() const { return isStripHidden_; }
+  // Gives the strip, also a hidden one, the keyboard focus, see StripFocus. False where there is
+  // none, since there is nothing to show.
+  bool focusStrip();
+
   // Shows a sign behind the others. One whose identifier waits already takes over from that one;
   // one without an identifier gets a new one. Its identifier.
   QString show(const platform::Ref<ZQTickerSign>& sign, const SignOrigin& origin = {},
@@ -116,6 +128,7 @@ class Ticker : public QObject {
   SourceSet* feedsOfSettings_ = nullptr;           // among the sources
   std::unique_ptr<ClockService> clock_;            // one: there is one sign for it
   bool isUpdateDue_ = false;
+  bool isStripHidden_ = false; // on request
 };
 
 } // namespace zq::app

@@ -7,4 +7,6 @@ set(x11_SOURCES
     x11/WindowVisibility.cpp
     x11/WindowVisibility.h
     x11/XConnection.cpp
-    x11/XConnection.h)
+    x11/XConnection.h
+    x11/active_window.cpp
+    x11/active_window.h)

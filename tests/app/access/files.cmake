@@ -1,1 +1,3 @@
-set(app_access_SOURCES)
+set(app_access_SOURCES
+    StripControlScreenTest.cpp
+    StripControlTest.cpp)

@@ -31,6 +31,7 @@ class FakeReceiver : public TickerReceiver {
   bool hadInput = false;
   int queueCount = 0;
   int settingsCount = 0;
+  QStringList asked; // of the strip
   int quitCount = 0;
   std::function<void()> beforeMessage = [] {};
 
@@ -68,6 +69,11 @@ class FakeReceiver : public TickerReceiver {
   }
   void showQueue() override { ++queueCount; }
   void showSettings() override { ++settingsCount; }
+  void pause() override { asked.append(QStringLiteral("pause")); }
+  void resume() override { asked.append(QStringLiteral("resume")); }
+  void hide() override { asked.append(QStringLiteral("hide")); }
+  void show() override { asked.append(QStringLiteral("show")); }
+  void focus() override { asked.append(QStringLiteral("focus")); }
   void quit() override { ++quitCount; }
 };
 
