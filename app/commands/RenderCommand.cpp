@@ -52,7 +52,7 @@ void render(const RenderOptions& options, const RenderPatience& patience, Interr
             interrupts);
 
   FrameSeries series{options.frames, options.framesPerSecond, 0, options.strip.background};
-  const double extent = options.strip.isHorizontal ? look.size.width() : look.size.height();
+  const double extent = options.strip.isHorizontal() ? look.size.width() : look.size.height();
   if (options.start)
     series.start = *options.start;
   else if (options.frames == 1)

@@ -95,7 +95,7 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
   } else if (name == "stdin"_L1) {
     options.readsStandardInput = true;
   } else if (name == "direction"_L1) {
-    options.isHorizontal = isHorizontalOf(option);
+    options.direction = directionOf(option);
   } else if (name == "speed"_L1) {
     options.speed = speedOf(option);
   } else if (name == "width"_L1) {
@@ -206,8 +206,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
   adoptSettings(options, settings);
   requireFeeds(options.strip, given);
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal)
-    throw UsageError(options.strip.isHorizontal
+  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal())
+    throw UsageError(options.strip.isHorizontal()
                          ? u"--position: a horizontal strip stands at the top or the bottom"_s
                          : u"--position: a vertical strip stands left or right"_s);
   for (const QString& name : {u"autoscale"_s, u"control-bar"_s})

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/commands/OptionTable.h"
+#include "app/display/ScrollDirection.h"
 #include "app/services/FeedOptions.h"
 #include "app/services/FileOptions.h"
 
@@ -41,7 +42,7 @@ struct StripOptions {
   FeedOptions feeds;
   FileOptions files;
   bool readsStandardInput = false;
-  bool isHorizontal = true;
+  ScrollDirection direction = ScrollDirection::Left;
   double speed = 60; // points per second
   std::optional<double> width;
   std::optional<double> height;
@@ -52,6 +53,8 @@ struct StripOptions {
   std::optional<std::int64_t> loopCount; // as asked for, else by the kind of sign
   std::optional<double> loopDelay;
   bool continuous = false;
+
+  bool isHorizontal() const { return app::isHorizontal(direction); }
 };
 
 // Where the window stands.

@@ -213,7 +213,7 @@ OptionTable makeRunTable() {
       u"zqticker run --combo sun.png \"Sunny, 24°\" --font \"DejaVu Sans 18\" --color navy "
       u"--background lightyellow"_s,
       u"A picture and a text in a font and colors of your own."_s,
-      u"zqticker run --direction vertical --text one --text two --loop 2"_s,
+      u"zqticker run --direction up --text one --text two --loop 2"_s,
       u"Two lines that scroll up at the right of the screen, twice."_s};
   return table;
 }

@@ -35,7 +35,7 @@ StripLook lookOf(const StripOptions& options, QSizeF room) {
                                  : FoundFont{Font::systemFontOfSize(VerticalFontSize), false};
   StripLook look;
   look.color = options.color ? Color::fromQColor(*options.color) : Color::deviceRGB(0, 0, 0);
-  if (!options.isHorizontal) {
+  if (!options.isHorizontal()) {
     look.size =
         QSizeF(options.width.value_or(UsualVerticalWidth), options.height.value_or(room.height()));
     look.font = found.font;
@@ -55,13 +55,13 @@ StripLook lookOf(const StripOptions& options, QSizeF room) {
 
 void setUpDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
                   double time) {
-  display.setHorizontal(options.isHorizontal, time);
+  display.setDirection(options.direction, time);
   display.setSize(look.size, time);
   if (!display.defaultFont() || !display.defaultFont()->isEqual(*look.font))
     display.setDefaultFont(look.font);
   if (!display.defaultTextColor() || !display.defaultTextColor()->isEqual(*look.color))
     display.setDefaultTextColor(look.color);
-  if (display.shouldAutoscale() != (options.autoscale && options.isHorizontal))
+  if (display.shouldAutoscale() != (options.autoscale && options.isHorizontal()))
     display.setShouldAutoscale(options.autoscale);
   if (display.speed() != options.speed)
     display.setSpeed(options.speed, time);
@@ -92,10 +92,10 @@ LoopRule feedRuleOf(const StripOptions& options) {
 }
 
 QSize pictureRoomOf(const StripOptions& options, const StripLook& look, double scale) {
-  const double across = options.isHorizontal ? look.size.height() : look.size.width();
+  const double across = options.isHorizontal() ? look.size.height() : look.size.width();
   const int breadth = static_cast<int>(std::ceil(std::min(across * scale * 2, LargestPicture)));
   const int length = static_cast<int>(std::min(breadth * LongestPicture, LargestPicture));
-  return options.isHorizontal ? QSize(length, breadth) : QSize(breadth, length);
+  return options.isHorizontal() ? QSize(length, breadth) : QSize(breadth, length);
 }
 
 } // namespace zq::app

@@ -23,9 +23,12 @@ const OptionSpec& continuousOption() {
 }
 
 const std::vector<AllowedWord>& directionWords() {
-  static const std::vector<AllowedWord> words{
-      {u"horizontal"_s, u"the default; from right to left"_s},
-      {u"vertical"_s, u"from bottom to top"_s}};
+  static const std::vector<AllowedWord> words{{u"left"_s, u"the default"_s},
+                                              {u"right"_s, {}},
+                                              {u"up"_s, {}},
+                                              {u"down"_s, {}},
+                                              {u"horizontal"_s, u"the same as left"_s},
+                                              {u"vertical"_s, u"the same as up"_s}};
   return words;
 }
 
@@ -37,12 +40,31 @@ const std::vector<AllowedWord>& edgeWords() {
   return words;
 }
 
-bool isOnOf(const ParsedOption& option) {
-  return wordOf(option, {u"on"_s, u"off"_s}) == "on"_L1;
+QString wordOf(ScrollDirection direction) {
+  switch (direction) {
+  case ScrollDirection::Left:
+    break;
+  case ScrollDirection::Right:
+    return u"right"_s;
+  case ScrollDirection::Up:
+    return u"up"_s;
+  case ScrollDirection::Down:
+    return u"down"_s;
+  }
+  return u"left"_s;
 }
 
-bool isHorizontalOf(const ParsedOption& option) {
-  return wordOf(option, wordsOf(directionWords())) == "horizontal"_L1;
+ScrollDirection directionOf(const ParsedOption& option) {
+  const QString word = wordOf(option, wordsOf(directionWords()));
+  if (word == "right"_L1)
+    return ScrollDirection::Right;
+  if (word == "down"_L1)
+    return ScrollDirection::Down;
+  return word == "up"_L1 || word == "vertical"_L1 ? ScrollDirection::Up : ScrollDirection::Left;
+}
+
+bool isOnOf(const ParsedOption& option) {
+  return wordOf(option, {u"on"_s, u"off"_s}) == "on"_L1;
 }
 
 double speedOf(const ParsedOption& option) {

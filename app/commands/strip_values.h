@@ -30,8 +30,11 @@ const OptionSpec& continuousOption();
 const std::vector<AllowedWord>& directionWords();
 const std::vector<AllowedWord>& edgeWords();
 
+// The word that is written for a direction.
+QString wordOf(ScrollDirection direction);
+
+ScrollDirection directionOf(const ParsedOption& option);
 bool isOnOf(const ParsedOption& option);
-bool isHorizontalOf(const ParsedOption& option);
 double speedOf(const ParsedOption& option);
 double sideOf(const ParsedOption& option);
 // A font as written; whether there is such a font is for findFont.

@@ -46,8 +46,8 @@ QColor colorOf(const Ref<Color>& color, const QColor& otherwise) {
 }
 } // namespace
 
-ControlBar::ControlBar(QWidget* strip, bool isHorizontal, StripMenu& menu)
-    : QWidget(strip), strip_(strip), isHorizontal_(isHorizontal), menu_(menu), pointer_(strip),
+ControlBar::ControlBar(QWidget* strip, ScrollDirection direction, StripMenu& menu)
+    : QWidget(strip), strip_(strip), direction_(direction), menu_(menu), pointer_(strip),
       back_(new ControlBarButton(ControlGlyph::Back, this)),
       pause_(new ControlBarButton(ControlGlyph::Pause, this)),
       forward_(new ControlBarButton(ControlGlyph::Forward, this)),
@@ -69,6 +69,14 @@ ControlBar::ControlBar(QWidget* strip, bool isHorizontal, StripMenu& menu)
 }
 
 ControlBar::~ControlBar() = default;
+
+void ControlBar::setDirection(ScrollDirection direction) {
+  if (direction == direction_)
+    return;
+  direction_ = direction;
+  showWhereItFits(pointer_.isResting());
+  update();
+}
 
 void ControlBar::connectButtons() {
   back_->setPurpose(tr("Back by one sign"));
@@ -128,15 +136,16 @@ bool ControlBar::eventFilter(QObject* receiver, QEvent* event) {
 // Buttons side by side, or in as many rows as a vertical strip needs. No columns where there is no
 // room.
 ControlBar::Grid ControlBar::gridOnStrip() const {
-  const int height = isHorizontal_ ? std::min(strip_->height(), MostButtonHeight)
-                                   : std::min(strip_->width(), UsualButtonHeight);
+  const bool horizontal = isHorizontal(direction_);
+  const int height = horizontal ? std::min(strip_->height(), MostButtonHeight)
+                                : std::min(strip_->width(), UsualButtonHeight);
   if (height < LeastButtonHeight)
     return {};
   const int width = even(height * ButtonAspect);
   Grid grid{Buttons, 1, QSize(width, height), even(height * MenuButtonAspect)};
   const int room = strip_->width() - 2 * EndMargin;
   const int row = (Buttons - 1) * width + grid.menuWidth;
-  if (isHorizontal_)
+  if (horizontal)
     return row <= room ? grid : Grid();
   if (row > room) {
     grid.columns = room >= width + grid.menuWidth ? 2 : 1;
@@ -152,15 +161,23 @@ void ControlBar::place() {
   if (grid.columns == 0)
     return;
   const int inRow = (grid.columns - 1) * grid.button.width() + grid.menuWidth;
+  const bool horizontal = isHorizontal(direction_);
+  const bool isAtStart = isReversed(direction_);
+  const int length = inRow + 2 * EndMargin + 1;
+  const int rowsHeight = grid.rows * grid.button.height();
   QRect area = strip_->rect();
-  if (isHorizontal_)
-    area.setLeft(even(strip_->width() - inRow - 2 * EndMargin - 1));
+  if (horizontal && isAtStart)
+    area.setWidth(even(length + 1));
+  else if (horizontal)
+    area.setLeft(even(strip_->width() - length));
+  else if (isAtStart)
+    area.setHeight(rowsHeight + 2);
   else
-    area.setTop(even(strip_->height() - grid.rows * grid.button.height() - 2));
+    area.setTop(even(strip_->height() - rowsHeight - 2));
   setGeometry(area);
-  const int left = isHorizontal_ ? EndMargin + 1 : even((width() - inRow) / 2.0);
-  const int top = isHorizontal_ ? (height() - grid.button.height()) / 2
-                                : height() - grid.rows * grid.button.height();
+  const int left = horizontal ? EndMargin + 1 : even((width() - inRow) / 2.0);
+  const int farTop = isAtStart ? 0 : height() - rowsHeight;
+  const int top = horizontal ? (height() - grid.button.height()) / 2 : farTop;
   const std::array buttons{back_, pause_, forward_, menuButton_};
   for (int i = 0; i < Buttons; ++i) {
     const int column = i % grid.columns;
@@ -182,10 +199,11 @@ void ControlBar::uncoverBar() {
 void ControlBar::paintEvent(QPaintEvent*) {
   QPainter painter(this);
   painter.fillRect(rect(), ground_);
-  if (isHorizontal_)
-    painter.fillRect(0, 0, 1, height(), edge_);
+  const bool isAtStart = isReversed(direction_);
+  if (isHorizontal(direction_))
+    painter.fillRect(isAtStart ? width() - 1 : 0, 0, 1, height(), edge_);
   else
-    painter.fillRect(0, 0, width(), 1, edge_);
+    painter.fillRect(0, isAtStart ? height() - 1 : 0, width(), 1, edge_);
 }
 
 } // namespace zq::app

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/controls/RestingPointer.h"
+#include "app/display/ScrollDirection.h"
 
 #include <QtGui/QColor>
 #include <QtWidgets/QWidget>
@@ -14,9 +15,10 @@ namespace zq::app {
 class ControlBarButton;
 class StripMenu;
 
-// Back, pause, forward and a menu, as buttons at the end of the strip at which signs enter: at the
-// right of a horizontal one, at the lower end of a vertical one. The bar shows while the pointer
-// rests on the strip, see RestingPointer, and while its menu is open or a button is pressed.
+// Back, pause, forward and a menu, as buttons at the end of the strip at which signs enter, where
+// the least has been read: at the right where they scroll left, at the lower end where they scroll
+// up. Their order is the same everywhere. The bar shows while the pointer rests on the strip, see
+// RestingPointer, and while its menu is open or a button is pressed.
 //
 // It covers what runs below it, is as broad as the strip and as long as its buttons need; on a
 // strip too small for it, it does not show. It takes no focus, and no time while it does not show.
@@ -28,8 +30,10 @@ class ControlBar : public QWidget {
  public:
   // A bar on `strip` for the commands of `menu`; both must outlive it. Needs the look of its
   // buttons, see ControlBarButton::hasLook.
-  ControlBar(QWidget* strip, bool isHorizontal, StripMenu& menu);
+  ControlBar(QWidget* strip, ScrollDirection direction, StripMenu& menu);
   ~ControlBar() override;
+
+  void setDirection(ScrollDirection direction);
 
   ControlBarButton& backButton() const { return *back_; }
   ControlBarButton& pauseButton() const { return *pause_; }
@@ -59,7 +63,7 @@ class ControlBar : public QWidget {
   void showWhereItFits(bool shows);
 
   QWidget* strip_;
-  bool isHorizontal_;
+  ScrollDirection direction_;
   StripMenu& menu_;
   RestingPointer pointer_;
   ControlBarButton* back_;

@@ -76,6 +76,10 @@ double SignItem::enter() {
   }
 }
 
+double SignItem::gap(double length) const {
+  return std::max(length - placement_.length, 0.0);
+}
+
 double SignItem::place() {
   placement_ = placeSign(*sign_, display_.shape());
   return placement_.lengthWithGap();

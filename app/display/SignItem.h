@@ -26,6 +26,7 @@ class SignItem : public StripItem {
   ~SignItem() override;
 
   double enter() override;
+  double gap(double length) const override;
   void leave() override;
   LoopRule loopRule() const override;
   void setQueued(bool isQueued) override;

@@ -111,8 +111,8 @@ void Strip::start(const Entry& entry) {
     return;
   }
   const double here = travel();
-  Run run{entry, here - lastEnd_ < Touching ? lastEnd_ : here, std::max(length, ShortestRun),
-          nextNumber_++};
+  Run run{entry, here - lastEnd_ < Touching ? lastEnd_ : here, 0, nextNumber_++};
+  setLength(run, length);
   lastEnd_ = run.end();
   if (rule.isRepeating() || !entry->isDroppable())
     roundTravel_ = lastEnd_;
@@ -142,6 +142,11 @@ void Strip::retire() {
   }
 }
 
+void Strip::setLength(Run& run, double length) {
+  run.length = std::max(length, ShortestRun);
+  run.gap = std::clamp(run.item().gap(run.length), 0.0, run.length);
+}
+
 void Strip::keepPast(Run run) {
   pastCost_ += run.entry->waitingCost();
   past_.push_back(std::move(run));
@@ -167,7 +172,7 @@ bool Strip::bringBack() {
       pastCost_ = 0;
       return false;
     }
-    run.length = std::max(length, ShortestRun);
+    setLength(run, length);
   }
   run.start = end - run.length;
   ++run.entry->onStrip;

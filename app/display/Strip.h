@@ -42,9 +42,12 @@ class Strip {
     double start = 0;
     double length = 0;
     std::uint64_t number = 0; // counts from 1, never used twice
+    double gap = 0;           // at its end, in which nothing is shown
 
     StripItem& item() const { return *entry->item; }
     double end() const { return start + length; }
+    double shown() const { return length - gap; }
+    double shownEnd() const { return start + shown(); }
   };
 
   static constexpr std::size_t MostPast = 50;
@@ -120,6 +123,7 @@ class Strip {
   void perform(const Event& event);
   void start(const Entry& entry);
   void retire();
+  static void setLength(Run& run, double length);
   void keepPast(Run run);
   bool bringBack();
   double endOfRound(const StripQueue::Entry& next) const;
@@ -163,7 +167,7 @@ void Strip::remeasure(Measure lengthOf) {
     const double measured = lengthOf(run);
     run.start += shift;
     if (measured > 0 && measured < std::numeric_limits<double>::infinity())
-      run.length = measured;
+      setLength(run, measured);
     shift += run.length - before;
   }
   lastEnd_ += shift;

@@ -4,6 +4,10 @@ namespace zq::app {
 
 StripItem::~StripItem() = default;
 
+double StripItem::gap(double) const {
+  return 0;
+}
+
 void StripItem::setQueued(bool) {}
 
 } // namespace zq::app

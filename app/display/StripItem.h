@@ -29,6 +29,9 @@ class StripItem {
   // strip in points, the gap after it included; zero, negative or not a number for an item that
   // cannot be shown, which is then dropped.
   virtual double enter() = 0;
+  // Points at the end of a place of `length` points that it leaves empty, as it is now. 0 by
+  // default.
+  virtual double gap(double length) const;
   // The item is not on the strip any more; it may enter again.
   virtual void leave() = 0;
   // Read when the item is about to enter.

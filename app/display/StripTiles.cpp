@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <tuple>
 
 namespace zq::app {
 
@@ -12,7 +11,7 @@ constexpr std::size_t MostSpares = 8;
 constexpr double LongestRun = 1e15;
 
 // `entered` and `remaining` are pixels: of the leading edge from where it entered, and of the
-// trailing one to where it leaves.
+// trailing one to where it leaves; or the other way round.
 double fadedOpacity(qint64 entered, qint64 remaining, double fadePixels) {
   const auto nearest = static_cast<double>(std::min(entered, remaining));
   return nearest < fadePixels ? std::max(nearest, 0.0) / fadePixels : 1;
@@ -48,7 +47,8 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
                       const std::function<Look(const Strip::Run&)>& lookOf) {
   // Before tiles are drawn again, so that no frame shares their pixels.
   frame.pieces.clear();
-  const bool horizontal = view.isHorizontal;
+  const bool horizontal = isHorizontal(view.direction);
+  const bool reversed = isReversed(view.direction);
   const double fadePixels = view.fadeLength * view.scale;
   const qint64 extent = horizontal ? frame.size.width() : frame.size.height();
   const QSize tileSize =
@@ -57,24 +57,34 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
     if (spare_.size() < MostSpares && tile.picture.size() == tileSize)
       spare_.push_back(std::move(tile.picture));
   };
-  auto old = tiles_.begin();
+  auto next = tiles_.begin();
   kept_.clear();
   for (const Strip::Run& run : runs) {
     const Look look = lookOf(run);
     const qint64 length = std::llround(std::min(std::ceil(look.length * view.scale), LongestRun));
-    // The run's leading edge, in pixels from the edge at which runs leave.
-    const qint64 lead = extent - (view.offset - std::llround(run.start * view.scale));
+    // The run's left or upper end, in pixels from that of the strip.
+    const double place = reversed ? -run.shownEnd() : run.start;
+    const qint64 lead = extent - (view.offset - std::llround(place * view.scale));
     const double opacity = look.fades ? fadedOpacity(extent - lead, lead + length, fadePixels) : 1;
     const qint64 firstPixel = std::max<qint64>(-lead, 0);
     const qint64 endPixel = std::min(extent - lead, length);
     for (qint64 index = firstPixel / TileLength; index * TileLength < endPixel; ++index) {
-      const auto key = std::make_tuple(run.number, index);
-      for (; old != tiles_.end() && std::make_tuple(old->run, old->index) < key; ++old)
-        recycle(*old);
+      const auto isWanted = [&](const Tile& tile) {
+        return tile.run == run.number && tile.index == index;
+      };
       const int pixels =
           static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
-      const bool isThere = old != tiles_.end() && std::make_tuple(old->run, old->index) == key;
-      kept_.push_back(isThere ? std::move(*old++) : make(run, index, pixels, tileSize));
+      // They are wanted in the order of the last time, but after a reversal.
+      auto found = std::find_if(next, tiles_.end(), isWanted);
+      if (found == tiles_.end())
+        found = std::find_if(tiles_.begin(), tiles_.end(), isWanted);
+      if (found == tiles_.end()) {
+        kept_.push_back(make(run, index, pixels, tileSize));
+      } else {
+        next = found + 1;
+        kept_.push_back(std::move(*found));
+        found->run = 0;
+      }
       const Tile& tile = kept_.back();
       const int place = static_cast<int>(lead + index * TileLength);
       frame.pieces.push_back({tile.serial, tile.picture,
@@ -83,8 +93,9 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
                               horizontal ? QPoint(place, 0) : QPoint(0, place), opacity});
     }
   }
-  for (; old != tiles_.end(); ++old)
-    recycle(*old);
+  for (Tile& tile : tiles_)
+    if (tile.run != 0)
+      recycle(tile);
   tiles_.swap(kept_);
 }
 

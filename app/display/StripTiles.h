@@ -1,6 +1,7 @@
 // Finished pictures of what is on the strip.
 #pragma once
 
+#include "app/display/ScrollDirection.h"
 #include "app/display/Strip.h"
 #include "app/display/StripFrame.h"
 
@@ -21,8 +22,8 @@ class StripTiles {
   // Pixels of a tile along the strip.
   static constexpr int TileLength = 512;
 
-  // A tile to be drawn: `pixels` along the strip, `first` pixels behind the run's leading edge,
-  // into a cleared picture that covers the strip's whole breadth.
+  // A tile to be drawn: `pixels` along the strip, `first` pixels behind the left or upper end of
+  // what the run shows, into a cleared picture that covers the strip's whole breadth.
   struct Request {
     const Strip::Run* run = nullptr;
     qint64 first = 0;
@@ -36,8 +37,10 @@ class StripTiles {
   };
   // From where the strip is seen.
   struct View {
-    bool isHorizontal = true;
-    qint64 offset = 0;     // the travel in device pixels
+    ScrollDirection direction = ScrollDirection::Left;
+    // In device pixels: the travel, or how far it is from the extent where the direction is
+    // reversed; so that a reversal leaves it as it is.
+    qint64 offset = 0;
     double scale = 1;      // pixels per point
     double fadeLength = 0; // points over which a run fades in and out
   };
@@ -60,7 +63,7 @@ class StripTiles {
 
  private:
   struct Tile {
-    std::uint64_t run = 0;
+    std::uint64_t run = 0; // 0 for one whose pixels have been taken
     qint64 index = 0;
     std::uint64_t serial = 0;
     QImage picture;

@@ -69,15 +69,15 @@ TickerDisplay::TickerDisplay(double startTime)
 TickerDisplay::~TickerDisplay() = default;
 
 int TickerDisplay::scrollDirection() const {
-  return horizontal_ ? HorizontalScrolling : VerticalScrolling;
+  return isHorizontal() ? HorizontalScrolling : VerticalScrolling;
 }
 
 qreal TickerDisplay::textOffset() const {
-  return horizontal_ && font_ ? (size_.height() - font_->lineHeight()) / 2 : 0;
+  return isHorizontal() && font_ ? (size_.height() - font_->lineHeight()) / 2 : 0;
 }
 
 StripShape TickerDisplay::shape() const {
-  return {size_, horizontal_, shouldAutoscale(), font_ ? font_->pointSize() : 0};
+  return {size_, isHorizontal(), shouldAutoscale(), font_ ? font_->pointSize() : 0};
 }
 
 void TickerDisplay::setSize(QSizeF points, double time) {
@@ -88,10 +88,15 @@ void TickerDisplay::setSize(QSizeF points, double time) {
   markForLayout();
 }
 
-void TickerDisplay::setHorizontal(bool horizontal, double time) {
-  if (horizontal == horizontal_)
+void TickerDisplay::setDirection(ScrollDirection direction, double time) {
+  if (direction == direction_)
     return;
-  horizontal_ = horizontal;
+  const bool isSameWay = app::isHorizontal(direction) == isHorizontal();
+  direction_ = direction;
+  if (isSameWay) {
+    frameIsStale_ = true;
+    return;
+  }
   strip_.setExtent(extent(), time);
   strip_.forEachItem([this](StripItem& item) {
     if (const Ref<ZQTickerSign>& sign = static_cast<SignItem&>(item).sign())
@@ -366,17 +371,21 @@ Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text, const LineSou
 
 bool TickerDisplay::advanceTo(double time) {
   strip_.advanceTo(time);
-  const qint64 offset = std::llround(strip_.travel() * scale_);
+  const bool reversed = isReversed(direction_);
+  const double travel = strip_.travel();
+  const qint64 offset = std::llround((reversed ? extent() - travel : travel) * scale_);
   if (!frameIsStale_ &&
       (offset == frameOffset_ || (strip_.runs().empty() && frame_.pieces.empty())))
     return false;
   frameOffset_ = offset;
   frameIsStale_ = false;
   tiles_.fill(
-      frame_, strip_.runs(), {horizontal_, offset, scale_, fadeLength()},
-      [](const Strip::Run& run) {
+      frame_, strip_.runs(), {direction_, offset, scale_, fadeLength()},
+      [reversed](const Strip::Run& run) {
         const SignItem& item = itemOf(run);
-        return StripTiles::Look{std::min(item.placement().length, run.length), item.origin().fades};
+        // The gap lies behind the sign: at its left, where it moves to the right.
+        const double room = reversed ? run.shown() : run.length;
+        return StripTiles::Look{std::min(item.placement().length, room), item.origin().fades};
       });
   return true;
 }
@@ -389,8 +398,8 @@ void TickerDisplay::drawTile(const StripTiles::Request& request, QImage& picture
   const double across = std::round(placement.across * scale_) / scale_;
   const double drawnLength = std::ceil(placement.length * scale_) / scale_;
   const double first = static_cast<double>(request.first) / scale_;
-  const QPointF corner =
-      horizontal_ ? QPointF(-first, across) : QPointF(across, area.height() + first - drawnLength);
+  const QPointF corner = isHorizontal() ? QPointF(-first, across)
+                                        : QPointF(across, area.height() + first - drawnLength);
   QPainter painter(&picture);
   painter.setRenderHints(QPainter::Antialiasing | QPainter::SmoothPixmapTransform |
                          QPainter::TextAntialiasing);

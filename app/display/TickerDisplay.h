@@ -3,6 +3,7 @@
 
 #include "app/display/LineSource.h"
 #include "app/display/QueuedSign.h"
+#include "app/display/ScrollDirection.h"
 #include "app/display/SenderCounts.h"
 #include "app/display/SignOrigin.h"
 #include "app/display/Strip.h"
@@ -70,12 +71,12 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   qreal textOffset() const override;
   platform::Ref<platform::Font> defaultFont() const override { return font_; }
   platform::Ref<platform::Color> defaultTextColor() const override { return color_; }
-  bool shouldAutoscale() const override { return autoscale_ && horizontal_; }
+  bool shouldAutoscale() const override { return autoscale_ && isHorizontal(); }
 
   // Changes mark every sign for layout and let what is shown stay in its order; `time` is that of
   // the change.
   void setSize(QSizeF points, double time);
-  void setHorizontal(bool horizontal, double time);
+  void setDirection(ScrollDirection direction, double time);
   // Texts in the very font or colour that was the default before take the new one.
   void setDefaultFont(platform::Ref<platform::Font> font);
   void setDefaultTextColor(platform::Ref<platform::Color> color);
@@ -84,7 +85,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void setScale(double scale);
   double scale() const { return scale_; }
 
-  bool isHorizontal() const { return horizontal_; }
+  ScrollDirection direction() const { return direction_; }
+  bool isHorizontal() const { return app::isHorizontal(direction_); }
   StripShape shape() const;
 
   // Points over which a sign fades in and out.
@@ -184,7 +186,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   class TextSignDisplay;
   friend class SignItem;
 
-  double extent() const { return horizontal_ ? size_.width() : size_.height(); }
+  double extent() const { return isHorizontal() ? size_.width() : size_.height(); }
   void catchUp(double time);
   void prepare(ZQTickerSign& sign);
   Entry waitingEntry(const QString& identifier) const;
@@ -198,7 +200,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
   QSizeF size_{0, 0};
-  bool horizontal_ = true;
+  ScrollDirection direction_ = ScrollDirection::Left;
   platform::Ref<platform::Font> font_;
   platform::Ref<platform::Color> color_;
   bool autoscale_ = false;

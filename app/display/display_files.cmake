@@ -9,6 +9,7 @@ set(display_SOURCES
     display/Motion.cpp
     display/Motion.h
     display/QueuedSign.h
+    display/ScrollDirection.h
     display/SenderCounts.h
     display/SignAction.h
     display/SignItem.cpp

@@ -8,7 +8,7 @@ namespace zq::app {
 // Values as the settings file, `zqticker settings` and the settings window know them; see
 // settingTable(). As it is made it holds the defaults.
 struct Settings {
-  bool isHorizontal = true;
+  ScrollDirection direction = ScrollDirection::Left;
   double speed = 60; // points per second
   std::optional<FontRequest> font;
   std::optional<QColor> color;

@@ -46,8 +46,10 @@ StripPage::StripPage(QWidget* parent)
       controlBar_(new QCheckBox(tr("Show &buttons while the pointer rests on the strip"))),
       pause_(new QCheckBox(tr("Pause while the pointer &rests on the strip"))),
       autostart_(new QCheckBox(tr("Start with the &session"))) {
-  direction_->addItem(tr("Horizontal, from right to left"), u"horizontal"_s);
-  direction_->addItem(tr("Vertical, from bottom to top"), u"vertical"_s);
+  direction_->addItem(tr("From right to left"), wordOf(ScrollDirection::Left));
+  direction_->addItem(tr("From left to right"), wordOf(ScrollDirection::Right));
+  direction_->addItem(tr("From bottom to top"), wordOf(ScrollDirection::Up));
+  direction_->addItem(tr("From top to bottom"), wordOf(ScrollDirection::Down));
   speedSlider_->setRange(0, SliderSteps);
   speedSlider_->setAccessibleName(tr("Speed"));
   speed_->setRange(SlowestSpeed, FastestSpeed);
@@ -118,13 +120,14 @@ void StripPage::tellSlide() {
 }
 
 void StripPage::showSettings(const Settings& settings) {
-  direction_->setCurrentIndex(settings.isHorizontal ? 0 : 1);
+  const bool horizontal = isHorizontal(settings.direction);
+  direction_->setCurrentIndex(direction_->findData(wordOf(settings.direction)));
   if (!slid_.isActive())
     showSpeed(settings.speed);
-  fillPositions(settings.isHorizontal);
+  fillPositions(horizontal);
   const bool isFirst = settings.position == Edge::Top || settings.position == Edge::Left;
   const bool isUpright = settings.position == Edge::Left || settings.position == Edge::Right;
-  position_->setCurrentIndex(isFirst && isUpright != settings.isHorizontal ? 0 : 1);
+  position_->setCurrentIndex(isFirst && isUpright != horizontal ? 0 : 1);
   chosenScreen_ = settings.screen;
   fillScreens(chosenScreen_);
   height_->setValue(settings.height.value_or(0));
@@ -141,14 +144,14 @@ void StripPage::showSpeed(double speed) {
 }
 
 // The last one is that of a strip of which nothing is said.
-void StripPage::fillPositions(bool isHorizontal) {
-  const QString first = isHorizontal ? u"top"_s : u"left"_s;
+void StripPage::fillPositions(bool horizontal) {
+  const QString first = horizontal ? u"top"_s : u"left"_s;
   if (position_->count() > 0 && position_->itemData(0).toString() == first)
     return;
   position_->clear();
-  position_->addItem(isHorizontal ? tr("Top") : tr("Left"), first);
-  position_->addItem(isHorizontal ? tr("Bottom") : tr("Right"),
-                     isHorizontal ? u"bottom"_s : u"right"_s);
+  position_->addItem(horizontal ? tr("Top") : tr("Left"), first);
+  position_->addItem(horizontal ? tr("Bottom") : tr("Right"),
+                     horizontal ? u"bottom"_s : u"right"_s);
 }
 
 void StripPage::fillScreens(const QString& chosen) {

@@ -26,7 +26,7 @@ class StripPage : public SettingsPage {
   void hideEvent(QHideEvent* event) override;
 
  private:
-  void fillPositions(bool isHorizontal);
+  void fillPositions(bool horizontal);
   void fillScreens(const QString& chosen);
   void showSpeed(double speed);
   void tellSlide();

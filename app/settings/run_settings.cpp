@@ -18,7 +18,7 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
   StripOptions& strip = options.strip;
   const auto isFree = [&](const QString& name) { return !options.given.contains(name); };
   if (isFree(u"direction"_s))
-    strip.isHorizontal = settings.isHorizontal;
+    strip.direction = settings.direction;
   if (isFree(u"speed"_s))
     strip.speed = settings.speed;
   if (isFree(u"font"_s))
@@ -48,7 +48,7 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
   if (isFree(u"feed-interval"_s))
     strip.feeds.intervalMinutes = settings.feeds.intervalMinutes;
   const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal)
+  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal())
     options.edge = Edge::Automatic;
 }
 

@@ -68,11 +68,10 @@ std::optional<Value> unlessAutomatic(const ParsedOption& option, Read read) {
 std::vector<SettingSpec> makeTable() {
   using Option = const ParsedOption&;
   return {
-      {u"direction"_s, u"horizontal|vertical"_s, u"From right to left, or from bottom to top."_s,
-       Kind::Text, [](Settings& s, Option o) { s.isHorizontal = isHorizontalOf(o); },
-       [](const Settings& s) {
-         return QStringList{s.isHorizontal ? u"horizontal"_s : u"vertical"_s};
-       }},
+      {u"direction"_s, u"left|right|up|down"_s,
+       u"Which way signs scroll; horizontal is taken for left, vertical for up."_s, Kind::Text,
+       [](Settings& s, Option o) { s.direction = directionOf(o); },
+       [](const Settings& s) { return QStringList{wordOf(s.direction)}; }},
       {u"speed"_s, u"POINTS"_s, u"Points per second."_s, Kind::Number,
        [](Settings& s, Option o) { s.speed = speedOf(o); },
        [](const Settings& s) { return QStringList{textOfNumber(s.speed)}; }},

@@ -15,7 +15,7 @@ struct SettingSpec {
   enum class Kind { Text, Number, Switch, List };
 
   QString name;
-  QString values; // what it may be, for people: "horizontal|vertical"
+  QString values; // what it may be, for people: "left|right|up|down"
   QString help;
   Kind kind;
   // Takes the values of `option`, a list's behind those that are there. UsageError for what cannot

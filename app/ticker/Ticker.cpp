@@ -32,10 +32,10 @@ using namespace platform;
 
 namespace {
 // The control bar on the strip. A strip without one can be used all the same.
-std::unique_ptr<ControlBar> makeControlBar(StripWidget& widget, bool isHorizontal) {
+std::unique_ptr<ControlBar> makeControlBar(StripWidget& widget, ScrollDirection direction) {
   try {
     if (ControlBarButton::hasLook())
-      return std::make_unique<ControlBar>(&widget, isHorizontal, widget.menu());
+      return std::make_unique<ControlBar>(&widget, direction, widget.menu());
     printError(u"no control bar: its look, ControlBarButton.button, is missing"_s);
   } catch (const std::exception& exception) {
     printError(u"no control bar: its look, ControlBarButton.button, cannot be read: "_s +
@@ -212,14 +212,13 @@ void Ticker::updateLook() {
 }
 
 void Ticker::updateControlBar() {
-  std::optional<bool> wanted;
-  if (options_.showsControlBar)
-    wanted = options_.strip.isHorizontal;
+  if (controlBar_)
+    controlBar_->setDirection(options_.strip.direction);
   // What could not be made is not tried, and told, again and again.
-  if (wanted == triedControlBar_)
+  if (options_.showsControlBar == triedControlBar_)
     return;
-  triedControlBar_ = wanted;
-  controlBar_ = wanted ? makeControlBar(*widget_, *wanted) : nullptr;
+  triedControlBar_ = options_.showsControlBar;
+  controlBar_ = triedControlBar_ ? makeControlBar(*widget_, options_.strip.direction) : nullptr;
 }
 
 QString Ticker::show(const Ref<ZQTickerSign>& sign, const SignOrigin& origin, bool arranged) {

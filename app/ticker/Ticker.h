@@ -119,7 +119,7 @@ class Ticker : public QObject {
   std::unique_ptr<StripWidget> widget_;
   std::unique_ptr<StripInteraction> interaction_;
   std::unique_ptr<ControlBar> controlBar_; // null where there is none
-  std::optional<bool> triedControlBar_;    // whether it was one for a horizontal strip
+  bool triedControlBar_ = false;           // whether one was to be made
   std::vector<std::unique_ptr<SourceSet>> sources_;
   SettingsStore* settings_ = nullptr;              // that are followed
   std::unique_ptr<TickerQueue> queue_;             // once its window has been asked for

@@ -9,7 +9,7 @@ QRect windowPlace(const RunOptions& options, const StripLook& look, const QRect&
                  static_cast<int>(std::ceil(look.size.height())));
   geometry.moveTopLeft(room.topLeft());
   const bool isUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  switch (isUpright == options.strip.isHorizontal ? Edge::Automatic : options.edge) {
+  switch (isUpright == options.strip.isHorizontal() ? Edge::Automatic : options.edge) {
   case Edge::Top:
   case Edge::Left:
     break;
@@ -20,7 +20,7 @@ QRect windowPlace(const RunOptions& options, const StripLook& look, const QRect&
     geometry.moveRight(room.right());
     break;
   case Edge::Automatic:
-    if (options.strip.isHorizontal)
+    if (options.strip.isHorizontal())
       geometry.moveBottom(room.bottom());
     else
       geometry.moveRight(room.right());

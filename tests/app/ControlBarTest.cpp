@@ -60,12 +60,12 @@ class Bar : public ::testing::Test {
       menu->close();
   }
 
-  void make(QSize size, bool isHorizontal = true) {
+  void make(QSize size, ScrollDirection direction = ScrollDirection::Left) {
     strip.setGeometry(QRect(QPoint(0, 100), size));
     strip.show();
     QCoreApplication::processEvents();
     menu = std::make_unique<StripMenu>();
-    bar = new ControlBar(&strip, isHorizontal, *menu);
+    bar = new ControlBar(&strip, direction, *menu);
   }
   void showBar() {
     enter(strip);
@@ -126,7 +126,7 @@ TEST_F(Bar, StandsAtTheRightEndOfAHorizontalStrip) {
 TEST_F(Bar, StandsAtTheLowerEndOfAVerticalStrip) {
   // Side by side, two by two, and one below the other.
   for (const auto& [width, rows] : {std::pair(240, 1), std::pair(100, 2), std::pair(60, 4)}) {
-    make({width, 500}, false);
+    make({width, 500}, ScrollDirection::Up);
     showBar();
     ASSERT_TRUE(bar->isVisible()) << width;
     EXPECT_EQ(bar->width(), width);
@@ -143,11 +143,35 @@ TEST_F(Bar, StandsAtTheLowerEndOfAVerticalStrip) {
   }
 }
 
+TEST_F(Bar, StandsWhereSignsEnterInEveryDirection) {
+  make({601, 31}, ScrollDirection::Right);
+  showBar();
+  EXPECT_EQ(bar->x(), 0);
+  int right = 0;
+  for (const ControlBarButton* button : buttons()) {
+    EXPECT_GE(placeOf(*button).left(), right) << "in the same order";
+    EXPECT_EQ(placeOf(*button).left() % 2, 0) << "between pixels at a scale of 1.5";
+    right = placeOf(*button).right() + 1;
+  }
+  EXPECT_LE(bar->width() - right, 4) << "no longer than needed";
+  bar->setDirection(ScrollDirection::Left);
+  EXPECT_TRUE(bar->isVisible());
+  EXPECT_EQ(bar->geometry().right(), 600);
+  strip.resize(240, 500);
+  bar->setDirection(ScrollDirection::Down);
+  EXPECT_EQ(bar->geometry(), QRect(0, 0, 240, 26));
+  for (const ControlBarButton* button : buttons())
+    EXPECT_EQ(placeOf(*button).top(), 0);
+  bar->setDirection(ScrollDirection::Up);
+  EXPECT_EQ(bar->geometry().bottom(), 499);
+}
+
 TEST_F(Bar, DoesNotShowWhereThereIsNoRoom) {
-  for (const auto& [size, isHorizontal] :
-       {std::pair(QSize(100, 24), true), std::pair(QSize(600, 11), true),
-        std::pair(QSize(30, 500), false), std::pair(QSize(60, 60), false)}) {
-    make(size, isHorizontal);
+  for (const auto& [size, direction] : {std::pair(QSize(100, 24), ScrollDirection::Left),
+                                        std::pair(QSize(600, 11), ScrollDirection::Right),
+                                        std::pair(QSize(30, 500), ScrollDirection::Up),
+                                        std::pair(QSize(60, 60), ScrollDirection::Down)}) {
+    make(size, direction);
     showBar();
     EXPECT_FALSE(bar->isVisible()) << size.width();
     strip.resize(300, 300);
@@ -385,7 +409,7 @@ TEST_F(Bar, IsNotPaintedWithTheFramesOfTheStrip) {
   display.addSign(sign, moving.time());
   display.setSpeed(1000, moving.time());
   moving.setGeometry(0, 100, 600, 24);
-  auto* own = new ControlBar(&moving, true, moving.menu());
+  auto* own = new ControlBar(&moving, ScrollDirection::Left, moving.menu());
   PaintCount count(*own);
   moving.show();
   ASSERT_TRUE(waitUntil([&] { return moving.frameCount() > 5; }));

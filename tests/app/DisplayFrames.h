@@ -29,9 +29,10 @@ inline platform::Ref<ZQImageTickerSign> picture(int width, int height, QColor co
   return sign;
 }
 
-inline void setUp(TickerDisplay& display, QSizeF size, bool horizontal = true, double scale = 1) {
+inline void setUp(TickerDisplay& display, QSizeF size, ScrollDirection direction,
+                  double scale = 1) {
   display.setScale(scale);
-  display.setHorizontal(horizontal, 0);
+  display.setDirection(direction, 0);
   display.setSize(size, 0);
   display.setDefaultFont(platform::Font::fontWithName(QStringLiteral("DejaVu Sans"), 12));
   display.setDefaultTextColor(platform::Color::deviceRGB(0, 0, 0));
@@ -44,6 +45,11 @@ inline QImage shown(TickerDisplay& display, double time) {
   QPainter painter(&image);
   paintFrame(painter, display.frame(), Qt::white);
   return image;
+}
+
+// Left, or Up.
+inline void setUp(TickerDisplay& display, QSizeF size, bool horizontal = true, double scale = 1) {
+  setUp(display, size, horizontal ? ScrollDirection::Left : ScrollDirection::Up, scale);
 }
 
 // The columns (or rows) of `image` that are not white, as first and one past the last.

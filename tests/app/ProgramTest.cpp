@@ -259,7 +259,7 @@ TEST_F(Program, RendersOnePicture) {
 
 TEST_F(Program, RendersTheSameBytesEveryTime) {
   const QString red = picture(u"red.png"_s, 16, 16);
-  for (const QString& direction : {u"horizontal"_s, u"vertical"_s}) {
+  for (const QString& direction : {u"left"_s, u"right"_s, u"up"_s, u"down"_s}) {
     QByteArray first;
     for (int i = 0; i < 2; ++i) {
       EXPECT_EQ(render({u"--text"_s, u"Hello, Ägypten"_s, u"--combo"_s, red, u"नमस्ते"_s,

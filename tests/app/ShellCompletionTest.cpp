@@ -152,10 +152,10 @@ TEST_F(ShellCompletion, OfBashTellsOptionsFromTheirValues) {
 }
 
 TEST_F(ShellCompletion, OfBashKnowsValues) {
-  const QStringList both{u"horizontal"_s, u"vertical"_s};
-  EXPECT_EQ(bash({u"--direction"_s, u""_s}), both);
+  const QStringList all{u"down"_s, u"horizontal"_s, u"left"_s, u"right"_s, u"up"_s, u"vertical"_s};
+  EXPECT_EQ(bash({u"--direction"_s, u""_s}), all);
   EXPECT_EQ(bash({u"render"_s, u"--direction"_s, u"v"_s}), QStringList{u"vertical"_s});
-  EXPECT_EQ(bash({u"--direction"_s, u"="_s}), both);
+  EXPECT_EQ(bash({u"--direction"_s, u"="_s}), all);
   EXPECT_EQ(bash({u"--direction"_s, u"="_s, u"v"_s}), QStringList{u"vertical"_s});
   EXPECT_EQ(bash({u"--color"_s, u"nav"_s}), (QStringList{u"navajowhite"_s, u"navy"_s}));
   EXPECT_EQ(bash({u"--image"_s, u""_s}), QStringList{FilesOfReadline});

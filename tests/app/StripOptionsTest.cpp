@@ -52,7 +52,7 @@ TEST(StripOptions, KeepSourcesInTheirOrder) {
 TEST(StripOptions, HaveDefaults) {
   const StripOptions options = strip("--text one");
   EXPECT_FALSE(options.readsStandardInput);
-  EXPECT_TRUE(options.isHorizontal);
+  EXPECT_EQ(options.direction, ScrollDirection::Left);
   EXPECT_EQ(options.speed, 60);
   EXPECT_FALSE(options.width || options.height || options.font || options.color);
   EXPECT_EQ(options.background, QColor(Qt::white));
@@ -60,12 +60,25 @@ TEST(StripOptions, HaveDefaults) {
   EXPECT_FALSE(options.loopCount || options.loopDelay);
 }
 
+TEST(StripOptions, KnowFourDirections) {
+  const std::vector<std::pair<const char*, ScrollDirection>> directions{
+      {"left", ScrollDirection::Left},       {"right", ScrollDirection::Right},
+      {"up", ScrollDirection::Up},           {"down", ScrollDirection::Down},
+      {"horizontal", ScrollDirection::Left}, {"vertical", ScrollDirection::Up}};
+  for (const auto& [word, direction] : directions) {
+    const StripOptions options = strip((std::string("--text a --direction ") + word).c_str());
+    EXPECT_EQ(options.direction, direction) << word;
+    EXPECT_EQ(options.isHorizontal(), std::string(word) == "left" || std::string(word) == "right" ||
+                                          std::string(word) == "horizontal");
+  }
+}
+
 TEST(StripOptions, ReadEveryOption) {
   const StripOptions options =
       strip("--stdin --direction vertical --speed 12.5 --height 300 --width 200 --color navy "
             "--background #80ffffff --autoscale --loop 3 --delay 1.5 --continuous --font=Sans");
   EXPECT_TRUE(options.readsStandardInput);
-  EXPECT_FALSE(options.isHorizontal);
+  EXPECT_EQ(options.direction, ScrollDirection::Up);
   EXPECT_EQ(options.speed, 12.5);
   EXPECT_EQ(options.height, 300);
   EXPECT_EQ(options.width, 200);
@@ -99,8 +112,8 @@ TEST(StripOptions, RefuseWrongValues) {
   EXPECT_EQ(runFailure("--text a --speed -5"), "--speed -5: must be between 0.1 and 100000");
   EXPECT_EQ(runFailure("--text a --speed nan"), "--speed nan: not a number");
   EXPECT_EQ(runFailure("--text a --height 0"), "--height 0: must be between 1 and 16384");
-  EXPECT_EQ(runFailure("--text a --direction up"),
-            "--direction up: must be horizontal or vertical");
+  EXPECT_EQ(runFailure("--text a --direction upwards"),
+            "--direction upwards: must be left or right or up or down or horizontal or vertical");
   EXPECT_EQ(runFailure("--text a --color nocolor"),
             "--color nocolor: not a color (write a name such as navy, or #rrggbb, or #aarrggbb)");
   EXPECT_EQ(runFailure("--text a --background #12345"),

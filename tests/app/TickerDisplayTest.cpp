@@ -27,7 +27,7 @@ TEST(TickerDisplay, AnswersWhatSignsAsk) {
   EXPECT_FALSE(display.shouldAutoscale());
   display.setShouldAutoscale(true);
   EXPECT_TRUE(display.shouldAutoscale());
-  display.setHorizontal(false, 0);
+  display.setDirection(ScrollDirection::Up, 0);
   EXPECT_NE(display.scrollDirection(), 1);
   EXPECT_EQ(display.textOffset(), 0);
   EXPECT_FALSE(display.shouldAutoscale()) << "a vertical strip's height says nothing about text";
@@ -81,7 +81,7 @@ TEST(TickerDisplay, MarksItsSignsForLayoutWhenItChanges) {
   display.advanceTo(0.1);
   const std::vector<std::function<void()>> changes{
       [&] { display.setSize(QSizeF(300, 30), 0.1); },
-      [&] { display.setHorizontal(false, 0.1); },
+      [&] { display.setDirection(ScrollDirection::Up, 0.1); },
       [&] { display.setDefaultFont(Font::fontWithName(u"DejaVu Sans"_s, 9)); },
       [&] { display.setDefaultTextColor(Color::deviceRGB(1, 0, 0)); },
       [&] { display.setShouldAutoscale(true); },

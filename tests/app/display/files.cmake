@@ -1,1 +1,1 @@
-set(app_display_SOURCES BlankEstimateTest.cpp FakeBlanks.h FrameClockTest.cpp StripPlayerTest.cpp)
+set(app_display_SOURCES BlankEstimateTest.cpp FakeBlanks.h FrameClockTest.cpp ScrollDirectionTest.cpp StripPlayerTest.cpp)

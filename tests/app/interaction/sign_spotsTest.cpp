@@ -59,7 +59,7 @@ TEST_F(SignSpots, AreThePartInSight) {
 
 TEST_F(SignSpots, GoUpwardsInAVerticalStrip) {
   moveTo(0);
-  display.setHorizontal(false, start);
+  display.setDirection(ScrollDirection::Up, start);
   display.setSize(QSizeF(100, 200), start);
   moveTo(20);
   const auto spots = signsInSight(display);

@@ -70,7 +70,7 @@ TEST_F(StoredSettings, AreThereForTheNextProgram) {
   EXPECT_EQ(changes_, 1);
   makeStore();
   EXPECT_EQ(store_->settings().speed, 90);
-  EXPECT_FALSE(store_->settings().isHorizontal);
+  EXPECT_EQ(store_->settings().direction, ScrollDirection::Up);
 }
 
 TEST_F(StoredSettings, KeepTheChangesOfOthers) {

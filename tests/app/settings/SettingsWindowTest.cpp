@@ -97,7 +97,7 @@ TEST_F(SettingsDialog, ShowsTheSettings) {
                 {u"feed-items"_s, {u"3"_s}},
                 {u"feed-interval"_s, {u"7"_s}},
                 {u"autostart"_s, {u"on"_s}}});
-  EXPECT_EQ(named<QComboBox>(u"Direction"_s).currentData(), u"vertical"_s);
+  EXPECT_EQ(named<QComboBox>(u"Direction"_s).currentData(), u"up"_s);
   EXPECT_EQ(named<QDoubleSpinBox>(u"Speed"_s).value(), 12.5);
   EXPECT_EQ(named<QComboBox>(u"Position"_s).currentData(), u"left"_s);
   EXPECT_EQ(named<QDoubleSpinBox>(u"Height"_s).value(), 300);
@@ -117,8 +117,12 @@ TEST_F(SettingsDialog, ShowsTheSettings) {
 }
 
 TEST_F(SettingsDialog, AppliesEveryChoiceAtOnce) {
-  named<QComboBox>(u"Direction"_s).setCurrentIndex(1);
-  EXPECT_FALSE(settings().isHorizontal);
+  for (const ScrollDirection direction : {ScrollDirection::Right, ScrollDirection::Down,
+                                          ScrollDirection::Left, ScrollDirection::Up}) {
+    auto& box = named<QComboBox>(u"Direction"_s);
+    box.setCurrentIndex(static_cast<int>(direction));
+    EXPECT_EQ(settings().direction, direction);
+  }
   named<QComboBox>(u"Position"_s).setCurrentIndex(0);
   EXPECT_EQ(settings().position, Edge::Left);
   named<QDoubleSpinBox>(u"Speed"_s).setValue(12.5);

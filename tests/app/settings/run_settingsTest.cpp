@@ -16,7 +16,7 @@ RunOptions run(const char* line, const Settings& settings) {
 // Every setting other than its default, for an upright strip.
 Settings chosen() {
   Settings settings;
-  settings.isHorizontal = false;
+  settings.direction = ScrollDirection::Down;
   settings.speed = 10;
   settings.font = FontRequest{u"Serif"_s};
   settings.color = Qt::red;
@@ -35,7 +35,7 @@ Settings chosen() {
 
 TEST(RunSettings, AreTakenWhereTheCommandLineSaysNothing) {
   const RunOptions options = run("", chosen());
-  EXPECT_FALSE(options.strip.isHorizontal);
+  EXPECT_EQ(options.strip.direction, ScrollDirection::Down);
   EXPECT_EQ(options.strip.speed, 10);
   EXPECT_EQ(options.strip.font->text, u"Serif"_s);
   EXPECT_EQ(options.strip.color, QColor(Qt::red));
@@ -56,7 +56,7 @@ TEST(RunSettings, GiveWayToTheCommandLine) {
           "--position top --screen DP-1 --height 24 --width 800 --no-autoscale --control-bar "
           "--pause-on-hover on",
           chosen());
-  EXPECT_TRUE(options.strip.isHorizontal);
+  EXPECT_EQ(options.strip.direction, ScrollDirection::Left);
   EXPECT_EQ(options.strip.speed, 20);
   EXPECT_EQ(options.strip.font->text, u"Sans"_s);
   EXPECT_EQ(options.strip.color, QColor(Qt::green));

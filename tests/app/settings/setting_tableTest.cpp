@@ -43,7 +43,7 @@ QStringList complaintsAbout(const QString& name, const QJsonValue& value) {
 
 // A value of each setting that is not its default.
 const std::vector<std::pair<QString, QStringList>> Chosen{
-    {u"direction"_s, {u"vertical"_s}},
+    {u"direction"_s, {u"down"_s}},
     {u"speed"_s, {u"12.5"_s}},
     {u"font"_s, {u"DejaVu Sans 18"_s}},
     {u"color"_s, {u"#000080"_s}},
@@ -131,7 +131,8 @@ TEST(SettingTable, RefusesWhatTheCommandLineRefuses) {
   EXPECT_EQ(failure(u"speed"_s, {u"fast"_s}), "speed fast: not a number");
   EXPECT_EQ(failure(u"speed"_s, {u"0"_s}), "speed 0: must be between 0.1 and 100000");
   EXPECT_EQ(failure(u"speed"_s, {u"nan"_s}), "speed nan: not a number");
-  EXPECT_EQ(failure(u"direction"_s, {u"up"_s}), "direction up: must be horizontal or vertical");
+  EXPECT_EQ(failure(u"direction"_s, {u"back"_s}),
+            "direction back: must be left or right or up or down or horizontal or vertical");
   EXPECT_EQ(failure(u"position"_s, {u"middle"_s}),
             "position middle: must be top or bottom or left or right");
   EXPECT_EQ(failure(u"color"_s, {u"nocolor"_s}),
@@ -159,6 +160,14 @@ TEST(SettingTable, ChangesNothingWhereAValueIsWrong) {
   EXPECT_THROW(setSetting(settings, settingNamed(u"feeds"_s), {u"https://b/"_s, u"nonsense"_s}),
                UsageError);
   EXPECT_EQ(settings, before);
+}
+
+TEST(SettingTable, TakesTheOlderWordsForDirections) {
+  EXPECT_EQ(withSetting(u"direction"_s, {u"horizontal"_s}).direction, ScrollDirection::Left);
+  EXPECT_EQ(withSetting(u"direction"_s, {u"vertical"_s}).direction, ScrollDirection::Up);
+  Settings settings;
+  EXPECT_EQ(readSetting(settings, settingNamed(u"direction"_s), u"vertical"_s), QStringList());
+  EXPECT_EQ(settings.direction, ScrollDirection::Up);
 }
 
 TEST(SettingTable, TellsWhatIsWrongInTheFile) {
