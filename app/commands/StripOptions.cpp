@@ -167,6 +167,21 @@ void requireSomethingToShow(const StripOptions& options, const QString& command)
         u"--tail, --stdin or, with run, --watch (see zqticker %1 --help)"_s.arg(command));
 }
 
+bool fitsDirection(Edge edge, bool isHorizontal) {
+  switch (edge) {
+  case Edge::Top:
+  case Edge::Bottom:
+    return isHorizontal;
+  case Edge::Left:
+  case Edge::Right:
+    return !isHorizontal;
+  case Edge::Automatic:
+  case Edge::Floating:
+    break;
+  }
+  return true;
+}
+
 bool RunOptions::showsOwn() const {
   for (const QLatin1StringView name : {"text"_L1, "image"_L1, "combo"_L1, "sign"_L1, "clock"_L1,
                                        "feed"_L1, "tail"_L1, "stdin"_L1, "watch"_L1})
@@ -205,8 +220,7 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
   }
   adoptSettings(options, settings);
   requireFeeds(options.strip, given);
-  const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (options.edge != Edge::Automatic && standsUpright == options.strip.isHorizontal())
+  if (!fitsDirection(options.edge, options.strip.isHorizontal()))
     throw UsageError(options.strip.isHorizontal()
                          ? u"--position: a horizontal strip stands at the top or the bottom"_s
                          : u"--position: a vertical strip stands left or right"_s);

@@ -57,8 +57,11 @@ struct StripOptions {
   bool isHorizontal() const { return app::isHorizontal(direction); }
 };
 
-// Where the window stands.
-enum class Edge { Automatic, Top, Bottom, Left, Right };
+// Where the window stands: at an edge of the screen, or wherever it was moved to.
+enum class Edge { Automatic, Top, Bottom, Left, Right, Floating };
+
+// Whether a strip of this direction can stand there.
+bool fitsDirection(Edge edge, bool isHorizontal);
 
 struct RunOptions {
   StripOptions strip;

@@ -131,11 +131,12 @@ OptionTable makeRunTable() {
       {u"height"_s,
        {u"POINTS"_s},
        u"Height of the strip. By default 24, more where --font is larger; the screen's height for "
-       u"a vertical strip."_s});
-  table.options.push_back({u"width"_s,
-                           {u"POINTS"_s},
-                           u"Width of the strip. By default the screen's width; 240 for a vertical "
-                           u"strip."_s});
+       u"a vertical strip, a third of it for one that floats."_s});
+  table.options.push_back(
+      {u"width"_s,
+       {u"POINTS"_s},
+       u"Width of the strip. By default the screen's width, a third of it for one "
+       u"that floats; 240 for a vertical strip."_s});
   table.options.push_back(
       {u"position"_s, {u"EDGE"_s}, u"Where the strip stands."_s, false, false, edgeWords()});
   table.options.push_back({u"screen"_s,
@@ -177,6 +178,11 @@ OptionTable makeRunTable() {
       u"one that is leaving, or, where that has just begun to, of the one before; at most 50 signs "
       u"back, less where they are long lines, and not beyond the last change of the strip's size. "
       u"Its look is \"ControlBarButton.button\", see zqticker appearance --help."_s,
+      u"A strip at an edge keeps other windows from lying under it where the window manager can do "
+      u"that, and stands beside panels and other strips that were there before. One that floats is "
+      u"moved with the left button of the mouse while Alt or Meta (the key with the logo) is held, "
+      u"keeps its place for the next time, and covers what lies under it. No strip is larger than "
+      u"the free part of its screen."_s,
       u"One ticker runs in a session. Where one runs already, the program hands over what it is to "
       u"show, with its standard input, and ends at once; size, place and look stay those of the "
       u"first one. Without anything to show it waits for what other programs send, see zqticker "

@@ -33,10 +33,12 @@ const std::vector<AllowedWord>& directionWords() {
 }
 
 const std::vector<AllowedWord>& edgeWords() {
-  static const std::vector<AllowedWord> words{{u"top"_s, {}},
-                                              {u"bottom"_s, u"the default"_s},
-                                              {u"left"_s, u"a vertical strip"_s},
-                                              {u"right"_s, u"the default of a vertical strip"_s}};
+  static const std::vector<AllowedWord> words{
+      {u"top"_s, {}},
+      {u"bottom"_s, u"the default"_s},
+      {u"left"_s, u"a vertical strip"_s},
+      {u"right"_s, u"the default of a vertical strip"_s},
+      {u"floating"_s, u"a small strip that can be moved"_s}};
   return words;
 }
 
@@ -88,6 +90,8 @@ Edge edgeOf(const ParsedOption& option) {
     return Edge::Top;
   if (word == "bottom"_L1)
     return Edge::Bottom;
+  if (word == "floating"_L1)
+    return Edge::Floating;
   return word == "left"_L1 ? Edge::Left : Edge::Right;
 }
 

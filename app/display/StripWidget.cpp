@@ -59,8 +59,20 @@ StripWidget::~StripWidget() = default;
 
 void StripWidget::place(const QRect& geometry) {
   place_ = geometry;
-  requestsLeft_ = MostRequests;
+  requestsLeft_ = testAttribute(Qt::WA_X11NetWmWindowTypeDock) ? MostRequests : 0;
   setGeometry(geometry);
+}
+
+void StripWidget::setDocked(bool docked) {
+  if (docked == testAttribute(Qt::WA_X11NetWmWindowTypeDock))
+    return;
+  // Window managers look at a window's kind when it is mapped.
+  const bool wasShown = isVisible();
+  hide();
+  setAttribute(Qt::WA_X11NetWmWindowTypeDock, docked);
+  setAttribute(Qt::WA_X11NetWmWindowTypeUtility, !docked);
+  if (wasShown)
+    show();
 }
 
 void StripWidget::setBackground(const QColor& background) {

@@ -23,8 +23,12 @@ class StripWidget : public QWidget {
   StripWidget(TickerDisplay& display, const QColor& background);
   ~StripWidget() override;
 
-  // Gives the window its place on the screen.
+  // Gives the window its place on the screen. Docked, it stays there; else it can be moved.
   void place(const QRect& geometry);
+
+  // Whether the window is one at an edge of the screen, a dock, as it is made, or a small one that
+  // floats over the others.
+  void setDocked(bool docked);
 
   // The colour behind the signs; one that is not opaque lets what stands below the window through,
   // where the window system can.

@@ -126,8 +126,10 @@ void StripPage::showSettings(const Settings& settings) {
     showSpeed(settings.speed);
   fillPositions(horizontal);
   const bool isFirst = settings.position == Edge::Top || settings.position == Edge::Left;
-  const bool isUpright = settings.position == Edge::Left || settings.position == Edge::Right;
-  position_->setCurrentIndex(isFirst && isUpright != horizontal ? 0 : 1);
+  if (settings.position == Edge::Floating)
+    position_->setCurrentIndex(2);
+  else
+    position_->setCurrentIndex(isFirst && fitsDirection(settings.position, horizontal) ? 0 : 1);
   chosenScreen_ = settings.screen;
   fillScreens(chosenScreen_);
   height_->setValue(settings.height.value_or(0));
@@ -143,7 +145,7 @@ void StripPage::showSpeed(double speed) {
   speedSlider_->setValue(stepOf(speed));
 }
 
-// The last one is that of a strip of which nothing is said.
+// The second one is that of a strip of which nothing is said.
 void StripPage::fillPositions(bool horizontal) {
   const QString first = horizontal ? u"top"_s : u"left"_s;
   if (position_->count() > 0 && position_->itemData(0).toString() == first)
@@ -152,6 +154,7 @@ void StripPage::fillPositions(bool horizontal) {
   position_->addItem(horizontal ? tr("Top") : tr("Left"), first);
   position_->addItem(horizontal ? tr("Bottom") : tr("Right"),
                      horizontal ? u"bottom"_s : u"right"_s);
+  position_->addItem(tr("Floating"), u"floating"_s);
 }
 
 void StripPage::fillScreens(const QString& chosen) {

@@ -47,8 +47,7 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
     strip.feeds.itemsPerFeed = settings.feeds.itemsPerFeed;
   if (isFree(u"feed-interval"_s))
     strip.feeds.intervalMinutes = settings.feeds.intervalMinutes;
-  const bool standsUpright = options.edge == Edge::Left || options.edge == Edge::Right;
-  if (isFree(u"position"_s) && standsUpright == strip.isHorizontal())
+  if (isFree(u"position"_s) && !fitsDirection(options.edge, strip.isHorizontal()))
     options.edge = Edge::Automatic;
 }
 

@@ -54,6 +54,8 @@ QString wordOf(Edge edge) {
     return u"left"_s;
   case Edge::Right:
     return u"right"_s;
+  case Edge::Floating:
+    return u"floating"_s;
   case Edge::Automatic:
     break;
   }
@@ -87,9 +89,10 @@ std::vector<SettingSpec> makeTable() {
       {u"background"_s, u"COLOR"_s, u"The color of the strip."_s, Kind::Text,
        [](Settings& s, Option o) { s.background = colorOf(o); },
        [](const Settings& s) { return valuesOf(s.background); }},
-      {u"position"_s, u"top|bottom|left|right"_s,
-       u"The edge of the screen: top or bottom, of a vertical strip left or right. automatic, and "
-       u"one that does not fit the direction, is bottom or right."_s,
+      {u"position"_s, u"top|bottom|left|right|floating"_s,
+       u"The edge of the screen: top or bottom, of a vertical strip left or right; or floating, a "
+       u"small strip that can be moved. automatic, and an edge that does not fit the direction, is "
+       u"bottom or right."_s,
        Kind::Text,
        [](Settings& s, Option o) { s.position = isAutomatic(o) ? Edge::Automatic : edgeOf(o); },
        [](const Settings& s) { return QStringList{wordOf(s.position)}; }},

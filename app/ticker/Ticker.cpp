@@ -12,6 +12,7 @@
 #include "app/settings/SettingsWindow.h"
 #include "app/settings/run_settings.h"
 #include "app/ticker/SourceSet.h"
+#include "app/ticker/StripPlace.h"
 #include "app/ticker/window_place.h"
 #include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
@@ -62,8 +63,9 @@ Ticker::Ticker(const RunOptions& options)
     throw RunTimeError(u"the display has no screen"_s);
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
   interaction_ = std::make_unique<StripInteraction>(*widget_, display_);
+  place_ = std::make_unique<StripPlace>(*widget_, screen_);
   updateLook();
-  connect(&screen_, &ChosenScreen::changed, this, &Ticker::updateLook);
+  connect(place_.get(), &StripPlace::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,
           Qt::QueuedConnection);
   QAction& queue = widget_->menu().queue();
@@ -197,15 +199,14 @@ void Ticker::showFeedsOfSettings() {
 }
 
 void Ticker::updateLook() {
-  const QScreen* screen = screen_.screen();
-  // One will come back.
-  if (!screen)
+  const QRect room = place_->room();
+  // A screen will come back.
+  if (room.isNull())
     return;
-  const QRect room = screen->availableGeometry();
-  const StripLook look = lookOf(options_.strip, room.size());
+  const StripLook look = lookIn(room, options_);
   setUpDisplay(display_, options_.strip, look, time());
   widget_->setBackground(options_.strip.background);
-  widget_->place(windowPlace(options_, look, room));
+  place_->take(options_, look);
   interaction_->pointer().setPausesAtRest(options_.pausesOnHover);
   updateControlBar();
   displayChanged();

@@ -23,6 +23,7 @@ class ControlBar;
 class SettingsStore;
 class SettingsWindow;
 class SourceSet;
+class StripPlace;
 class TickerQueue;
 
 // The one place through which a running program changes what is shown: the command line, other
@@ -118,6 +119,7 @@ class Ticker : public QObject {
   TickerDisplay display_;
   std::unique_ptr<StripWidget> widget_;
   std::unique_ptr<StripInteraction> interaction_;
+  std::unique_ptr<StripPlace> place_;
   std::unique_ptr<ControlBar> controlBar_; // null where there is none
   bool triedControlBar_ = false;           // whether one was to be made
   std::vector<std::unique_ptr<SourceSet>> sources_;

@@ -10,6 +10,9 @@ namespace zq::app {
 namespace {
 Q_LOGGING_CATEGORY(x11Log, "zqticker.x11", QtWarningMsg)
 
+// The bit of an event that another client has sent.
+constexpr std::uint8_t SentByAnother = 0x80;
+
 xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
   xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
   for (; number > 0 && screens.rem > 1; --number)
@@ -22,7 +25,7 @@ std::shared_ptr<XConnection> XConnection::shared() {
   static std::weak_ptr<XConnection> current;
   if (std::shared_ptr<XConnection> present = current.lock(); present && !present->isLost_)
     return present;
-  if (!qApp || !qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+  if (!ofQt())
     return nullptr;
   int number = 0;
   xcb_connection_t* connection = xcb_connect(nullptr, &number);
@@ -35,6 +38,12 @@ std::shared_ptr<XConnection> XConnection::shared() {
   std::shared_ptr<XConnection> made(new XConnection(connection, screen));
   current = made;
   return made;
+}
+
+xcb_connection_t* XConnection::ofQt() {
+  const auto* native =
+      qApp ? qGuiApp->nativeInterface<QNativeInterface::QX11Application>() : nullptr;
+  return native ? native->connection() : nullptr;
 }
 
 XConnection::XConnection(xcb_connection_t* connection, xcb_screen_t* screen)
@@ -71,6 +80,8 @@ void XConnection::receive() {
               reinterpret_cast<xcb_generic_error_t*>(event)->error_code);
     else
       Q_EMIT received(event);
+    if ((event->response_type & ~SentByAnother) == XCB_DESTROY_NOTIFY)
+      selected_.remove(reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window);
     std::free(event);
   }
   isReceiving_ = false;

@@ -28,6 +28,10 @@ class XConnection : public QObject {
   // X server, or the connection is refused or was lost.
   static std::shared_ptr<XConnection> shared();
 
+  // That of Qt, for what must come in the order of what Qt does to its windows; null without an X
+  // server. Events are not to be taken from it.
+  static xcb_connection_t* ofQt();
+
   ~XConnection() override;
 
   xcb_connection_t* get() const { return connection_; }

@@ -2,6 +2,14 @@
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render)
 set(x11_SOURCES
+    x11/EdgeReservation.cpp
+    x11/EdgeReservation.h
+    x11/OtherReservations.cpp
+    x11/OtherReservations.h
+    x11/ScreenReservation.cpp
+    x11/ScreenReservation.h
+    x11/TruePosition.cpp
+    x11/TruePosition.h
     x11/VerticalBlank.cpp
     x11/VerticalBlank.h
     x11/WindowVisibility.cpp
@@ -9,4 +17,6 @@ set(x11_SOURCES
     x11/XConnection.cpp
     x11/XConnection.h
     x11/active_window.cpp
-    x11/active_window.h)
+    x11/active_window.h
+    x11/x_properties.cpp
+    x11/x_properties.h)

@@ -125,7 +125,7 @@ TEST(StripOptions, RefuseWrongValues) {
             "--loop 5000000000: must be a whole number from 1 on, or forever");
   EXPECT_EQ(runFailure("--text a --delay -1"), "--delay -1: must be between 0 and 1000000000");
   EXPECT_EQ(runFailure("--text a --position middle"),
-            "--position middle: must be top or bottom or left or right");
+            "--position middle: must be top or bottom or left or right or floating");
   EXPECT_EQ(runFailure("--text a --position left"),
             "--position: a horizontal strip stands at the top or the bottom");
   EXPECT_EQ(runFailure("--text a --direction vertical --position top"),

@@ -134,7 +134,7 @@ TEST(SettingTable, RefusesWhatTheCommandLineRefuses) {
   EXPECT_EQ(failure(u"direction"_s, {u"back"_s}),
             "direction back: must be left or right or up or down or horizontal or vertical");
   EXPECT_EQ(failure(u"position"_s, {u"middle"_s}),
-            "position middle: must be top or bottom or left or right");
+            "position middle: must be top or bottom or left or right or floating");
   EXPECT_EQ(failure(u"color"_s, {u"nocolor"_s}),
             "color nocolor: not a color (write a name such as navy, or #rrggbb, or #aarrggbb)");
   EXPECT_EQ(failure(u"background"_s, {u"automatic"_s}),
