@@ -26,6 +26,7 @@ struct StripFrame {
   };
 
   QSize size;
+  bool isHorizontal = true; // the way along which the pieces follow each other
   std::vector<Piece> pieces;
 };
 

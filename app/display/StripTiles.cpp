@@ -1,6 +1,7 @@
 #include "app/display/StripTiles.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 
 namespace zq::app {
@@ -15,6 +16,11 @@ constexpr double LongestRun = 1e15;
 double fadedOpacity(qint64 entered, qint64 remaining, double fadePixels) {
   const auto nearest = static_cast<double>(std::min(entered, remaining));
   return nearest < fadePixels ? std::max(nearest, 0.0) / fadePixels : 1;
+}
+// Of all strips, so that whoever keeps pictures may show another one.
+std::uint64_t newSerial() {
+  static std::atomic<std::uint64_t> last = 0;
+  return ++last;
 }
 } // namespace
 
@@ -31,7 +37,8 @@ void StripTiles::forget(std::uint64_t runNumber) {
 
 StripTiles::Tile StripTiles::make(const Strip::Run& run, qint64 index, int pixels,
                                   const QSize& size) {
-  Tile tile{run.number, index, nextSerial_++, QImage()};
+  Tile tile{run.number, index, newSerial(), QImage()};
+  ++drawn_;
   if (!spare_.empty()) {
     tile.picture = std::move(spare_.back());
     spare_.pop_back();

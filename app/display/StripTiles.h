@@ -59,7 +59,7 @@ class StripTiles {
             const std::function<Look(const Strip::Run&)>& lookOf);
 
   std::size_t count() const { return tiles_.size(); }
-  std::uint64_t drawn() const { return nextSerial_ - 1; }
+  std::uint64_t drawn() const { return drawn_; }
 
  private:
   struct Tile {
@@ -75,7 +75,7 @@ class StripTiles {
   std::vector<Tile> tiles_; // in the order along the strip
   std::vector<Tile> kept_;  // the next tiles_, while a frame is filled
   std::vector<QImage> spare_;
-  std::uint64_t nextSerial_ = 1;
+  std::uint64_t drawn_ = 0;
 };
 
 } // namespace zq::app

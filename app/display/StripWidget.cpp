@@ -5,7 +5,6 @@
 #include <QtCore/QCoreApplication>
 #include <QtGui/QAction>
 #include <QtGui/QContextMenuEvent>
-#include <QtGui/QPainter>
 #include <QtGui/QScreen>
 #include <QtGui/QWindow>
 
@@ -21,8 +20,8 @@ constexpr int MostRequests = 3;
 StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     : QWidget(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
                            Qt::WindowDoesNotAcceptFocus | Qt::NoDropShadowWindowHint),
-      display_(display), background_(background), player_(display), sight_(*this), menu_(this),
-      keyboard_(*this) {
+      display_(display), background_(background), player_(display), sight_(*this), surface_(*this),
+      menu_(this), keyboard_(*this) {
   setAttribute(Qt::WA_X11NetWmWindowTypeDock);
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_OpaquePaintEvent);
@@ -35,7 +34,8 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
   connect(&player_, &StripPlayer::finished, this, &StripWidget::finished);
   connect(&player_, &StripPlayer::frameDue, this, [this] {
     ++frameCount_;
-    repaint();
+    fitScale();
+    surface_.show(display_.frame(), background_);
   });
   connect(&sight_, &StripSight::changed, this, [this](bool isInSight) {
     if (isInSight)
@@ -105,14 +105,17 @@ void StripWidget::fitDisplay() {
     player_.clock().setRate(shownOn->refreshRate());
 }
 
-void StripWidget::paintEvent(QPaintEvent*) {
-  if (display_.scale() != devicePixelRatioF()) {
-    fitDisplay();
-    display_.advanceTo(time());
-  }
-  QPainter painter(this);
-  painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
-  paintFrame(painter, display_.frame(), background_);
+// The window may have come to another scale without being told.
+void StripWidget::fitScale() {
+  if (display_.scale() == devicePixelRatioF())
+    return;
+  fitDisplay();
+  display_.advanceTo(time());
+}
+
+void StripWidget::paintEvent(QPaintEvent* event) {
+  fitScale();
+  surface_.paint(*event, display_.frame(), background_);
 }
 
 // Some window managers put a dock where it asks to be and tell it another place, by which menus

@@ -5,6 +5,7 @@
 #include "app/display/StripMenu.h"
 #include "app/display/StripPlayer.h"
 #include "app/display/StripSight.h"
+#include "app/display/StripSurface.h"
 #include "app/display/TickerDisplay.h"
 
 #include <QtWidgets/QWidget>
@@ -43,6 +44,8 @@ class StripWidget : public QWidget {
   StripPlayer& player() { return player_; }
   StripSight& sight() { return sight_; }
 
+  StripSurface& surface() { return surface_; }
+
   // The strip's commands, ready for use; it pops up under the right mouse button.
   StripMenu& menu() { return menu_; }
 
@@ -53,7 +56,7 @@ class StripWidget : public QWidget {
   bool isFinished() const { return display_.isFinished(); }
   Q_SIGNAL void finished();
 
-  // Frames that were painted because they differed from the one before.
+  // Frames that were shown because they differed from the one before.
   std::uint64_t frameCount() const { return frameCount_; }
 
  protected:
@@ -66,11 +69,13 @@ class StripWidget : public QWidget {
 
  private:
   void fitDisplay();
+  void fitScale();
 
   TickerDisplay& display_;
   QColor background_;
   StripPlayer player_;
   StripSight sight_;
+  StripSurface surface_;
   StripMenu menu_;
   StripFocus keyboard_;
   QRect place_;

@@ -173,6 +173,7 @@ void TickerDisplay::markForLayout() {
     return std::max(static_cast<int>(std::lround(points * scale_)), 1);
   };
   frame_.size = QSize(pixels(size_.width()), pixels(size_.height()));
+  frame_.isHorizontal = isHorizontal();
   frameIsStale_ = true;
 }
 

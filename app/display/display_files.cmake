@@ -29,6 +29,8 @@ set(display_SOURCES
     display/StripQueue.h
     display/StripSight.cpp
     display/StripSight.h
+    display/StripSurface.cpp
+    display/StripSurface.h
     display/StripTiles.cpp
     display/StripTiles.h
     display/StripWidget.cpp

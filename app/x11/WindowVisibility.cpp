@@ -3,17 +3,10 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QWindow>
 
-#include <cstdlib>
-
 namespace zq::app {
 
 namespace {
 constexpr int EventCode = 0x7f; // without the mark of events that a program has sent
-
-// Waits until the server has done all that was asked before.
-void awaitServer(xcb_connection_t* connection) {
-  std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
-}
 } // namespace
 
 WindowVisibility::WindowVisibility(QObject* parent) : QObject(parent) {}

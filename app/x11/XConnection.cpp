@@ -92,4 +92,8 @@ void XConnection::receive() {
   }
 }
 
+void awaitServer(xcb_connection_t* connection) {
+  std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+}
+
 } // namespace zq::app

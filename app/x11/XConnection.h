@@ -62,4 +62,8 @@ class XConnection : public QObject {
   bool isLost_ = false;
 };
 
+// Waits until the server has done what was asked for on `connection`; what it tells meanwhile stays
+// with the connection.
+void awaitServer(xcb_connection_t* connection);
+
 } // namespace zq::app

@@ -6,6 +6,8 @@ set(x11_SOURCES
     x11/EdgeReservation.h
     x11/OtherReservations.cpp
     x11/OtherReservations.h
+    x11/PixmapSurface.cpp
+    x11/PixmapSurface.h
     x11/ScreenReservation.cpp
     x11/ScreenReservation.h
     x11/TruePosition.cpp
