@@ -22,6 +22,7 @@ class XServer {
   static bool isInstalled();
   static bool hasProgram(const QString& name);
 
+  qint64 processId() const { return server_.processId(); }
   // Empty where the server did not start.
   const QByteArray& display() const { return display_; }
   // The environment of a program on this server.
