@@ -62,6 +62,7 @@ int runCommand(const QStringList& arguments) {
   const SessionSight session(sessionBusAddress(), systemBusAddress());
   QObject::connect(&session, &SessionSight::changed, &ticker.widget().sight(),
                    &StripSight::setScreenInSight);
+  ticker.widget().sight().setScreenInSight(session.isInSight());
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);

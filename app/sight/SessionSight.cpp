@@ -9,6 +9,8 @@ SessionSight::SessionSight(std::optional<QString> sessionBus, std::optional<QStr
       login_(systemBus_) {
   connect(&savers_, &ScreenSavers::changed, this, &SessionSight::update);
   connect(&login_, &LoginSession::changed, this, &SessionSight::update);
+  connect(&server_, &ServerScreenSaver::changed, this, &SessionSight::update);
+  update();
   sessionBus_.open();
   systemBus_.open();
 }
@@ -16,7 +18,8 @@ SessionSight::SessionSight(std::optional<QString> sessionBus, std::optional<QStr
 SessionSight::~SessionSight() = default;
 
 void SessionSight::update() {
-  const bool isInSight = !savers_.isActive() && !login_.isLocked() && !login_.isAsleep();
+  const bool isInSight =
+      !savers_.isActive() && !login_.isLocked() && !login_.isAsleep() && !server_.isActive();
   if (isInSight == isInSight_)
     return;
   isInSight_ = isInSight;

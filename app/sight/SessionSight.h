@@ -4,6 +4,7 @@
 #include "app/sight/BusListener.h"
 #include "app/sight/LoginSession.h"
 #include "app/sight/ScreenSavers.h"
+#include "app/x11/ServerScreenSaver.h"
 
 #include <QtCore/QObject>
 
@@ -33,6 +34,7 @@ class SessionSight : public QObject {
   BusListener systemBus_;
   ScreenSavers savers_;
   LoginSession login_;
+  ServerScreenSaver server_;
   bool isInSight_ = true;
 };
 

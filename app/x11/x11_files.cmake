@@ -1,6 +1,6 @@
 # What the X server tells and does beside Qt.
 find_package(PkgConfig REQUIRED)
-pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render)
+pkg_check_modules(XCB REQUIRED IMPORTED_TARGET xcb xcb-present xcb-render xcb-screensaver)
 set(x11_SOURCES
     x11/EdgeReservation.cpp
     x11/EdgeReservation.h
@@ -10,6 +10,8 @@ set(x11_SOURCES
     x11/PixmapSurface.h
     x11/ScreenReservation.cpp
     x11/ScreenReservation.h
+    x11/ServerScreenSaver.cpp
+    x11/ServerScreenSaver.h
     x11/TruePosition.cpp
     x11/TruePosition.h
     x11/VerticalBlank.cpp

@@ -93,6 +93,23 @@ TEST_F(SightOfProgram, EndsForALockAndForSleep) {
   EXPECT_TRUE(moves());
 }
 
+TEST_F(SightOfProgram, EndsForTheSaverOfTheServer) {
+  if (!XServer::hasProgram(u"xset"_s))
+    GTEST_SKIP() << "xset is not installed";
+  const auto xset = [&](const QString& what) {
+    QProcess tool;
+    tool.setProcessEnvironment(server_->environment());
+    tool.start(u"xset"_s, {u"s"_s, what});
+    EXPECT_TRUE(tool.waitForFinished());
+  };
+  xset(u"activate"_s);
+  ASSERT_TRUE(comesToRest());
+  // What it showed last comes into the screen's buffer again, and then moves.
+  xset(u"reset"_s);
+  ASSERT_TRUE(waitUntil([&] { return redColumn() >= 0; }));
+  EXPECT_TRUE(moves());
+}
+
 TEST_F(SightOfProgram, ComesBackWhenBothBusesBreak) {
   saver_->setActive(true);
   manager_->setLocked(true);
