@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +23,7 @@ double numberIn(const std::filesystem::path& file, const std::string& word) {
   return 0;
 }
 
-double processorSeconds(const std::string& folder) {
+double processorSecondsOf(const std::string& folder) {
   std::ifstream stream(folder + "/stat");
   const std::string text{std::istreambuf_iterator<char>(stream), {}};
   std::istringstream fields(text.substr(std::min(text.rfind(')') + 1, text.size())));
@@ -41,7 +42,7 @@ ProcessReading ProcessReading::of(qint64 process) {
   std::error_code error;
   for (const auto& thread : std::filesystem::directory_iterator(folder + "/task", error))
     reading.sleeps += numberIn(thread.path() / "status", "voluntary_ctxt_switches:");
-  reading.processorSeconds = processorSeconds(folder);
+  reading.processorSeconds = processorSecondsOf(folder);
   reading.seconds =
       std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
   return reading;

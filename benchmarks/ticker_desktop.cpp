@@ -50,7 +50,7 @@ TickerDesktop::TickerDesktop()
     : server_(Width, Height), saver_(QDBusConnection::connectToBus(bus_.address(), u"saver"_s)),
       connection_(xcb_connect(server_.display().constData(), nullptr)) {
   saver_.registerService(SaverName);
-  QDir(folder_.path()).mkdir(u"home"_s);
+  QDir().mkpath(home());
 }
 
 TickerDesktop::~TickerDesktop() {
@@ -64,12 +64,18 @@ bool TickerDesktop::isComplete() const {
          zq::app::testing::XServer::hasProgram(u"openbox"_s);
 }
 
+// Below folders of its own: watched settings wake the program when anything happens above them, and
+// that of temporary files is busy.
+QString TickerDesktop::home() const {
+  return folder_.filePath(u"desktop/user/home"_s);
+}
+
 QProcessEnvironment TickerDesktop::environment() const {
   QProcessEnvironment environment = bus_.environment(server_.environment());
   environment.insert(u"DBUS_SYSTEM_BUS_ADDRESS"_s, bus_.address());
   for (const QString& name :
        {u"XDG_CONFIG_HOME"_s, u"XDG_CACHE_HOME"_s, u"XDG_RUNTIME_DIR"_s, u"XDG_DATA_HOME"_s})
-    environment.insert(name, folder_.filePath(u"home"_s));
+    environment.insert(name, home());
   return environment;
 }
 

@@ -38,6 +38,8 @@ class TickerDesktop {
   std::optional<double> speedOf(int firstRow, int lastRow) const;
 
  private:
+  QString home() const;
+
   QTemporaryDir folder_;
   zq::app::testing::XServer server_;
   zq::app::testing::PrivateBus bus_;
