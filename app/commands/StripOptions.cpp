@@ -110,6 +110,8 @@ bool readStripOption(StripOptions& options, const ParsedOption& option) {
     options.background = colorOf(option);
   } else if (name == "autoscale"_L1) {
     options.autoscale = true;
+  } else if (name == "fade"_L1) {
+    options.fade = fadeOf(option);
   } else if (name == "loop"_L1) {
     options.loopCount = loopCountOf(option);
   } else if (name == "delay"_L1) {

@@ -50,6 +50,7 @@ struct StripOptions {
   std::optional<QColor> color;
   QColor background = Qt::white;
   bool autoscale = false;
+  double fade = 0;                       // points at the ends of the strip; 0 for none
   std::optional<std::int64_t> loopCount; // as asked for, else by the kind of sign
   std::optional<double> loopDelay;
   bool continuous = false;

@@ -65,6 +65,12 @@ const std::vector<OptionSpec>& stripOptions() {
        u"The color of texts; black by default. A name such as navy, or #rrggbb, or #aarrggbb."_s},
       {u"background"_s, {u"COLOR"_s}, u"The color of the strip; white by default."_s},
       {u"autoscale"_s, {}, u"Scale texts to the height of the strip (horizontal strips)."_s},
+      {u"fade"_s,
+       {u"POINTS"_s},
+       u"Let signs fade in and out at the ends of the strip, over so many points; 40 without a "
+       u"number, off for none, which is the default."_s,
+       false,
+       true},
       {u"loop"_s,
        {u"COUNT"_s},
        u"How often each sign is shown: 1 or more, or forever. By default what --text, --image, "

@@ -63,6 +63,7 @@ void setUpDisplay(TickerDisplay& display, const StripOptions& options, const Str
     display.setDefaultTextColor(look.color);
   if (display.shouldAutoscale() != (options.autoscale && options.isHorizontal()))
     display.setShouldAutoscale(options.autoscale);
+  display.setEdgeFade(options.fade);
   if (display.speed() != options.speed)
     display.setSpeed(options.speed, time);
 }

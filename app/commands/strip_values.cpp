@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 
+#include <QtCore/QLocale>
 #include <algorithm>
 
 using namespace Qt::StringLiterals;
@@ -75,6 +76,18 @@ double speedOf(const ParsedOption& option) {
 
 double sideOf(const ParsedOption& option) {
   return numberOf(option, ShortestSide, LongestSide);
+}
+
+double fadeOf(const ParsedOption& option) {
+  if (option.values.isEmpty())
+    return UsualFade;
+  if (option.values.first() == "off"_L1 || option.values.first() == "0"_L1)
+    return 0;
+  return numberOf(option, ShortestSide, LongestSide);
+}
+
+QString textOfFade(double points) {
+  return points > 0 ? QString::number(points, 'g', QLocale::FloatingPointShortest) : u"off"_s;
 }
 
 FontRequest fontOf(const ParsedOption& option) {

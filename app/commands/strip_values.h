@@ -17,6 +17,8 @@ inline constexpr double LongestSide = 16'384;
 // Points per second.
 inline constexpr double SlowestSpeed = 0.1;
 inline constexpr double FastestSpeed = 100'000;
+// Points of an end of a strip that fades, where nothing else is said.
+inline constexpr double UsualFade = 40;
 inline constexpr qint64 MostFeedItems = 1000;
 // Minutes.
 inline constexpr double ShortestInterval = 0.001;
@@ -37,6 +39,10 @@ ScrollDirection directionOf(const ParsedOption& option);
 bool isOnOf(const ParsedOption& option);
 double speedOf(const ParsedOption& option);
 double sideOf(const ParsedOption& option);
+// Points over which the ends of a strip fade; 0 for "off" and for 0.
+double fadeOf(const ParsedOption& option);
+// The word or the number that is written for it.
+QString textOfFade(double points);
 // A font as written; whether there is such a font is for findFont.
 FontRequest fontOf(const ParsedOption& option);
 Edge edgeOf(const ParsedOption& option);

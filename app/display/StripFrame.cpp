@@ -1,5 +1,7 @@
 #include "app/display/StripFrame.h"
 
+#include "app/display/EdgeFade.h"
+
 #include <QtGui/QPainter>
 
 namespace zq::app {
@@ -14,6 +16,12 @@ void paintFrame(QPainter& painter, const StripFrame& frame, const QColor& backgr
     painter.drawImage(piece.target, piece.picture, piece.source);
   }
   painter.setOpacity(1);
+  if (frame.fade <= 0)
+    return;
+  // The same from frame to frame.
+  static EdgeFade edges;
+  edges.fit(frame, background);
+  edges.paint(painter, frame);
 }
 
 } // namespace zq::app

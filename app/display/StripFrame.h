@@ -27,10 +27,13 @@ struct StripFrame {
 
   QSize size;
   bool isHorizontal = true; // the way along which the pieces follow each other
+  int fade = 0;             // pixels over which both ends fade towards the background
   std::vector<Piece> pieces;
 };
 
 // Paints `frame` over `background` through a painter whose units are device pixels.
+//
+// Thread: main.
 void paintFrame(QPainter& painter, const StripFrame& frame, const QColor& background);
 
 } // namespace zq::app

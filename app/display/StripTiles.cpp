@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cmath>
+#include <utility>
 
 namespace zq::app {
 
@@ -27,6 +28,7 @@ std::uint64_t newSerial() {
 StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}
 
 void StripTiles::clear() {
+  coming_ = {};
   tiles_.clear();
   spare_.clear();
 }
@@ -66,6 +68,7 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
   };
   auto next = tiles_.begin();
   kept_.clear();
+  coming_ = {};
   for (const Strip::Run& run : runs) {
     const Look look = lookOf(run);
     const qint64 length = std::llround(std::min(std::ceil(look.length * view.scale), LongestRun));
@@ -75,35 +78,58 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
     const double opacity = look.fades ? fadedOpacity(extent - lead, lead + length, fadePixels) : 1;
     const qint64 firstPixel = std::max<qint64>(-lead, 0);
     const qint64 endPixel = std::min(extent - lead, length);
-    for (qint64 index = firstPixel / TileLength; index * TileLength < endPixel; ++index) {
+    const auto pixelsOf = [length](qint64 index) {
+      return static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
+    };
+    // They are wanted in the order of the last time, but after a reversal.
+    const auto takeOld = [&](qint64 index) {
       const auto isWanted = [&](const Tile& tile) {
         return tile.run == run.number && tile.index == index;
       };
-      const int pixels =
-          static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
-      // They are wanted in the order of the last time, but after a reversal.
       auto found = std::find_if(next, tiles_.end(), isWanted);
       if (found == tiles_.end())
         found = std::find_if(tiles_.begin(), tiles_.end(), isWanted);
-      if (found == tiles_.end()) {
+      if (found == tiles_.end())
+        return false;
+      next = found + 1;
+      kept_.push_back(std::move(*found));
+      found->run = 0;
+      return true;
+    };
+    const qint64 first = firstPixel / TileLength;
+    const qint64 end = endPixel > 0 ? (endPixel + TileLength - 1) / TileLength : 0;
+    for (qint64 index = first; index < end; ++index) {
+      const int pixels = pixelsOf(index);
+      if (!takeOld(index))
         kept_.push_back(make(run, index, pixels, tileSize));
-      } else {
-        next = found + 1;
-        kept_.push_back(std::move(*found));
-        found->run = 0;
-      }
       const Tile& tile = kept_.back();
-      const int place = static_cast<int>(lead + index * TileLength);
+      const int at = static_cast<int>(lead + index * TileLength);
       frame.pieces.push_back({tile.serial, tile.picture,
                               horizontal ? QRect(0, 0, pixels, frame.size.height())
                                          : QRect(0, 0, frame.size.width(), pixels),
-                              horizontal ? QPoint(place, 0) : QPoint(0, place), opacity});
+                              horizontal ? QPoint(at, 0) : QPoint(0, at), opacity});
     }
+    // The next one of a run that has not entered wholly; those in front of it have.
+    const qint64 ahead = reversed ? first - 1 : end;
+    if (first < end && ahead >= 0 && ahead * TileLength < length && !takeOld(ahead))
+      coming_ = {run.number, ahead, pixelsOf(ahead)};
   }
   for (Tile& tile : tiles_)
     if (tile.run != 0)
       recycle(tile);
   tiles_.swap(kept_);
+}
+
+void StripTiles::prepare(const StripFrame& frame, const std::deque<Strip::Run>& runs) {
+  const Coming coming = std::exchange(coming_, {});
+  const auto run = std::find_if(runs.begin(), runs.end(), [&](const Strip::Run& candidate) {
+    return candidate.number == coming.run;
+  });
+  if (coming.run == 0 || run == runs.end())
+    return;
+  tiles_.push_back(make(*run, coming.index, coming.pixels,
+                        frame.isHorizontal ? QSize(TileLength, frame.size.height())
+                                           : QSize(frame.size.width(), TileLength)));
 }
 
 } // namespace zq::app

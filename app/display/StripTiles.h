@@ -58,6 +58,10 @@ class StripTiles {
   void fill(StripFrame& frame, const std::deque<Strip::Run>& runs, const View& view,
             const std::function<Look(const Strip::Run&)>& lookOf);
 
+  // Draws the tile that comes into sight next, as far as it is known from the last frame; one that
+  // was filled from these runs.
+  void prepare(const StripFrame& frame, const std::deque<Strip::Run>& runs);
+
   std::size_t count() const { return tiles_.size(); }
   std::uint64_t drawn() const { return drawn_; }
 
@@ -69,12 +73,20 @@ class StripTiles {
     QImage picture;
   };
 
+  // A tile that is not in sight yet.
+  struct Coming {
+    std::uint64_t run = 0; // 0 for none
+    qint64 index = 0;
+    int pixels = 0;
+  };
+
   Tile make(const Strip::Run& run, qint64 index, int pixels, const QSize& size);
 
   Draw draw_;
   std::vector<Tile> tiles_; // in the order along the strip
   std::vector<Tile> kept_;  // the next tiles_, while a frame is filled
   std::vector<QImage> spare_;
+  Coming coming_;
   std::uint64_t drawn_ = 0;
 };
 

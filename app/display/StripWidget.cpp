@@ -36,6 +36,7 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
     ++frameCount_;
     fitScale();
     surface_.show(display_.frame(), background_);
+    display_.prepareAhead();
   });
   connect(&sight_, &StripSight::changed, this, [this](bool isInSight) {
     if (isInSight)

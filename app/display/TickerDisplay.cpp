@@ -174,6 +174,21 @@ void TickerDisplay::markForLayout() {
   };
   frame_.size = QSize(pixels(size_.width()), pixels(size_.height()));
   frame_.isHorizontal = isHorizontal();
+  fitEdgeFade();
+  frameIsStale_ = true;
+}
+
+void TickerDisplay::setEdgeFade(double points) {
+  edgeFade_ = points > 0 && std::isfinite(points) ? points : 0;
+  fitEdgeFade();
+}
+
+void TickerDisplay::fitEdgeFade() {
+  const int extent = isHorizontal() ? frame_.size.width() : frame_.size.height();
+  const double pixels = std::min(std::ceil(edgeFade_ * scale_), std::floor(extent / 2.0));
+  if (static_cast<int>(pixels) == frame_.fade)
+    return;
+  frame_.fade = static_cast<int>(pixels);
   frameIsStale_ = true;
 }
 

@@ -92,6 +92,11 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Points over which a sign fades in and out.
   double fadeLength() const;
 
+  // Over how many points everything fades towards the background at both ends of the strip, at most
+  // to its middle; 0 for no such thing, which is so at first.
+  double edgeFade() const { return edgeFade_; }
+  void setEdgeFade(double points);
+
   // Points per second, also of a strip that is paused.
   double speed() const { return isPaused() ? *pausedSpeed_ : strip_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
@@ -173,6 +178,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
 
   // Moves on to `time`. Whether the frame is another one than before.
   bool advanceTo(double time);
+  // Draws ahead what comes into sight next, so that its frame need not; little, or nothing. To be
+  // called when a frame has been shown and there is time until the next one.
+  void prepareAhead() { tiles_.prepare(frame_, strip_.runs()); }
   // The frame of that time; the same until the next advance.
   const StripFrame& frame() const { return frame_; }
 
@@ -197,6 +205,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void markForLayout();
   void restyle(const QString& attribute, const platform::Ref<platform::Object>& before,
                const platform::Ref<platform::Object>& after);
+  void fitEdgeFade();
   void drawTile(const StripTiles::Request& request, QImage& picture) const;
 
   QSizeF size_{0, 0};
@@ -205,6 +214,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   platform::Ref<platform::Color> color_;
   bool autoscale_ = false;
   double scale_ = 1;
+  double edgeFade_ = 0;
   std::optional<double> pausedSpeed_;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
   SenderCounts senders_;

@@ -3,6 +3,8 @@ set(display_SOURCES
     display/BlankEstimate.cpp
     display/BlankEstimate.h
     display/BlankSource.h
+    display/EdgeFade.cpp
+    display/EdgeFade.h
     display/FrameClock.cpp
     display/FrameClock.h
     display/LineSource.h

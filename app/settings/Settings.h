@@ -19,6 +19,7 @@ struct Settings {
   std::optional<double> height;
   std::optional<double> width;
   bool autoscale = false;
+  double fade = 0; // points at the ends of the strip; 0 for none
   bool showsControlBar = true;
   bool pausesOnHover = true; // while the pointer rests on the strip
   FeedOptions feeds;

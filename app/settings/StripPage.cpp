@@ -42,7 +42,7 @@ double speedAt(int step) {
 StripPage::StripPage(QWidget* parent)
     : SettingsPage(parent), direction_(new QComboBox), speedSlider_(new QSlider(Qt::Horizontal)),
       speed_(new QDoubleSpinBox), position_(new QComboBox), screen_(new QComboBox),
-      height_(makeSideBox()), width_(makeSideBox()),
+      height_(makeSideBox()), width_(makeSideBox()), fade_(makeSideBox()),
       controlBar_(new QCheckBox(tr("Show &buttons while the pointer rests on the strip"))),
       pause_(new QCheckBox(tr("Pause while the pointer &rests on the strip"))),
       autostart_(new QCheckBox(tr("Start with the &session"))) {
@@ -70,6 +70,8 @@ StripPage::StripPage(QWidget* parent)
   form->addRow(tr("S&creen:"), screen_);
   form->addRow(tr("&Height:"), height_);
   form->addRow(tr("&Width:"), width_);
+  fade_->setSpecialValueText(tr("Off"));
+  form->addRow(tr("&Fade at the ends:"), fade_);
   form->addRow(controlBar_);
   form->addRow(pause_);
   form->addRow(autostart_);
@@ -94,6 +96,8 @@ StripPage::StripPage(QWidget* parent)
           [this] { choose(u"height"_s, {sideText(*height_)}); });
   connect(width_, &QDoubleSpinBox::valueChanged, this,
           [this] { choose(u"width"_s, {sideText(*width_)}); });
+  connect(fade_, &QDoubleSpinBox::valueChanged, this,
+          [this](double points) { choose(u"fade"_s, {textOfFade(points)}); });
   connect(controlBar_, &QCheckBox::toggled, this,
           [this](bool isOn) { choose(u"control-bar"_s, {switchText(isOn)}); });
   connect(pause_, &QCheckBox::toggled, this,
@@ -134,6 +138,7 @@ void StripPage::showSettings(const Settings& settings) {
   fillScreens(chosenScreen_);
   height_->setValue(settings.height.value_or(0));
   width_->setValue(settings.width.value_or(0));
+  fade_->setValue(settings.fade);
   controlBar_->setChecked(settings.showsControlBar);
   pause_->setChecked(settings.pausesOnHover);
   autostart_->setChecked(settings.startsWithSession);

@@ -39,6 +39,7 @@ class StripPage : public SettingsPage {
   QComboBox* screen_;
   QDoubleSpinBox* height_;
   QDoubleSpinBox* width_;
+  QDoubleSpinBox* fade_;
   QCheckBox* controlBar_;
   QCheckBox* pause_;
   QCheckBox* autostart_;

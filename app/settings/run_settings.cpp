@@ -37,6 +37,8 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
     strip.width = settings.width;
   if (isFree(u"autoscale"_s) && isFree(u"no-autoscale"_s))
     strip.autoscale = settings.autoscale;
+  if (isFree(u"fade"_s))
+    strip.fade = settings.fade;
   if (isFree(u"control-bar"_s) && isFree(u"no-control-bar"_s))
     options.showsControlBar = settings.showsControlBar;
   if (isFree(u"pause-on-hover"_s))

@@ -17,6 +17,7 @@ using Kind = SettingSpec::Kind;
 
 const QString Automatic = u"automatic"_s;
 const QString Primary = u"primary"_s;
+const QString Off = u"off"_s; // of a number, which is 0 then
 const QString AutostartName = u"autostart"_s;
 
 bool isAutomatic(const ParsedOption& option) {
@@ -113,6 +114,10 @@ std::vector<SettingSpec> makeTable() {
        u"Whether texts are scaled to the height of the strip (horizontal strips)."_s, Kind::Switch,
        [](Settings& s, Option o) { s.autoscale = isOnOf(o); },
        [](const Settings& s) { return valuesOf(s.autoscale); }},
+      {u"fade"_s, u"off|POINTS"_s,
+       u"Over how many points signs fade in and out at the ends of the strip."_s, Kind::Number,
+       [](Settings& s, Option o) { s.fade = fadeOf(o); },
+       [](const Settings& s) { return QStringList{textOfFade(s.fade)}; }},
       {u"control-bar"_s, u"on|off"_s,
        u"Whether buttons appear while the pointer rests on the strip."_s, Kind::Switch,
        [](Settings& s, Option o) { s.showsControlBar = isOnOf(o); },
@@ -151,7 +156,8 @@ std::vector<SettingSpec> makeTable() {
 
 // A value of the file as the command line would have it; nothing for one of another type.
 std::optional<QString> textOf(const SettingSpec& spec, const QJsonValue& value) {
-  if (value.isString() && (spec.kind == Kind::Text || value.toString() == Automatic))
+  if (value.isString() &&
+      (spec.kind == Kind::Text || value.toString() == Automatic || value.toString() == Off))
     return value.toString();
   if (value.isDouble() && spec.kind == Kind::Number)
     return textOfNumber(value.toDouble());

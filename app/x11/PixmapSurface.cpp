@@ -133,6 +133,7 @@ PixmapSurface::PixmapSurface(std::shared_ptr<XConnection> connection, xcb_window
 
 PixmapSurface::~PixmapSurface() {
   dropAll();
+  dropEnds();
   dropStrip();
   if (mask_ != XCB_NONE)
     xcb_render_free_picture(xcb(), mask_);
@@ -147,7 +148,7 @@ xcb_connection_t* PixmapSurface::xcb() const {
 }
 
 std::size_t PixmapSurface::pixmapCount() const {
-  return pictures_.size() + spares_.size() + (strip_ != XCB_NONE ? 1 : 0);
+  return pictures_.size() + spares_.size() + ends_.size() + (strip_ != XCB_NONE ? 1 : 0);
 }
 
 void PixmapSurface::await() {
@@ -156,7 +157,7 @@ void PixmapSurface::await() {
 }
 
 bool PixmapSurface::show(const StripFrame& frame, const QColor& background) {
-  const bool isLayered = arrange(frame);
+  const bool isLayered = arrange(frame) || frame.fade > 0;
   if (isLayered && !canLayer())
     return false;
   adopt(frame, background);
@@ -180,6 +181,7 @@ bool PixmapSurface::show(const StripFrame& frame, const QColor& background) {
     for (const Span& span : spans_)
       if (span.form == Form::Layered)
         layOver(span);
+    layEnds();
     xcb_copy_area(xcb(), strip_, window_, context_, 0, 0, 0, 0, side(size_.width()),
                   side(size_.height()));
   }
@@ -201,6 +203,8 @@ void PixmapSurface::adopt(const StripFrame& frame, const QColor& background) {
     dropStrip();
     size_ = frame.size;
   }
+  if (edges_.fit(frame, background))
+    dropEnds();
 }
 
 // Decides how each piece is shown. Whether any is laid over others.
@@ -278,6 +282,21 @@ void PixmapSurface::layOver(const Span& span) {
                        side(piece.source.width()), side(piece.source.height()));
 }
 
+void PixmapSurface::layEnds() {
+  for (std::size_t end = 0; end < EdgeFade::Ends; ++end) {
+    const QRect place = edges_.place(end);
+    if (place.isEmpty())
+      continue;
+    if (ends_.size() <= end) {
+      ends_.push_back(makePicture(Form::Layered, place.size()));
+      send(ends_.back(), edges_.cover(end), QRect(QPoint(0, 0), place.size()));
+    }
+    xcb_render_composite(xcb(), XCB_RENDER_PICT_OP_OVER, ends_[end].picture, XCB_NONE,
+                         stripPicture_, 0, 0, 0, 0, coordinate(place.x()), coordinate(place.y()),
+                         side(place.width()), side(place.height()));
+  }
+}
+
 void PixmapSurface::setMask(double opacity) {
   const int alpha = alphaOf(opacity);
   if (alpha == maskAlpha_ || alpha == 255)
@@ -310,25 +329,31 @@ const PixmapSurface::Picture& PixmapSurface::pictureOf(const Span& span) {
     picture = *spare;
     spares_.erase(spare);
   } else {
-    picture.form = span.form;
-    picture.size = size;
-    const bool isLayered = span.form == Form::Layered;
-    picture.pixmap = makePixmap(isLayered ? LayeredDepth : target_.depth, size);
-    if (isLayered) {
-      picture.picture = xcb_generate_id(xcb());
-      xcb_render_create_picture(xcb(), picture.picture, picture.pixmap, target_.layeredFormat, 0,
-                                nullptr);
-      if (layeredContext_ == XCB_NONE) {
-        layeredContext_ = xcb_generate_id(xcb());
-        xcb_create_gc(xcb(), layeredContext_, picture.pixmap, 0, nullptr);
-      }
-    }
+    picture = makePicture(span.form, size);
   }
   picture.serial = piece.serial;
   picture.lastFrame = frame_;
   send(picture, piece.picture, piece.source);
   pictures_.push_back(picture);
   return pictures_.back();
+}
+
+PixmapSurface::Picture PixmapSurface::makePicture(Form form, const QSize& size) {
+  Picture picture;
+  picture.form = form;
+  picture.size = size;
+  const bool isLayered = form == Form::Layered;
+  picture.pixmap = makePixmap(isLayered ? LayeredDepth : target_.depth, size);
+  if (!isLayered)
+    return picture;
+  picture.picture = xcb_generate_id(xcb());
+  xcb_render_create_picture(xcb(), picture.picture, picture.pixmap, target_.layeredFormat, 0,
+                            nullptr);
+  if (layeredContext_ == XCB_NONE) {
+    layeredContext_ = xcb_generate_id(xcb());
+    xcb_create_gc(xcb(), layeredContext_, picture.pixmap, 0, nullptr);
+  }
+  return picture;
 }
 
 xcb_pixmap_t PixmapSurface::makePixmap(std::uint8_t depth, const QSize& size) {
@@ -386,6 +411,12 @@ void PixmapSurface::dropAll() {
       drop(picture);
   pictures_.clear();
   spares_.clear();
+}
+
+void PixmapSurface::dropEnds() {
+  for (const Picture& picture : ends_)
+    drop(picture);
+  ends_.clear();
 }
 
 void PixmapSurface::dropStrip() {

@@ -1,6 +1,7 @@
 // The strip's pictures in the X server.
 #pragma once
 
+#include "app/display/EdgeFade.h"
 #include "app/display/StripFrame.h"
 
 #include <QtGui/QColor>
@@ -89,8 +90,11 @@ class PixmapSurface {
   void layOver(const Span& span);
   void setMask(double opacity);
   const Picture& pictureOf(const Span& span);
+  Picture makePicture(Form form, const QSize& size);
   xcb_pixmap_t makePixmap(std::uint8_t depth, const QSize& size);
   void send(const Picture& picture, const QImage& pixels, const QRect& source);
+  void layEnds();
+  void dropEnds();
   void dropUnused();
   void drop(const Picture& picture);
   void dropAll();
@@ -109,6 +113,8 @@ class PixmapSurface {
   QColor background_;
   std::vector<Picture> pictures_;
   std::vector<Picture> spares_;
+  EdgeFade edges_;
+  std::vector<Picture> ends_;      // what is laid over the ends, while they fade
   std::vector<Span> spans_;        // of the present frame, in the order of its pieces
   std::vector<std::size_t> order_; // of the spans along the strip
   std::vector<xcb_rectangle_t> gaps_;

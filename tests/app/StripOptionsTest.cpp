@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 #include "app/commands/strip_commands.h"
+#include "app/settings/Settings.h"
 
 #include <gtest/gtest.h>
 
@@ -284,4 +285,17 @@ TEST(StripOptions, RefuseClocksThatShowNoTime) {
   EXPECT_EQ(runFailure("--clock=%q"), "--clock %q: no time can be written by it (write it as "
                                       "\"%H:%M\"; an apostrophe in its text stands twice)");
   EXPECT_EQ(runFailure("--clock %H --clock %M"), "--clock: given twice");
+}
+
+TEST(StripOptions, LetTheEndsFadeOverSoManyPoints) {
+  EXPECT_EQ(readRunOptions(words("--text a")).strip.fade, 0);
+  EXPECT_EQ(readRunOptions(words("--text a --fade 25")).strip.fade, 25);
+  EXPECT_EQ(readRunOptions(words("--text a --fade")).strip.fade, 40);
+  EXPECT_EQ(readRunOptions(words("--fade --text a")).strip.fade, 40);
+  EXPECT_EQ(readRenderOptions(words("--text a --fade 12.5 --output a.png")).strip.fade, 12.5);
+  EXPECT_THROW(readRunOptions(words("--text a --fade wide")), UsageError);
+  Settings settings;
+  settings.fade = 30;
+  EXPECT_EQ(readRunOptionsOver(settings, words("--text a")).strip.fade, 30);
+  EXPECT_EQ(readRunOptionsOver(settings, words("--text a --fade off")).strip.fade, 0);
 }

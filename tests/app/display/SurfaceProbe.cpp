@@ -123,7 +123,7 @@ class Probe : public QObject {
     const double scale = lower_.devicePixelRatioF();
     const bool isDark = name == "dark"_L1;
     display_ = std::make_unique<TickerDisplay>();
-    setUp(*display_, lower_.size(), name != "vertical"_L1, scale);
+    setUp(*display_, lower_.size(), !name.startsWith("vertical"_L1), scale);
     if (isDark)
       display_->setDefaultTextColor(Color::deviceRGB(1, 1, 0.5));
     SignOrigin origin;
@@ -139,6 +139,8 @@ class Probe : public QObject {
         display_->addSign(sign, 0);
       }
     }
+    if (name == "ends"_L1 || name == "verticalends"_L1)
+      display_->setEdgeFade(name == "ends"_L1 ? 70 : 9);
     display_->advanceTo(seconds);
     StripFrame frame = display_->frame();
     if (name == "touching"_L1)

@@ -53,6 +53,7 @@ const std::vector<std::pair<QString, QStringList>> Chosen{
     {u"height"_s, {u"300"_s}},
     {u"width"_s, {u"200.5"_s}},
     {u"autoscale"_s, {u"on"_s}},
+    {u"fade"_s, {u"32"_s}},
     {u"control-bar"_s, {u"off"_s}},
     {u"pause-on-hover"_s, {u"off"_s}},
     {u"feeds"_s, {u"https://example.org/a"_s, u"file:///tmp/b.xml"_s}},
@@ -192,4 +193,16 @@ TEST(SettingTable, TakesTheRightElementsOfAList) {
                          u"file:///...)"_s}));
   EXPECT_EQ(settings.feeds.feeds,
             (std::vector<QUrl>{QUrl(u"https://a/"_s), QUrl(u"https://b/"_s)}));
+}
+
+TEST(SettingTable, HasNoFadeForOff) {
+  for (const QString& none : {u"off"_s, u"0"_s}) {
+    const Settings settings = withSetting(u"fade"_s, {none});
+    EXPECT_EQ(settings.fade, 0);
+    EXPECT_EQ(valuesOf(u"fade"_s, settings), QStringList{u"off"_s});
+  }
+  Settings settings = withSetting(u"fade"_s, {u"30"_s});
+  EXPECT_EQ(readSetting(settings, settingNamed(u"fade"_s), u"off"_s), QStringList());
+  EXPECT_EQ(settings.fade, 0);
+  EXPECT_EQ(failure(u"fade"_s, {u"long"_s}), "fade long: not a number");
 }
