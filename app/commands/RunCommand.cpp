@@ -12,6 +12,7 @@
 #include "app/settings/run_settings.h"
 #include "app/sight/SessionSight.h"
 #include "app/ticker/Ticker.h"
+#include "app/trace/StripTrace.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
@@ -30,6 +31,7 @@ constexpr double RenderedRate = 10;
 constexpr double PatienceSeconds = 5;
 constexpr QSizeF RenderedRoom(1280, 720);
 
+const QString TraceOption = u"--trace"_s;
 const QString NoBusMessage = u"no session bus: messages from other programs cannot be received"_s;
 } // namespace
 
@@ -50,8 +52,13 @@ int runCommand(const QStringList& arguments) {
   TickerService service(options.isSeparate ? std::nullopt : sessionBusAddress());
   const int standardInput = options.strip.readsStandardInput ? STDIN_FILENO : -1;
   const RunClaim claim = claimTicker(service, arguments, standardInput);
-  if (claim == RunClaim::IsHandedOver)
+  if (claim == RunClaim::IsHandedOver) {
+    if (!options.trace.isEmpty())
+      throw RunTimeError(TraceOption + u' ' + quotedForMessage(options.trace) +
+                         u": not written: a ticker that runs already shows this; --separate opens "
+                         u"a strip of its own"_s);
     return Success;
+  }
   if (claim == RunClaim::IsAlone) {
     requireSomethingToShow(options.strip, u"run"_s);
     if (!options.isSeparate && !isSessionBusSwitchedOff())
@@ -59,6 +66,11 @@ int runCommand(const QStringList& arguments) {
   }
   leaveOutUnknownFont(options);
   Ticker ticker(options);
+  std::optional<StripTrace> trace;
+  if (!options.trace.isEmpty()) {
+    trace.emplace(TraceOption, options.trace);
+    trace->follow(ticker.widget().player(), ticker.display());
+  }
   const SessionSight session(sessionBusAddress(), systemBusAddress());
   QObject::connect(&session, &SessionSight::changed, &ticker.widget().sight(),
                    &StripSight::setScreenInSight);
@@ -75,13 +87,16 @@ int runCommand(const QStringList& arguments) {
   QObject::connect(&interrupts, &Interrupts::interrupted, qApp, &QCoreApplication::quit);
   QCoreApplication::exec();
   service.setReceiver(nullptr);
-  return Success;
+  return !trace || trace->finish() ? Success : RunTimeFailure;
 }
 
 int runWithoutDisplay(const QStringList& arguments, const QString& reason) {
   const SettingsStore settings;
   RunOptions options = readRunOptionsOver(settings.settings(), arguments);
   requireSomethingToShow(options.strip, u"run"_s);
+  if (!options.trace.isEmpty())
+    throw RunTimeError(TraceOption + u' ' + quotedForMessage(options.trace) + u": not written: "_s +
+                       reason);
   leaveOutUnknownFont(options);
   Interrupts interrupts;
   QTemporaryDir folder;

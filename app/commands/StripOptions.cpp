@@ -215,6 +215,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
       options.opensWindow = false;
     else if (option.name == "separate"_L1)
       options.isSeparate = true;
+    else if (option.name == "trace"_L1)
+      options.trace = fileOf(option, option.values.first());
     else if (option.name == "watch"_L1)
       addFile(options.strip.files.watched, option);
     else

@@ -72,6 +72,7 @@ struct RunOptions {
   bool pausesOnHover = true; // while the pointer rests on the strip
   bool isSeparate = false;   // it is not the session's ticker, and hands nothing over to that
   bool opensWindow = true;   // the queue window, where there is nothing to show
+  QString trace;             // the file for it; empty for none
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 

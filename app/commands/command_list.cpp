@@ -13,6 +13,7 @@
 #include "app/commands/strip_commands.h"
 #include "app/queue/QueueCommand.h"
 #include "app/settings/SettingsCommand.h"
+#include "app/trace/TraceCommand.h"
 
 #include <algorithm>
 
@@ -34,6 +35,7 @@ constexpr Room Rooms[] = {
     feedCommands,
     watchCommands,
     queueCommands,
+    traceCommands,
     helpCommands,
 };
 // clang-format on

@@ -16,8 +16,7 @@ using namespace Qt::StringLiterals;
 
 namespace zq::app {
 
-namespace {
-std::unique_ptr<QFileDevice> fileAt(const QString& path) {
+std::unique_ptr<QFileDevice> outputFileAt(const QString& path) {
   const QFileInfo info(path);
   // A rename would put a plain file into the place of a device.
   if (info.exists() && !info.isFile() && !info.isDir())
@@ -25,13 +24,11 @@ std::unique_ptr<QFileDevice> fileAt(const QString& path) {
   return std::make_unique<QSaveFile>(path);
 }
 
-bool finish(QFileDevice& file) {
+bool finishOutputFile(QFileDevice& file) {
   if (auto* saved = dynamic_cast<QSaveFile*>(&file))
     return saved->commit();
   return file.flush();
 }
-} // namespace
-
 void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes) {
   writeOutputFiles(option, {{path, bytes}});
 }
@@ -45,13 +42,13 @@ void writeOutputFiles(const QString& option, const std::vector<OutputFile>& file
   };
   for (std::size_t i = 0; i < files.size(); ++i) {
     const OutputFile& file = files[i];
-    written.push_back(fileAt(file.path));
+    written.push_back(outputFileAt(file.path));
     require(written[i]->open(QIODevice::WriteOnly) &&
                 written[i]->write(file.bytes) == file.bytes.size() && written[i]->flush(),
             i);
   }
   for (std::size_t i = 0; i < files.size(); ++i)
-    require(finish(*written[i]), i);
+    require(finishOutputFile(*written[i]), i);
 }
 
 void writeStandardOutput(const QByteArray& bytes) {

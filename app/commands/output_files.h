@@ -4,7 +4,10 @@
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 
+#include <memory>
 #include <vector>
+
+class QFileDevice;
 
 namespace zq::app {
 
@@ -19,6 +22,12 @@ struct OutputFile {
   QByteArray bytes;
 };
 void writeOutputFiles(const QString& option, const std::vector<OutputFile>& files);
+
+// The same in steps, for what grows: the file that is written in the place of `path` once it is
+// opened, and its end, which puts it there; false, with the file's error, where that fails. Without
+// an end nothing has happened to what stood there.
+std::unique_ptr<QFileDevice> outputFileAt(const QString& path);
+bool finishOutputFile(QFileDevice& file);
 
 // Writes `bytes` to standard output and flushes it. RunTimeError where that fails.
 void writeStandardOutput(const QByteArray& bytes);

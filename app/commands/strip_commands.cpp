@@ -173,6 +173,11 @@ OptionTable makeRunTable() {
                            {},
                            u"Open no window where there is nothing to show, neither here nor in "
                            u"the settings; the queue window opens otherwise."_s});
+  table.options.push_back(
+      {u"trace"_s,
+       {u"FILE"_s},
+       u"Write the time and the offset of every frame to a file, for zqticker trace check. It is "
+       u"there once the program has ended."_s});
   table.options.push_back({u"help"_s, {}, u"Print this text."_s});
   table.notes = {
       StandardInputNote,

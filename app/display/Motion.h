@@ -31,6 +31,9 @@ class Motion {
   // The travel at the end of the glide that is under way at `time`; without one travelAt(time).
   double goalAt(double time) const { return isGlidingAt(time) ? travelThen_ : travelAt(time); }
 
+  // Whether both are the same function of time, with the same past.
+  bool operator==(const Motion&) const = default;
+
  private:
   double speed_ = 0;
   // Travel grows at the speed from here on.

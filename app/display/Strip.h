@@ -86,6 +86,9 @@ class Strip {
   // The time to which the strip has advanced, and its travel then.
   double time() const { return now_; }
   double travel() const { return motion_.travelAt(now_); }
+  // The motion as it was changed last, and whether it is on the way of a glide.
+  const Motion& motion() const { return motion_; }
+  bool isGliding() const { return motion_.isGlidingAt(now_); }
   // What is on the strip, in the order of entering; after a step back also what enters again.
   const std::deque<Run>& runs() const { return runs_; }
   // Gives the runs new lengths, read by `lengthOf`; gaps and the oldest run's place stay. Those

@@ -83,20 +83,34 @@ void StripPlayer::wake() {
 
 void StripPlayer::playFrame(double time) {
   const double gap = time - frame_;
-  PlayedFrame played{time, clock_.blank(), isFirstFrame_, gap > longestGap()};
+  const PlayedFrame played{time, 0, clock_.blank(), true, isFirstFrame_, gap > longestGap()};
   if (played.lostTime)
     lost_ += gap - clock_.period();
   frame_ = time;
   isFirstFrame_ = false;
-  advance(time);
-  if (observer_)
-    observer_->framePlayed(played);
+  show(time);
+  observe(played);
+  schedule();
 }
 
 void StripPlayer::advance(double clockTime) {
-  if (display_.advanceTo(clockTime - lost_))
-    Q_EMIT frameDue();
+  if (show(clockTime))
+    observe({clockTime, 0, clock_.blank()});
   schedule();
+}
+
+bool StripPlayer::show(double clockTime) {
+  const bool isDue = display_.advanceTo(clockTime - lost_);
+  if (isDue)
+    Q_EMIT frameDue();
+  return isDue;
+}
+
+void StripPlayer::observe(PlayedFrame frame) {
+  if (!observer_)
+    return;
+  frame.drawn = now_();
+  observer_->framePlayed(frame);
 }
 
 void StripPlayer::schedule() {

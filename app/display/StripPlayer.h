@@ -9,15 +9,17 @@
 
 namespace zq::app {
 
-// A frame of a strip, as it was moved to and shown.
+// A frame of a strip, as it was moved to and shown. Times are seconds on the monotonic clock.
 struct PlayedFrame {
-  double time = 0;         // seconds on the monotonic clock: when it was expected on the screen
-  std::uint64_t blank = 0; // the source's count of that blank, see FrameClock
+  double time = 0;         // when it was expected on the screen
+  double drawn = 0;        // when it had been drawn
+  std::uint64_t blank = 0; // the source's count of the blank at that time, see FrameClock
+  bool isTick = false;     // it was due to the motion, and not to a change
   bool isFirst = false;    // nothing moved before
   bool lostTime = false;   // the process was kept from running before it; that time is left out
 };
 
-// Sees every frame that is due to a strip's motion, also one that looks as the one before.
+// Sees every frame that is due, also one that looks as the one before.
 class FrameObserver {
  public:
   virtual ~FrameObserver() = default;
@@ -75,6 +77,8 @@ class StripPlayer : public QObject {
   void playFrame(double time);
   void wake();
   void advance(double clockTime);
+  bool show(double clockTime);
+  void observe(PlayedFrame frame);
   void schedule();
   double longestGap() const;
 

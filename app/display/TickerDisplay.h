@@ -183,6 +183,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void prepareAhead() { tiles_.prepare(frame_, strip_.runs()); }
   // The frame of that time; the same until the next advance.
   const StripFrame& frame() const { return frame_; }
+  // The travel in the frame, in whole device pixels.
+  qint64 frameOffset() const { return frameOffset_; }
 
   bool isMoving() const { return strip_.isMoving(); }
   bool isFinished() const { return strip_.isFinished(); }

@@ -1,1 +1,4 @@
-set(app_trace_SOURCES)
+set(app_trace_SOURCES
+    TraceProgramTest.cpp
+    TraceReaderTest.cpp
+    TraceReportTest.cpp)
