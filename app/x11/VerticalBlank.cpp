@@ -5,8 +5,6 @@
 
 #include <xcb/present.h>
 
-#include <cmath>
-
 namespace zq::app {
 
 namespace {
@@ -47,6 +45,7 @@ VerticalBlank::~VerticalBlank() {
 void VerticalBlank::request(quint64 count) {
   select(true);
   isAwaited_ = true;
+  askedAt_ = FrameClock::now();
   // "A multiple of one" is the next one, where `count` is past.
   xcb_present_notify_msc(connection_->get(), window_, ++serial_, count, 1, 0);
   connection_->flush();
@@ -84,7 +83,9 @@ void VerticalBlank::receive(const xcb_generic_event_t* event) {
   isAwaited_ = false;
   const double now = FrameClock::now();
   const double told = static_cast<double>(report->ust) * Microsecond;
-  Q_EMIT blank(report->msc, std::abs(told - now) <= MostDifference ? told : now);
+  // It may have been read long after it was sent.
+  const bool isOurClock = told >= askedAt_ - MostDifference && told <= now + MostDifference;
+  Q_EMIT blank(report->msc, isOurClock ? told : now);
 }
 
 } // namespace zq::app

@@ -41,6 +41,7 @@ class VerticalBlank : public BlankSource {
   std::uint32_t eventId_ = 0; // of what is selected; 0 for nothing
   std::uint32_t serial_ = 0;  // of the request whose report is awaited
   bool isAwaited_ = false;
+  double askedAt_ = 0; // on the monotonic clock
 };
 
 } // namespace zq::app

@@ -47,6 +47,8 @@ class PlayedStrip : public FrameObserver {
   }
 
   void framePlayed(const PlayedFrame& frame) override {
+    if (!frame.isTick)
+      return;
     const qint64 pixel = pixelOf(display);
     if (!frames.empty())
       steps.push_back(pixel - last_);

@@ -138,37 +138,6 @@ TEST_F(TraceOnScreen, GoesOnWhereItStoodAfterTheProgramWasStopped) {
   EXPECT_EQ(check(), u""_s);
 }
 
-TEST_F(TraceOnScreen, MakesNoFramesWhileTheWindowIsAway) {
-  if (!XServer::hasProgram(u"xdotool"_s))
-    GTEST_SKIP() << "xdotool is not installed";
-  const auto tell = [&](const QString& what) {
-    QProcess tool;
-    tool.setProcessEnvironment(server_->environment());
-    tool.start(u"xdotool"_s, {u"search"_s, u"--name"_s, u"^zqticker$"_s, what});
-    ASSERT_TRUE(tool.waitForFinished());
-  };
-  start({u"--speed"_s, u"60"_s});
-  waitForBlanks(ManyBlanks);
-  tell(u"windowunmap"_s);
-  ASSERT_TRUE(
-      waitUntil([&] { return (server_->screenshot().pixel(2, 398) & 0xffffff) != 0x123456; }));
-  waitForBlanks(10); // that it hears of it
-  const std::uint64_t away = blank();
-  waitForBlanks(ManyBlanks);
-  const std::uint64_t back = blank();
-  tell(u"windowmap"_s);
-  ASSERT_TRUE(
-      waitUntil([&] { return (server_->screenshot().pixel(2, 398) & 0xffffff) == 0x123456; }));
-  waitForBlanks(ManyBlanks);
-  stop();
-  const std::vector<TraceRow> all = rows();
-  const auto after =
-      std::find_if(all.begin(), all.end(), [&](const TraceRow& row) { return row.blank > away; });
-  ASSERT_TRUE(after != all.end() && after != all.begin());
-  EXPECT_GE(after->blank, back) << "none between";
-  EXPECT_EQ(check(), u""_s);
-}
-
 TEST_F(TraceOnScreen, IsRefusedWhereItsFolderIsMissing) {
   const QString missing = folder_.filePath(u"no/trace.csv"_s);
   const Outcome outcome =

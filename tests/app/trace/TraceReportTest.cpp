@@ -56,7 +56,7 @@ class Frames {
 void expectFaultless(Frames& frames) {
   frames.report.finish();
   EXPECT_EQ(frames.report.fault(), QString());
-  EXPECT_LE(frames.report.positionError(), 0.5);
+  EXPECT_LE(frames.report.positionError(), 0.5 + 1e-6);
   EXPECT_EQ(frames.report.doubledSteps(), 0u);
   EXPECT_EQ(frames.report.missingSteps(), 0u);
 }
