@@ -2,11 +2,13 @@
 //
 //   StripFrame            the display moves on by 1/60 s and its frame is painted
 //   StripFramePlain       the same finished pictures at the same places, with plain QPainter calls
+//   StripFrameAfresh      the same texts at the same places, laid out and drawn anew in every frame
 //   StripFrameLongQueue   StripFrame with 100,000 more signs waiting
 //   StripFrameUnchanged   the display moves on by less than a pixel; nothing is painted
 #include "app/display/TickerDisplay.h"
 #include "benchmarks/ratio_main.h"
 #include "zqticker/platform/graphics/Font.h"
+#include "zqticker/platform/graphics/GraphicsContext.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <QtGui/QPainter>
@@ -97,6 +99,25 @@ void StripFramePlain(benchmark::State& state) {
 }
 BENCHMARK(StripFramePlain);
 
+void StripFrameAfresh(benchmark::State& state) {
+  FullStrip strip(0);
+  QImage canvas(StripSize, QImage::Format_RGB32);
+  QPainter painter(&canvas);
+  const auto pieces = strip.display.frame().pieces;
+  double travel = 0;
+  for (auto _ : state) {
+    travel += Speed * FrameSeconds;
+    const int shift = int(std::lround(travel)) % (StripSize.width() / SignsInSight);
+    painter.fillRect(QRect(QPoint(0, 0), StripSize), Qt::white);
+    GraphicsContext context(&painter, StripSize);
+    for (std::size_t i = 0; i < pieces.size(); ++i)
+      strip.display.makeTextSign(QStringLiteral("Signal %1").arg(100 + i))
+          ->drawAtPoint(QPointF(pieces[i].target.x() - shift, 0));
+  }
+  state.counters["in_sight"] = double(pieces.size());
+}
+BENCHMARK(StripFrameAfresh);
+
 void StripFrameUnchanged(benchmark::State& state) {
   FullStrip strip(0);
   std::int64_t painted = 0;
@@ -113,5 +134,7 @@ BENCHMARK(StripFrameUnchanged);
 
 int main(int argc, char** argv) {
   return runBenchmarks(argc, argv,
-                       {{"StripFrame", "StripFramePlain"}, {"StripFrameLongQueue", "StripFrame"}});
+                       {{"StripFrame", "StripFramePlain"},
+                        {"StripFrame", "StripFrameAfresh"},
+                        {"StripFrameLongQueue", "StripFrame"}});
 }
