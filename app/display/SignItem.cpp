@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 namespace zq::app {
 
@@ -19,23 +20,6 @@ Q_LOGGING_CATEGORY(signLog, "zqticker.display")
 
 const SignOrigin NoOrigin;
 
-// The text with the attribute changed; null where nothing has it.
-Ref<AttributedString> withAttribute(const Ref<AttributedString>& text, const QString& name,
-                                    const Ref<Object>& before, const Ref<Object>& after) {
-  Ref<MutableAttributedString> changed;
-  for (const AttributedString::Run& run : text->runs()) {
-    if (objectOf<Object>(run.attributes.value(name)) != before)
-      continue;
-    if (!changed)
-      changed = text->mutableCopy();
-    if (after)
-      changed->addAttribute(name, any(after), run.range);
-    else
-      changed->removeAttribute(name, run.range);
-  }
-  return changed;
-}
-
 bool isEmpty(const SignOrigin& origin) {
   return origin.senderIdentifier.isEmpty() && origin.senderName.isEmpty() && origin.priority == 0 &&
          !origin.fades && !origin.actionData.isValid();
@@ -44,12 +28,13 @@ bool isEmpty(const SignOrigin& origin) {
 
 SignItem::SignItem(TickerDisplay& display, Ref<ZQTickerSign> sign, SignOrigin origin)
     : display_(display), sign_(std::move(sign)),
-      origin_(isEmpty(origin) ? nullptr : std::make_unique<const SignOrigin>(std::move(origin))) {}
+      origin_(isEmpty(origin) ? nullptr : std::make_unique<const SignOrigin>(std::move(origin))),
+      knownStyles_(display.styleChanges().count()) {}
 
 SignItem::SignItem(TickerDisplay& display, QString line, LoopRule rule,
                    std::shared_ptr<const LineSource> source)
     : display_(display), line_(std::move(line)), lineRule_(rule), lineSource_(std::move(source)),
-      isLine_(true) {}
+      isLine_(true), knownStyles_(display.styleChanges().count()) {}
 
 SignItem::~SignItem() = default;
 
@@ -67,7 +52,8 @@ double SignItem::enter() {
   // Called while the clock ticks: what a sign raises ends here, and the sign is left out.
   try {
     if (!sign_)
-      sign_ = display_.makeTextSign(line_, lineSource_.get());
+      makeSign();
+    followStyle();
     return place();
   } catch (const std::exception& exception) {
     qCWarning(signLog, "a sign cannot be shown: %s", exception.what());
@@ -80,6 +66,12 @@ double SignItem::gap(double length) const {
   return std::max(length - placement_.length, 0.0);
 }
 
+// Of a line, in what is the default now.
+void SignItem::makeSign() {
+  sign_ = display_.makeTextSign(line_, lineSource_.get());
+  knownStyles_ = display_.styleChanges().count();
+}
+
 double SignItem::place() {
   placement_ = placeSign(*sign_, display_.shape());
   return placement_.lengthWithGap();
@@ -90,28 +82,30 @@ bool SignItem::changeText(const QString& text) {
   if (!textSign || isLine_)
     return false;
   textSign->setText(display_.styledText(text));
+  knownStyles_ = display_.styleChanges().count();
   place();
   return true;
 }
 
-void SignItem::replaceAttribute(const QString& name, const Ref<Object>& before,
-                                const Ref<Object>& after) {
-  if (!before || before == after)
+void SignItem::followStyle() {
+  const StyleChanges& changes = display_.styleChanges();
+  const std::uint64_t known = std::exchange(knownStyles_, changes.count());
+  if (known == knownStyles_)
     return;
   if (auto* textSign = dynamic_cast<ZQTextTickerSign*>(sign_.get())) {
-    if (textSign->text())
-      if (const auto text = withAttribute(textSign->text(), name, before, after))
-        textSign->setText(text);
+    if (const auto text = changes.applied(textSign->text(), known))
+      textSign->setText(text);
   } else if (auto* combo = dynamic_cast<ZQComboTickerSign*>(sign_.get())) {
-    if (const auto styled = objectOf<AttributedString>(combo->text()))
-      if (const auto text = withAttribute(styled, name, before, after))
-        combo->setText(any(text));
+    if (const auto text = changes.applied(objectOf<AttributedString>(combo->text()), known))
+      combo->setText(any(text));
   }
 }
 
 void SignItem::leave() {
   if (isLine_)
     sign_.reset();
+  else if (auto* text = dynamic_cast<ZQTextTickerSign*>(sign_.get()))
+    text->releaseBuffer();
 }
 
 void SignItem::setQueued(bool isQueued) {

@@ -8,6 +8,7 @@
 
 #include <QtCore/QString>
 
+#include <cstdint>
 #include <memory>
 
 class ZQTickerSign;
@@ -35,10 +36,8 @@ class SignItem : public StripItem {
   // another sign and for a line.
   bool changeText(const QString& text);
 
-  // Lets those parts of the sign's text whose attribute `name` is the very object `before` have
-  // `after` instead; null for none.
-  void replaceAttribute(const QString& name, const platform::Ref<platform::Object>& before,
-                        const platform::Ref<platform::Object>& after);
+  // Lets the sign's text follow the defaults of the display, where they have changed.
+  void followStyle();
 
   // Null for a line that is not on the strip.
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
@@ -48,6 +47,7 @@ class SignItem : public StripItem {
   QString text() const;
 
  private:
+  void makeSign();
   double place();
 
   TickerDisplay& display_;
@@ -58,6 +58,7 @@ class SignItem : public StripItem {
   std::shared_ptr<const LineSource> lineSource_; // null for none
   bool isLine_ = false;
   SignPlacement placement_;
+  std::uint64_t knownStyles_; // the style changes that the text has taken on
 };
 
 } // namespace zq::app

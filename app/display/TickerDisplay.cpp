@@ -140,12 +140,14 @@ void TickerDisplay::setDefaultTextColor(Ref<Color> color) {
   markForLayout();
 }
 
-// Texts that were given a default of this display follow it.
+// Texts that were given a default of this display follow it: when they enter, at the latest.
 void TickerDisplay::restyle(const QString& attribute, const Ref<Object>& before,
                             const Ref<Object>& after) {
-  strip_.forEachItem([&](StripItem& item) {
-    static_cast<SignItem&>(item).replaceAttribute(attribute, before, after);
-  });
+  styleChanges_.add(attribute, before, after);
+  if (!styleChanges_.isFull())
+    return;
+  strip_.forEachItem([](StripItem& item) { static_cast<SignItem&>(item).followStyle(); });
+  styleChanges_.forget();
 }
 
 void TickerDisplay::setShouldAutoscale(bool autoscale) {
@@ -294,7 +296,8 @@ std::vector<QueuedSign> TickerDisplay::queuedSigns(double time) {
   std::vector<QueuedSign> signs;
   signs.reserve(strip_.runs().size() + strip_.queue().size());
   const auto add = [&](const Entry& entry) {
-    const auto& item = static_cast<const SignItem&>(*entry->item);
+    auto& item = static_cast<SignItem&>(*entry->item);
+    item.followStyle();
     signs.push_back({entry, item.sign(), item.text(), item.origin(), loopsLeft(*entry),
                      entry->onStrip > 0, entry->isWaiting()});
   };
@@ -366,16 +369,24 @@ void TickerDisplay::addLine(const QString& line, double time, const LoopRule& ru
                                  static_cast<std::size_t>(line.size()));
 }
 
-Ref<AttributedString> TickerDisplay::styledText(const QString& text,
-                                                const LineSource* source) const {
+const Attributes& TickerDisplay::attributesFor(const LineSource* source) const {
   const Ref<Font>& font = source && source->font ? source->font : font_;
   const Ref<Color>& color = source && source->color ? source->color : color_;
-  Attributes attributes;
-  if (font)
-    attributes.insert(FontAttributeName, any(font));
-  if (color)
-    attributes.insert(ForegroundColorAttributeName, any(color));
-  return AttributedString::make(text, attributes);
+  if (font != attributesFont_ || color != attributesColor_) {
+    attributesFont_ = font;
+    attributesColor_ = color;
+    attributes_.clear();
+    if (font)
+      attributes_.insert(FontAttributeName, any(font));
+    if (color)
+      attributes_.insert(ForegroundColorAttributeName, any(color));
+  }
+  return attributes_;
+}
+
+Ref<AttributedString> TickerDisplay::styledText(const QString& text,
+                                                const LineSource* source) const {
+  return AttributedString::make(text, attributesFor(source));
 }
 
 Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text, const LineSource* source) {

@@ -9,7 +9,9 @@
 #include "app/display/Strip.h"
 #include "app/display/StripFrame.h"
 #include "app/display/StripTiles.h"
+#include "app/display/StyleChanges.h"
 #include "app/display/sign_placement.h"
+#include "zqticker/platform/text/text_attributes.h"
 #include "zqticker/signs/ZQTickerDisplayProtocol.h"
 
 #include <QtCore/QHash>
@@ -77,7 +79,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // the change.
   void setSize(QSizeF points, double time);
   void setDirection(ScrollDirection direction, double time);
-  // Texts in the very font or colour that was the default before take the new one.
+  // Texts in the very font or colour that was the default before take the new one, those that wait
+  // when they are asked for or enter.
   void setDefaultFont(platform::Ref<platform::Font> font);
   void setDefaultTextColor(platform::Ref<platform::Color> color);
   void setShouldAutoscale(bool autoscale);
@@ -190,6 +193,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool isFinished() const { return strip_.isFinished(); }
   double nextEntryTime() { return strip_.nextEntryTime(); }
   const Strip& strip() const { return strip_; }
+  const StyleChanges& styleChanges() const { return styleChanges_; }
   const StripTiles& tiles() const { return tiles_; }
 
  private:
@@ -204,6 +208,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void forget(const Entry& entry);
   Entry replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
   void countSign(const QString& sender, bool isQueued);
+  const platform::Attributes& attributesFor(const LineSource* source) const;
   void markForLayout();
   void restyle(const QString& attribute, const platform::Ref<platform::Object>& before,
                const platform::Ref<platform::Object>& after);
@@ -214,11 +219,16 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   ScrollDirection direction_ = ScrollDirection::Left;
   platform::Ref<platform::Font> font_;
   platform::Ref<platform::Color> color_;
+  // Of the texts that were styled last: the texts share them.
+  mutable platform::Attributes attributes_;
+  mutable platform::Ref<platform::Font> attributesFont_;
+  mutable platform::Ref<platform::Color> attributesColor_;
   bool autoscale_ = false;
   double scale_ = 1;
   double edgeFade_ = 0;
   std::optional<double> pausedSpeed_;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
+  StyleChanges styleChanges_;
   SenderCounts senders_;
   Strip strip_;
   // Entries that wait or are on the strip, and some that have gone.

@@ -37,6 +37,8 @@ set(display_SOURCES
     display/StripTiles.h
     display/StripWidget.cpp
     display/StripWidget.h
+    display/StyleChanges.cpp
+    display/StyleChanges.h
     display/TickerDisplay.cpp
     display/TickerDisplay.h
     display/sign_placement.cpp

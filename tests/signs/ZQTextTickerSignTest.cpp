@@ -2,6 +2,7 @@
 
 #include "tests/signs/SignTestSupport.h"
 #include "zqticker/platform/archiving/PortCoder.h"
+#include "zqticker/platform/text/TextAttachment.h"
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
@@ -263,4 +264,88 @@ TEST(TextTickerSignPortCoder, TravelsByValueWhenTheMessageIsByCopy) {
   PortCoder byReference(PortCoder::Passing::ByReference);
   EXPECT_EQ(sign->replacementObjectForPortCoder(byCopy), sign);
   EXPECT_NE(sign->replacementObjectForPortCoder(byReference), sign);
+}
+
+// What the buffer shows, at two pixels a point.
+static QImage pixelsOf(const Ref<ZQTextTickerSign>& sign) {
+  return sign->image()->rasterised(2);
+}
+
+TEST(TextTickerSignBuffer, IsTheSameWhenItHasBeenReleased) {
+  TestDisplay display;
+  display.theTextOffset = 3;
+  const auto sign = ZQTextTickerSign::make(styled(u"released"_s, 20));
+  sign->setDisplay(&display);
+  sign->updateBuffer();
+  const Ref<Image> buffer = sign->image();
+  const QSizeF size = sign->size();
+  const QImage pixels = pixelsOf(sign);
+  display.theTextOffset = 9;
+  sign->releaseBuffer();
+  EXPECT_EQ(sign->size(), size);
+  EXPECT_NE(sign->image(), buffer);
+  EXPECT_EQ(pixelsOf(sign), pixels) << "at the offset of the moment in which it was rendered";
+  EXPECT_TRUE(sign->image()->isEqual(*buffer));
+}
+
+TEST(TextTickerSignBuffer, ShowsTheOffsetOfTheMomentAlsoWhereItIsAskedForLater) {
+  TestDisplay display;
+  const auto sign = ZQTextTickerSign::make(styled(u"HHH"_s, 40));
+  sign->setDisplay(&display);
+  display.theTextOffset = 5;
+  sign->updateBuffer();
+  display.theTextOffset = 0;
+  const auto other = ZQTextTickerSign::make(styled(u"HHH"_s, 40));
+  EXPECT_EQ(lowestInk(sign->image(), 1), lowestInk(other->image(), 1) + 5);
+}
+
+TEST(TextTickerSignBuffer, StaysWhereItWouldNotBeMadeAgain) {
+  // A picture that was set, or drawn over, is not the text's rendering.
+  const auto sign = ZQTextTickerSign::make(styled(u"replaced"_s, 20));
+  const auto set = solidImage(3, 3);
+  sign->setImage(set);
+  sign->releaseBuffer();
+  EXPECT_EQ(sign->image(), set);
+
+  const auto drawnOver = ZQTextTickerSign::make(styled(u"drawn over"_s, 20));
+  const auto buffer = drawnOver->image();
+  {
+    const ImageFocus focus(*buffer);
+    solidImage(3, 3)->dissolveToPoint(QPointF(), 1);
+  }
+  drawnOver->releaseBuffer();
+  EXPECT_EQ(drawnOver->image(), buffer);
+
+  // A text that has changed since.
+  const auto text = MutableAttributedString::make(u"before"_s);
+  const auto changing = ZQTextTickerSign::make(text);
+  const QSizeF size = changing->size();
+  const QImage pixels = pixelsOf(changing);
+  text->replaceCharactersInRange({0, 6}, u"after, and longer"_s);
+  changing->releaseBuffer();
+  EXPECT_EQ(changing->size(), size);
+  EXPECT_EQ(pixelsOf(changing), pixels);
+}
+
+TEST(TextTickerSignBuffer, ShowsAMutableTextAsItWasWhenItWasSet) {
+  const auto text = MutableAttributedString::make(u"before"_s);
+  const auto sign = ZQTextTickerSign::make(text);
+  text->replaceCharactersInRange({0, 6}, u"after, and longer"_s);
+  EXPECT_EQ(sign->size(), ZQTextTickerSign::make(u"before"_s)->size());
+}
+
+TEST(TextTickerSignBuffer, ShowsAnAttachmentAsItWasWhenTheTextWasSet) {
+  const auto attachment = TextAttachment::make(solidImage(20, 10));
+  const auto sign =
+      ZQTextTickerSign::make(AttributedString::attributedStringWithAttachment(attachment));
+  attachment->attachmentCell()->image()->setSize(QSizeF(40, 20));
+  EXPECT_EQ(sign->text()->size().width(), 20);
+}
+
+TEST(TextTickerSignBuffer, OfACopyIsTheOneThatTheSourceHad) {
+  const auto sign = ZQTextTickerSign::make(styled(u"copied"_s, 20));
+  const auto copy = copyOf(sign);
+  copy->releaseBuffer();
+  sign->releaseBuffer();
+  EXPECT_EQ(pixelsOf(copy), pixelsOf(sign));
 }

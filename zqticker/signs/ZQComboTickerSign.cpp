@@ -98,7 +98,9 @@ void ZQComboTickerSign::calculateLayout() {
     }
     input.textSize = objectOf<AttributedString>(text_)->size();
   } else {
-    input.textSize = sizeWithAttributes(text_.toString(), attributesOfPlainText(usedFont, nullptr));
+    // In its colour, though that takes no room: the drawing then finds this layout.
+    input.textSize =
+        sizeWithAttributes(text_.toString(), attributesOfPlainText(usedFont, textColor()));
   }
 
   const ComboLayout layout = layoutCombo(input);
@@ -111,6 +113,15 @@ void ZQComboTickerSign::calculateLayout() {
 QSizeF ZQComboTickerSign::size() const {
   layoutIfNeeded();
   return ZQTickerSign::size();
+}
+
+bool ZQComboTickerSign::measureUntil(const QDeadlineTimer& deadline) const {
+  const Ref<AttributedString> attributed = objectOf<AttributedString>(text_);
+  if (!attributed)
+    return zq::platform::measureUntil(text_.toString(), attributesOfPlainText(font(), textColor()),
+                                      deadline);
+  // One that is scaled is measured in other fonts.
+  return (display() && display()->shouldAutoscale()) || attributed->measureUntil(deadline);
 }
 
 void ZQComboTickerSign::drawAtPoint(QPointF point) {

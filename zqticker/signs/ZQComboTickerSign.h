@@ -71,6 +71,7 @@ class ZQTICKER_EXPORT ZQComboTickerSign : public ZQTickerSign {
   void calculateLayout();
 
   QSizeF size() const override;
+  bool measureUntil(const QDeadlineTimer& deadline) const override;
   void drawAtPoint(QPointF point) override;
 
   // "<ClassName: 0xaddress> characters of the text".

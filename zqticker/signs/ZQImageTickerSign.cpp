@@ -20,13 +20,28 @@ ZQImageTickerSign::ZQImageTickerSign(Ref<Image> image) {
 ZQImageTickerSign::ZQImageTickerSign(const ZQImageTickerSign&) = default;
 ZQImageTickerSign::~ZQImageTickerSign() = default;
 
+void ZQImageTickerSign::letImageBeDue() {
+  image_ = nullptr;
+  imageIsDue_ = true;
+}
+
+Ref<Image> ZQImageTickerSign::makeImage() const {
+  return nullptr;
+}
+
+void ZQImageTickerSign::makeDueImage() const {
+  // Where that raises it stays due.
+  image_ = makeImage();
+  imageIsDue_ = false;
+}
+
 QSizeF ZQImageTickerSign::size() const {
-  return image_ ? image_->size() : QSizeF(0, 0);
+  return image() ? image()->size() : QSizeF(0, 0);
 }
 
 void ZQImageTickerSign::drawAtPoint(QPointF point) {
-  if (image_)
-    image_->dissolveToPoint(point, 1.0);
+  if (image())
+    image()->dissolveToPoint(point, 1.0);
 }
 
 QString ZQImageTickerSign::description() const {
@@ -38,9 +53,10 @@ Ref<ZQTickerSign> ZQImageTickerSign::memberwiseCopy() const {
 }
 
 Ref<Object> ZQImageTickerSign::copy() {
+  const Ref<Image> shared = image();
   const Ref<Object> duplicate = ZQTickerSign::copy();
   // Deliberately the source gets the fresh picture: whoever holds the old one keeps the copy.
-  setImage(copyOf(image_));
+  setImage(copyOf(shared));
   return duplicate;
 }
 
@@ -52,7 +68,7 @@ constexpr char TextRepresentationKey[] = "ZQTextRepresentation";
 void ZQImageTickerSign::encodeWithCoder(Coder& coder) {
   ZQ_REQUIRE_KEYED_CODING(coder);
   ZQTickerSign::encodeWithCoder(coder);
-  encodePicture(coder, image_, ImageKey);
+  encodePicture(coder, image(), ImageKey);
   coder.encodeObject(textRepresentation_, TextRepresentationKey);
 }
 

@@ -26,8 +26,15 @@ class ZQTICKER_EXPORT ZQImageTickerSign : public ZQTickerSign {
   }
 
   // The picture, shared with whoever set it; null for none.
-  const zq::platform::Ref<zq::platform::Image>& image() const { return image_; }
-  void setImage(zq::platform::Ref<zq::platform::Image> image) { image_ = std::move(image); }
+  const zq::platform::Ref<zq::platform::Image>& image() const {
+    if (imageIsDue_)
+      makeDueImage();
+    return image_;
+  }
+  void setImage(zq::platform::Ref<zq::platform::Image> image) {
+    imageIsDue_ = false;
+    image_ = std::move(image);
+  }
 
   // What the picture says, in words; nothing by default.
   const std::optional<QString>& textRepresentation() const { return textRepresentation_; }
@@ -55,7 +62,15 @@ class ZQTICKER_EXPORT ZQImageTickerSign : public ZQTickerSign {
   ZQImageTickerSign(const ZQImageTickerSign&);
   zq::platform::Ref<ZQTickerSign> memberwiseCopy() const override;
 
+  // Lets the picture be what makeImage gives when it is first asked for.
+  void letImageBeDue();
+  // A picture for letImageBeDue; none by default.
+  virtual zq::platform::Ref<zq::platform::Image> makeImage() const;
+
  private:
-  zq::platform::Ref<zq::platform::Image> image_;
+  void makeDueImage() const;
+
+  mutable zq::platform::Ref<zq::platform::Image> image_;
+  mutable bool imageIsDue_ = false;
   std::optional<QString> textRepresentation_;
 };

@@ -29,16 +29,42 @@ void ZQTextTickerSign::setText(Ref<AttributedString> text) {
 }
 
 void ZQTextTickerSign::updateBuffer() {
+  const ZQTickerDisplayProtocol* shownOn = text_ ? display() : nullptr;
+  bufferOffset_ = shownOn ? shownOn->textOffset() : 0;
+  rendering_.reset();
+  letImageBeDue();
+  // A text that may change is rendered as it is now; any other when the buffer is first asked for,
+  // so that a sign in a long queue takes no layout.
+  if (!text_ || !text_->isSettled())
+    image();
+}
+
+Ref<Image> ZQTextTickerSign::makeImage() const {
   const QSizeF measured = text_ ? text_->size() : QSizeF(0, 0);
   // The extra width of one line's height is the gap between this text and the next sign.
   const Ref<Image> buffer =
       Image::make(QSizeF(measured.width() + measured.height(), measured.height()));
-  setImage(buffer);
   if (!text_)
+    return buffer;
+  {
+    const ImageFocus focus(*buffer);
+    text_->drawAtPoint(QPointF(0, bufferOffset_));
+  }
+  if (text_->isSettled() && !buffer->representations().empty())
+    rendering_ = buffer->representations().front();
+  return buffer;
+}
+
+void ZQTextTickerSign::releaseBuffer() {
+  const auto rendering = rendering_.lock();
+  if (!rendering || !image() || image()->representations() != Image::Representations{rendering})
     return;
-  const ImageFocus focus(*buffer);
-  const ZQTickerDisplayProtocol* shownOn = display();
-  text_->drawAtPoint(QPointF(0, shownOn ? shownOn->textOffset() : 0));
+  rendering_.reset();
+  letImageBeDue();
+}
+
+bool ZQTextTickerSign::measureUntil(const QDeadlineTimer& deadline) const {
+  return !text_ || text_->measureUntil(deadline);
 }
 
 QString ZQTextTickerSign::description() const {

@@ -5,6 +5,7 @@
 
 namespace zq::platform {
 class AttributedString;
+class ImageRepresentation;
 } // namespace zq::platform
 
 // Shows styled text on one line. The inherited image is the text's rendering, its buffer, made
@@ -40,6 +41,11 @@ class ZQTICKER_EXPORT ZQTextTickerSign : public ZQImageTickerSign {
   // height in width is the gap after every text. The text stands at the display's textOffset of
   // this moment, 0 without a display; a display that is set later does not render it again.
   void updateBuffer();
+  // Lets the buffer go where `image` would make the same again: for a text that will not be shown
+  // for a while.
+  void releaseBuffer();
+
+  bool measureUntil(const QDeadlineTimer& deadline) const override;
 
   // The text's characters; empty without a text.
   QString description() const override;
@@ -55,7 +61,11 @@ class ZQTICKER_EXPORT ZQTextTickerSign : public ZQImageTickerSign {
  protected:
   ZQTextTickerSign(const ZQTextTickerSign&);
   zq::platform::Ref<ZQTickerSign> memberwiseCopy() const override;
+  zq::platform::Ref<zq::platform::Image> makeImage() const override;
 
  private:
   zq::platform::Ref<zq::platform::AttributedString> text_;
+  qreal bufferOffset_ = 0; // the text offset at which the buffer shows the text
+  // What makeImage drew, where it would draw the same again.
+  mutable std::weak_ptr<const zq::platform::ImageRepresentation> rendering_;
 };

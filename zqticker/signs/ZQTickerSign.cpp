@@ -22,6 +22,10 @@ QSizeF ZQTickerSign::size() const {
   return size_;
 }
 
+bool ZQTickerSign::measureUntil(const QDeadlineTimer&) const {
+  return true;
+}
+
 void ZQTickerSign::drawAtPoint(QPointF) {
   ZQ_ASSERT(false, u"subclasses of ZQTickerSign need to overwrite -drawAtPoint:"_s);
 }

@@ -6,6 +6,7 @@
 #include "zqticker/signs/ZQTickerDisplayProtocol.h"
 #include "zqticker/zqticker_export.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QPointF>
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
@@ -57,6 +58,11 @@ class ZQTICKER_EXPORT ZQTickerSign : public zq::platform::Object {
   // The sign's extent in points. Concrete signs compute it.
   virtual QSizeF size() const;
   void setSize(QSizeF size) { size_ = size; }
+
+  // Does a part of what the next size() takes, a short one at least, and more until `deadline`: for
+  // a sign whose text is so long that laying it out would take longer than a frame. Whether size()
+  // takes next to no time now. By default it does.
+  virtual bool measureUntil(const QDeadlineTimer& deadline) const;
 
   // What a click does; the display's own numbers.
   std::int32_t actionType() const { return actionType_; }

@@ -5,7 +5,9 @@ set(text_TESTS
     ParagraphStyleTest.cpp
     ScannerTest.cpp
     TextAttachmentTest.cpp
+    LineCacheTest.cpp
     TextLineTest.cpp
+    TextMeasurementTest.cpp
     attributed_string_archivesTest.cpp
     line_rangesTest.cpp
     number_parsingTest.cpp

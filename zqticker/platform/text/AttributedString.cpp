@@ -1,12 +1,15 @@
 #include "zqticker/platform/text/AttributedString.h"
 
 #include "zqticker/platform/archiving/ClassRegistry.h"
+#include "zqticker/platform/graphics/FontFace_p.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
 #include "zqticker/platform/objects/Exception.h"
+#include "zqticker/platform/text/LineHolder_p.h"
 #include "zqticker/platform/text/TextAttachment.h"
 #include "zqticker/platform/text/TextLine_p.h"
 
 #include <algorithm>
+#include <typeinfo>
 
 using namespace Qt::StringLiterals;
 
@@ -74,19 +77,55 @@ Ref<AttributedString> AttributedString::attributedSubstringFromRange(Range range
   return part;
 }
 
-const std::shared_ptr<const TextLine>& AttributedString::line() const {
+LineHolder& AttributedString::holder() const {
   if (!line_)
-    line_ = std::make_shared<TextLine>(string_, runs_);
-  return line_;
+    line_ = std::make_shared<LineHolder>();
+  return *line_;
+}
+
+std::shared_ptr<const TextLine> AttributedString::line() const {
+  return holder().line(string_, runs_);
 }
 
 QSizeF AttributedString::size() const {
-  return line()->size();
+  return holder().size(string_, runs_);
+}
+
+bool AttributedString::measureUntil(const QDeadlineTimer& deadline) const {
+  return holder().measureUntil(string_, runs_, deadline);
+}
+
+bool AttributedString::isSettled() const {
+  FontFace::requireApplication();
+  return typeid(*this) == typeid(AttributedString) &&
+         std::none_of(runs_.begin(), runs_.end(), [](const Run& run) {
+           return run.attributes.contains(AttachmentAttributeName);
+         });
+}
+
+// This text, or a copy where it may change or ends without its holders.
+Ref<const AttributedString> AttributedString::asItIs() const {
+  if (typeid(*this) == typeid(AttributedString))
+    if (const auto self = weak_from_this().lock())
+      return std::static_pointer_cast<const AttributedString>(self);
+  auto text = std::make_shared<AttributedString>();
+  text->string_ = string_;
+  text->runs_ = runs_;
+  text->line_ = line_;
+  return text;
 }
 
 void AttributedString::drawAtPoint(QPointF point) const {
-  if (GraphicsContext* context = GraphicsContext::currentContext())
-    TextLine::draw(line(), *context, point);
+  GraphicsContext* context = GraphicsContext::currentContext();
+  if (!context)
+    return;
+  if (!context->isRecording())
+    return TextLine::draw(line(), *context, point);
+  // Pictures are taken now.
+  holder().size(string_, runs_);
+  context->perform([text = asItIs(), point](GraphicsContext& target) {
+    TextLine::draw(text->line(), target, point);
+  });
 }
 
 QString AttributedString::description() const {

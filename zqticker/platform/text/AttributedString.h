@@ -5,6 +5,7 @@
 #include "zqticker/platform/objects/Range.h"
 #include "zqticker/platform/text/text_attributes.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QPointF>
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
@@ -14,6 +15,7 @@
 
 namespace zq::platform {
 
+class LineHolder;
 class MutableAttributedString;
 class TextAttachment;
 class TextLine;
@@ -72,6 +74,13 @@ class ZQTICKER_EXPORT AttributedString : public Object {
   // characters: for plain text Font::lineHeight. Empty text has no width and the height of its
   // font's line, which is the default font's.
   QSizeF size() const;
+  // Does a part of what the first size() takes, a short one at least, and more until `deadline`:
+  // for a text whose measuring would take longer than a frame. Whether size() is known now; what it
+  // is does not depend on how it was come by.
+  bool measureUntil(const QDeadlineTimer& deadline) const;
+  // Whether the text measures and draws at any later time as it would now: it is immutable and
+  // shows no picture, which may change. Raises like measuring.
+  bool isSettled() const;
 
   // Draws on one line into the current context. The box of size() stands with the corner of its
   // smallest coordinates at `point`: the lower left one, in a flipped context the upper left. Text
@@ -92,12 +101,16 @@ class ZQTICKER_EXPORT AttributedString : public Object {
 
  protected:
   void checkRange(Range range) const;
-  // The layout; made when first needed, shared by copies.
-  const std::shared_ptr<const TextLine>& line() const;
+  // The layout, shared by copies; made where it is not at hand.
+  std::shared_ptr<const TextLine> line() const;
 
   QString string_;
   std::vector<Run> runs_;
-  mutable std::shared_ptr<const TextLine> line_;
+  mutable std::shared_ptr<LineHolder> line_; // null before it is needed
+
+ private:
+  LineHolder& holder() const;
+  Ref<const AttributedString> asItIs() const;
 };
 
 // An attributed string that can be changed. Operations with a range raise RangeException where it

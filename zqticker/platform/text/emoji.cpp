@@ -89,11 +89,17 @@ qsizetype endOfEmoji(const QString& text, qsizetype position) {
   return position;
 }
 
-std::vector<Range> emojiRanges(const QString& text) {
-  std::vector<Range> ranges;
-  if (std::none_of(text.begin(), text.end(), mayMatter))
-    return ranges;
-  for (qsizetype start = 0; start < text.size();) {
+qsizetype findEmojiRanges(const QString& text, qsizetype from, qsizetype count,
+                          std::vector<Range>& ranges) {
+  // Most of a text is not looked at closely.
+  const auto limit = text.begin() + std::min(text.size() - from, count) + from;
+  const auto first = std::find_if(text.begin() + from, limit, mayMatter);
+  if (first == limit)
+    return limit - text.begin();
+  // What a selector turns into a picture stands before it: the digit of a keycap.
+  const qsizetype behindLast = ranges.empty() ? 0 : ranges.back().end();
+  qsizetype start = std::max<qsizetype>(behindLast, first - text.begin() - 1);
+  while (start < limit - text.begin()) {
     const qsizetype end = endOfEmoji(text, start);
     if (end == start) {
       next(text, start);
@@ -105,6 +111,12 @@ std::vector<Range> emojiRanges(const QString& text) {
       ranges.push_back({start, end - start});
     start = end;
   }
+  return start;
+}
+
+std::vector<Range> emojiRanges(const QString& text) {
+  std::vector<Range> ranges;
+  findEmojiRanges(text, 0, text.size(), ranges);
   return ranges;
 }
 

@@ -12,18 +12,22 @@ set(text_PUBLIC_HEADERS
     string_search.h
     text_attributes.h
     value_numbers.h)
-set(text_PRIVATE_HEADERS TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h line_breaks_p.h)
+set(text_PRIVATE_HEADERS LineCache_p.h LineHolder_p.h TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h
+                         line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
     AttributedStringCoding.cpp
     CharacterSet.cpp
     DecimalNumber.cpp
     Formatter.cpp
+    LineCache.cpp
+    LineHolder.cpp
     MutableAttributedString.cpp
     ParagraphStyle.cpp
     Scanner.cpp
     TextAttachment.cpp
     TextLine.cpp
+    TextMeasurement.cpp
     TextStyle.cpp
     bidi.cpp
     emoji.cpp

@@ -4,6 +4,7 @@
 #include "zqticker/platform/text/text_attributes.h"
 #include "zqticker/zqticker_export.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QPointF>
 #include <QtCore/QSizeF>
 #include <QtCore/QString>
@@ -16,6 +17,11 @@ namespace zq::platform {
 //
 // Thread: main. Raises InternalInconsistencyException without a GUI application.
 ZQTICKER_EXPORT QSizeF sizeWithAttributes(const QString& string, const Attributes& attributes);
+
+// Does a part of what that takes, as AttributedString::measureUntil does; whether the size is
+// known.
+ZQTICKER_EXPORT bool measureUntil(const QString& string, const Attributes& attributes,
+                                  const QDeadlineTimer& deadline);
 
 // Draws `string` on one line into the current context, as AttributedString::drawAtPoint does.
 ZQTICKER_EXPORT void drawAtPoint(const QString& string, QPointF point,
