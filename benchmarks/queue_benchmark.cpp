@@ -7,7 +7,12 @@
 //   QueueMove…      a sign is moved before another one
 //   QueueArrange…   the order of 20 arranged signs is turned round
 //   QueueFrame…     the strip moves on by 1/60 s and its frame is made
-//   QueueMemory…    signs with texts of 40 characters are queued; resident bytes of each
+//   QueueMemory     100,000 signs with texts of 40 characters and identifiers are queued: resident
+//                   bytes of each, of all together (megabytes), and those of all that the process
+//                   has grown by; the time is that of adding them
+//   QueueMemoryShown    the same once every one of them has been on the strip
+//   QueueMemoryFloor    their texts and identifiers alone, as strings
+//   QueueFont       the default font changes while they wait
 #include "app/display/TickerDisplay.h"
 #include "benchmarks/ratio_main.h"
 #include "zqticker/platform/graphics/Font.h"
@@ -145,21 +150,93 @@ double residentBytes() {
   return file.readAll().split(' ').at(1).toDouble() * double(sysconf(_SC_PAGESIZE));
 }
 
-void queueTexts(benchmark::State& state, int waiting) {
-  for (auto _ : state) {
-    malloc_trim(0);
-    const double before = residentBytes();
-    TickerDisplay display;
-    display.setSize(QSizeF(1920, 24), 0);
-    display.setDefaultFont(Font::fontWithName(QStringLiteral("DejaVu Sans"), 16));
-    for (int i = 0; i < waiting; ++i) {
-      const auto sign =
-          display.makeTextSign(QStringLiteral("A headline of forty characters: %1").arg(i, 8));
-      sign->setIdentifier(QStringLiteral("sign-%1").arg(i));
-      display.addSign(sign, 0);
-    }
-    state.counters["bytes_each"] = (residentBytes() - before) / waiting;
+QString headline(int number) {
+  return QStringLiteral("A headline of forty characters: %1").arg(number, 8);
+}
+
+QString nameOf(int number) {
+  return QStringLiteral("sign-%1").arg(number);
+}
+
+void fill(TickerDisplay& display, int waiting) {
+  display.setSize(QSizeF(1920, 24), 0);
+  display.setDefaultFont(Font::fontWithName(QStringLiteral("DejaVu Sans"), 16));
+  for (int i = 0; i < waiting; ++i) {
+    const auto sign = display.makeTextSign(headline(i));
+    sign->setIdentifier(nameOf(i));
+    sign->setLoopCount(ZQEndlessLoopCount);
+    sign->setContinuousScrolling(true);
+    display.addSign(sign, 0);
   }
+}
+
+// What the process grows by, measured from when fonts and caches have been used.
+class Growth {
+ public:
+  Growth() {
+    TickerDisplay display;
+    fill(display, Few);
+    display.setSpeed(60, 0);
+    display.advanceTo(10);
+    malloc_trim(0);
+    before_ = residentBytes();
+  }
+
+  void report(benchmark::State& state, int count) const {
+    const double bytes = residentBytes() - before_;
+    state.counters["bytes_each"] = bytes / count;
+    state.counters["megabytes"] = bytes / 1e6;
+  }
+
+ private:
+  double before_;
+};
+
+void QueueMemory(benchmark::State& state) {
+  for (auto _ : state) {
+    state.PauseTiming();
+    const Growth growth;
+    TickerDisplay display;
+    state.ResumeTiming();
+    fill(display, Many);
+    state.PauseTiming();
+    growth.report(state, Many);
+    state.ResumeTiming();
+  }
+}
+
+void QueueMemoryShown(benchmark::State& state) {
+  for (auto _ : state) {
+    const Growth growth;
+    TickerDisplay display;
+    fill(display, Many);
+    constexpr double speed = 100'000;
+    display.setSpeed(speed, 0);
+    for (double time = 0; display.strip().runs().empty() ||
+                          display.strip().runs().back().number < std::uint64_t(Many);)
+      display.advanceTo(time += 1000 / speed);
+    growth.report(state, Many);
+  }
+}
+
+void QueueMemoryFloor(benchmark::State& state) {
+  for (auto _ : state) {
+    const Growth growth;
+    std::vector<std::pair<QString, QString>> strings;
+    strings.reserve(Many);
+    for (int i = 0; i < Many; ++i)
+      strings.emplace_back(headline(i), nameOf(i));
+    growth.report(state, Many);
+    benchmark::DoNotOptimize(strings.data());
+  }
+}
+
+void QueueFont(benchmark::State& state) {
+  TickerDisplay display;
+  fill(display, Many);
+  double size = 16;
+  for (auto _ : state)
+    display.setDefaultFont(Font::fontWithName(QStringLiteral("DejaVu Sans"), size += 0.001));
 }
 
 #define QUEUE_BENCHMARK(name, function)                                                            \
@@ -179,10 +256,10 @@ QUEUE_BENCHMARK(QueueMove, moveSigns);
 QUEUE_BENCHMARK(QueueArrange, arrangeSigns);
 QUEUE_BENCHMARK(QueueFrame, makeFrames);
 
-void QueueMemoryMany(benchmark::State& state) {
-  queueTexts(state, Many);
-}
-BENCHMARK(QueueMemoryMany)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(QueueMemory)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(QueueMemoryShown)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(QueueMemoryFloor)->Iterations(1)->Unit(benchmark::kMillisecond);
+BENCHMARK(QueueFont)->Iterations(20)->Unit(benchmark::kMillisecond);
 
 } // namespace
 
@@ -193,5 +270,8 @@ int main(int argc, char** argv) {
                         {"QueueRemoveMany", "QueueRemoveFew"},
                         {"QueueMoveMany", "QueueMoveFew"},
                         {"QueueArrangeMany", "QueueArrangeFew"},
-                        {"QueueFrameMany", "QueueFrameFew"}});
+                        {"QueueFrameMany", "QueueFrameFew"},
+                        {"QueueMemory", "QueueMemoryFloor"},
+                        {"QueueMemoryShown", "QueueMemoryFloor"}},
+                       {"bytes_each"});
 }

@@ -8,7 +8,7 @@ namespace zq::app {
 
 namespace {
 double usableSpeed(double speed) {
-  return std::isfinite(speed) ? std::max(speed, 0.0) : 0.0;
+  return std::isfinite(speed) ? std::clamp(speed, 0.0, Motion::MostPointsPerSecond) : 0.0;
 }
 } // namespace
 

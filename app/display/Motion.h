@@ -9,6 +9,10 @@ namespace zq::app {
 // with dropped frames.
 class Motion {
  public:
+  // No strip is faster: nothing can be seen of it any more, and as many short signs as pass in a
+  // frame can still be counted.
+  static constexpr double MostPointsPerSecond = 1e6;
+
   Motion() = default;
   explicit Motion(double pointsPerSecond, double startTime = 0);
 

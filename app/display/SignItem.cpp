@@ -20,6 +20,9 @@ Q_LOGGING_CATEGORY(signLog, "zqticker.display")
 
 const SignOrigin NoOrigin;
 
+// Characters that are laid out within a small part of a frame.
+constexpr qsizetype LongestUnprepared = 2048;
+
 bool isEmpty(const SignOrigin& origin) {
   return origin.senderIdentifier.isEmpty() && origin.senderName.isEmpty() && origin.priority == 0 &&
          !origin.fades && !origin.actionData.isValid();
@@ -46,6 +49,31 @@ LoopRule SignItem::loopRule() const {
   const bool isEndless = count == ZQEndlessLoopCount;
   return {isEndless ? count : std::max<std::int64_t>(count, 1), sign_->loopDelay(),
           sign_->continuousScrolling()};
+}
+
+bool SignItem::isReady() {
+  return !display_.holdsUnprepared() || isPrepared();
+}
+
+bool SignItem::isPrepared() {
+  followStyle();
+  if (!isPrepared_)
+    isPrepared_ = text().size() <= LongestUnprepared;
+  return *isPrepared_;
+}
+
+bool SignItem::prepareUntil(const QDeadlineTimer& deadline) {
+  if (isPrepared())
+    return true;
+  try {
+    if (!sign_)
+      makeSign();
+    isPrepared_ = sign_->measureUntil(deadline);
+  } catch (const std::exception&) {
+    // It says so when it enters.
+    isPrepared_ = true;
+  }
+  return *isPrepared_;
 }
 
 double SignItem::enter() {
@@ -92,6 +120,7 @@ void SignItem::followStyle() {
   const std::uint64_t known = std::exchange(knownStyles_, changes.count());
   if (known == knownStyles_)
     return;
+  isPrepared_.reset();
   if (auto* textSign = dynamic_cast<ZQTextTickerSign*>(sign_.get())) {
     if (const auto text = changes.applied(textSign->text(), known))
       textSign->setText(text);
@@ -102,6 +131,7 @@ void SignItem::followStyle() {
 }
 
 void SignItem::leave() {
+  isPrepared_.reset();
   if (isLine_)
     sign_.reset();
   else if (auto* text = dynamic_cast<ZQTextTickerSign*>(sign_.get()))

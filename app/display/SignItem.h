@@ -6,10 +6,12 @@
 #include "app/display/sign_placement.h"
 #include "zqticker/platform/objects/Object.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QString>
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 class ZQTickerSign;
 
@@ -26,11 +28,18 @@ class SignItem : public StripItem {
            std::shared_ptr<const LineSource> source);
   ~SignItem() override;
 
+  // Whether the text is measured, where that takes long.
+  bool isReady() override;
   double enter() override;
   double gap(double length) const override;
   void leave() override;
   LoopRule loopRule() const override;
   void setQueued(bool isQueued) override;
+
+  bool isPrepared();
+  // Measures a long text bit by bit, until `deadline`; that of a line is made into a sign for it.
+  // Whether it is prepared then.
+  bool prepareUntil(const QDeadlineTimer& deadline);
 
   // Lets a text sign show `text`, also where it is on the strip; its length there stays. False for
   // another sign and for a line.
@@ -58,7 +67,8 @@ class SignItem : public StripItem {
   std::shared_ptr<const LineSource> lineSource_; // null for none
   bool isLine_ = false;
   SignPlacement placement_;
-  std::uint64_t knownStyles_; // the style changes that the text has taken on
+  std::optional<bool> isPrepared_; // nothing before it is looked at
+  std::uint64_t knownStyles_;      // the style changes that the text has taken on
 };
 
 } // namespace zq::app

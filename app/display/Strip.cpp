@@ -67,7 +67,7 @@ Strip::Event Strip::nextEvent() const {
   } else if (fresh) {
     event = {Event::Kind::Start, clear, fresh};
   }
-  if (event.time == Never)
+  if (event.time == Never || (event.kind == Event::Kind::Start && !event.entry->item->isReady()))
     event = {};
   if (queue_.restingUntil() < event.time)
     event = {Event::Kind::Wake, std::max(now_, queue_.restingUntil()), queue_.resting()};

@@ -31,7 +31,8 @@ namespace zq::app {
 // that were withdrawn excepted; and none from before the last remeasure.
 //
 // Times never run backwards; a time before the last one is ignored. What happens is the same
-// however the time is cut into steps.
+// however the time is cut into steps, but for items that are not ready when their turn has come:
+// they enter as soon as they are.
 class Strip {
  public:
   using Entry = StripQueue::EntryRef;

@@ -8,6 +8,10 @@ double StripItem::gap(double) const {
   return 0;
 }
 
+bool StripItem::isReady() {
+  return true;
+}
+
 void StripItem::setQueued(bool) {}
 
 } // namespace zq::app

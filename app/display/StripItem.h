@@ -25,6 +25,9 @@ class StripItem {
  public:
   virtual ~StripItem();
 
+  // Whether enter() takes next to no time; an item that does not is held up at its turn, and what
+  // comes behind it. By default it does.
+  virtual bool isReady();
   // Makes the item ready to be shown, each time that it is about to enter. Its length along the
   // strip in points, the gap after it included; zero, negative or not a number for an item that
   // cannot be shown, which is then dropped.

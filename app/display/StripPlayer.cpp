@@ -12,6 +12,8 @@ namespace {
 constexpr double LongestGap = 0.25;
 constexpr double LongestGapPeriods = 4; // of screens that are refreshed very slowly
 constexpr double LongestWakeSeconds = 86'400;
+// Of preparing signs between two frames.
+constexpr qint64 SliceNanoseconds = 1'500'000;
 // So that a time that is put together from others is not before what it stands for.
 constexpr double Rounding = 1e-6;
 constexpr double Never = std::numeric_limits<double>::infinity();
@@ -24,9 +26,13 @@ StripPlayer::StripPlayer(TickerDisplay& display, FrameClock::Now now, QObject* p
   wakeTimer_.setSingleShot(true);
   wakeTimer_.setTimerType(Qt::PreciseTimer);
   connect(&wakeTimer_, &QTimer::timeout, this, &StripPlayer::wake);
+  connect(&prepareTimer_, &QTimer::timeout, this, &StripPlayer::prepare);
+  display_.setHoldsUnprepared(true);
 }
 
-StripPlayer::~StripPlayer() = default;
+StripPlayer::~StripPlayer() {
+  display_.setHoldsUnprepared(false);
+}
 
 double StripPlayer::longestGap() const {
   return std::max(LongestGap, LongestGapPeriods * clock_.period());
@@ -113,7 +119,21 @@ void StripPlayer::observe(PlayedFrame frame) {
   observer_->framePlayed(frame);
 }
 
+void StripPlayer::prepare() {
+  QDeadlineTimer deadline(0, Qt::PreciseTimer);
+  deadline.setPreciseRemainingTime(0, SliceNanoseconds, Qt::PreciseTimer);
+  if (!display_.prepareUntil(deadline))
+    return;
+  prepareTimer_.stop();
+  // What was held up enters.
+  displayChanged();
+}
+
 void StripPlayer::schedule() {
+  if (!isInSight_ || display_.isPrepared())
+    prepareTimer_.stop();
+  else if (!prepareTimer_.isActive())
+    prepareTimer_.start(0);
   if (!display_.isFinished())
     isFinished_ = false;
   if (isInSight_ && display_.isMoving()) {

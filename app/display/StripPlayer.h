@@ -28,7 +28,8 @@ class FrameObserver {
 };
 
 // Moves a display: ticks while something moves in sight, sleeps until something is due while
-// nothing moves, and does nothing at all while nobody sees it.
+// nothing moves, and does nothing at all while nobody sees it. Signs that take long to lay out it
+// prepares between the frames, in slices that keep none of them waiting.
 //
 // Thread: main.
 class StripPlayer : public QObject {
@@ -80,6 +81,7 @@ class StripPlayer : public QObject {
   bool show(double clockTime);
   void observe(PlayedFrame frame);
   void schedule();
+  void prepare();
   double longestGap() const;
 
   TickerDisplay& display_;
@@ -87,6 +89,7 @@ class StripPlayer : public QObject {
   FrameClock clock_;
   FrameObserver* observer_ = nullptr;
   QTimer wakeTimer_;
+  QTimer prepareTimer_; // runs while signs are prepared, in between all other events
   // Times on the monotonic clock.
   bool isInSight_ = false;
   double outSince_;  // while it is out of sight

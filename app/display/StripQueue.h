@@ -115,6 +115,15 @@ class StripQueue {
   // Whoever changes `onStrip` calls it afterwards.
   void settle(Entry& entry);
 
+  // Visits those that may be shown next: the first `count` of each kind that does not rest.
+  template <class Visit>
+  void forEachNext(std::size_t count, Visit visit) const {
+    for (const Line* line : {&returned_, &fresh_, &again_}) {
+      auto left = count;
+      for (auto entry = line->begin(); entry != line->end() && left > 0; ++entry, --left)
+        visit(**entry);
+    }
+  }
   template <class Visit>
   void forEachItem(Visit visit) const {
     for (const Line* line : {&fresh_, &again_, &returned_})

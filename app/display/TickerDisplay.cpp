@@ -24,6 +24,9 @@ Q_LOGGING_CATEGORY(displayLog, "zqticker.display")
 constexpr int HorizontalScrolling = 1;
 constexpr int VerticalScrolling = 0;
 
+// Signs that are prepared before their turn comes, of each kind of wait.
+constexpr std::size_t LookAhead = 4;
+
 const SignItem& itemOf(const Strip::Run& run) {
   return static_cast<const SignItem&>(run.item());
 }
@@ -172,7 +175,10 @@ void TickerDisplay::markForLayout() {
   tiles_.clear();
   frame_.pieces.clear();
   const auto pixels = [this](double points) {
-    return std::max(static_cast<int>(std::lround(points * scale_)), 1);
+    // False for what is no number, too.
+    return points > 0 ? static_cast<int>(std::clamp(std::round(points * scale_), 1.0,
+                                                    static_cast<double>(MostPixels)))
+                      : 1;
   };
   frame_.size = QSize(pixels(size_.width()), pixels(size_.height()));
   frame_.isHorizontal = isHorizontal();
@@ -394,6 +400,23 @@ Ref<ZQTickerSign> TickerDisplay::makeTextSign(const QString& text, const LineSou
   sign->setScrollDirection(scrollDirection());
   sign->setDisplay(textSignDisplay_.get());
   return sign;
+}
+
+bool TickerDisplay::isPrepared() {
+  bool prepared = true;
+  strip_.queue().forEachNext(LookAhead, [&](const StripQueue::Entry& entry) {
+    prepared &= static_cast<SignItem&>(*entry.item).isPrepared();
+  });
+  return prepared;
+}
+
+bool TickerDisplay::prepareUntil(const QDeadlineTimer& deadline) {
+  bool prepared = true;
+  strip_.queue().forEachNext(LookAhead, [&](const StripQueue::Entry& entry) {
+    // One after the other: what comes first is needed first.
+    prepared = prepared && static_cast<SignItem&>(*entry.item).prepareUntil(deadline);
+  });
+  return prepared;
 }
 
 bool TickerDisplay::advanceTo(double time) {

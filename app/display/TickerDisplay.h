@@ -14,6 +14,7 @@
 #include "zqticker/platform/text/text_attributes.h"
 #include "zqticker/signs/ZQTickerDisplayProtocol.h"
 
+#include <QtCore/QDeadlineTimer>
 #include <QtCore/QHash>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -58,6 +59,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Over what part of the strip's extent a sign fades, and at most over how many points.
   static constexpr double FadeShare = 0.2;
   static constexpr double LongestFade = 200;
+  // Of a frame, to either side.
+  static constexpr int MostPixels = 1 << 14;
 
   // Identity of what is queued.
   using Entry = Strip::Entry;
@@ -179,6 +182,17 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   std::size_t waitingLineCount() const { return strip_.queue().droppableSize(); }
   std::uint64_t droppedLineCount() const { return strip_.queue().dropped(); }
 
+  // A display that is moved by a clock holds signs up that it would have to lay out for longer than
+  // a frame when their turn comes; they are prepared in between, bit by bit. Otherwise what happens
+  // depends on the times alone, and they are laid out when they enter.
+  bool holdsUnprepared() const { return holdsUnprepared_; }
+  void setHoldsUnprepared(bool holds) { holdsUnprepared_ = holds; }
+  // Whether all that comes next can enter at once.
+  bool isPrepared();
+  // Prepares what comes next, for a short while at least, and until `deadline`. Whether it is
+  // prepared then.
+  bool prepareUntil(const QDeadlineTimer& deadline);
+
   // Moves on to `time`. Whether the frame is another one than before.
   bool advanceTo(double time);
   // Draws ahead what comes into sight next, so that its frame need not; little, or nothing. To be
@@ -226,6 +240,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool autoscale_ = false;
   double scale_ = 1;
   double edgeFade_ = 0;
+  bool holdsUnprepared_ = false;
   std::optional<double> pausedSpeed_;
   std::unique_ptr<TextSignDisplay> textSignDisplay_;
   StyleChanges styleChanges_;

@@ -1,14 +1,17 @@
 # Tests of the display, the program that shows frames on a window system both ways, and the
 # one that counts what a frame asks for.
 set(app_display_SOURCES
+    BadSignsTest.cpp
     BlankEstimateTest.cpp
     EdgeFadeTest.cpp
     FakeBlanks.h
     FrameClockTest.cpp
     FrameCostTest.cpp
+    LongTextsTest.cpp
     ScrollDirectionTest.cpp
     StripPlayerTest.cpp
-    StripSurfaceTest.cpp)
+    StripSurfaceTest.cpp
+    VanishingFontTest.cpp)
 
 add_executable(zqticker-surface-probe display/SurfaceProbe.cpp)
 target_link_libraries(zqticker-surface-probe PRIVATE zqticker_app)
