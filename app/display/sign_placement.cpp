@@ -4,6 +4,7 @@
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace zq::app {
 
@@ -50,7 +51,7 @@ SignPlacement placeSign(const ZQTickerSign& sign, const StripShape& strip) {
       placement.gap = strip.fontSize * FontGapFraction;
   }
   // Nothing to see, nothing to wait for.
-  if (!(placement.length > 0) || !(placement.breadth > 0))
+  if (!(placement.length > 0) || !(placement.breadth > 0) || !std::isfinite(placement.breadth))
     placement.length = placement.gap = 0;
   return placement;
 }

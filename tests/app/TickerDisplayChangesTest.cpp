@@ -284,6 +284,8 @@ TEST(TickerDisplayLook, IsFollowedByTextsThatHaveIt) {
   const auto color = Color::deviceRGB(1, 0, 0);
   display.setDefaultFont(font);
   display.setDefaultTextColor(color);
+  // Those that wait follow when they are asked for.
+  EXPECT_EQ(display.queuedSigns(0).size(), 2u);
   for (const auto& attributed : {text->text(), objectOf<AttributedString>(combo->text())}) {
     EXPECT_EQ(fontOf(*attributed), font);
     EXPECT_EQ(colorOf(*attributed), color);
@@ -315,6 +317,7 @@ TEST(TickerDisplayLook, IsFollowedByThePartsOfATextThatHaveIt) {
   display.addSign(text, 0);
   const auto blue = Color::deviceRGB(0, 0, 1);
   display.setDefaultTextColor(blue);
+  EXPECT_EQ(display.queuedSigns(0).at(0).sign, text);
   EXPECT_EQ(colorOf(*text->text(), 0), red);
   EXPECT_EQ(colorOf(*text->text(), 2), blue);
 }
@@ -328,4 +331,33 @@ TEST(TickerDisplayLook, ChangesTheLengthOfWhatIsOnTheStrip) {
   const double before = display.strip().runs().front().length;
   display.setDefaultFont(Font::fontWithName(u"DejaVu Sans"_s, 20));
   EXPECT_GT(display.strip().runs().front().length, before * 1.5);
+}
+
+TEST(TickerDisplayLook, IsFollowedThroughAnyNumberOfChanges) {
+  TickerDisplay display;
+  setUp(display, QSizeF(200, 24));
+  display.addSign(picture(200, 24, Qt::white), 0);
+  const auto text = std::dynamic_pointer_cast<ZQTextTickerSign>(display.makeTextSign(Words));
+  display.addSign(text, 0);
+  Ref<Font> font;
+  for (std::size_t i = 0; i < 3 * StyleChanges::Most + 7; ++i) {
+    font = Font::fontWithName(u"DejaVu Sans"_s, 10 + double(i % 7));
+    display.setDefaultFont(font);
+  }
+  display.advanceTo(6);
+  ASSERT_EQ(display.strip().runs().back().number, 2u);
+  EXPECT_EQ(fontOf(*text->text()), font) << "when it has entered, at the latest";
+}
+
+TEST(TickerDisplayLook, IsSharedByTheTextsThatFollowIt) {
+  TickerDisplay display;
+  setUp(display, QSizeF(200, 24));
+  for (int i = 0; i < 3; ++i)
+    display.addSign(display.makeTextSign(Words), 0);
+  display.setDefaultFont(Font::fontWithName(u"DejaVu Sans"_s, 20));
+  const std::vector<QueuedSign> signs = display.queuedSigns(0);
+  const auto attributesOf = [](const QueuedSign& sign) {
+    return std::dynamic_pointer_cast<ZQTextTickerSign>(sign.sign)->text()->attributesAtIndex(0);
+  };
+  EXPECT_TRUE(attributesOf(signs.at(1)).isSharedWith(attributesOf(signs.at(2))));
 }

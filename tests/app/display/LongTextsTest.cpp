@@ -3,10 +3,13 @@
 #include "tests/app/DisplayFrames.h"
 #include "tests/app/FakeItem.h"
 #include "tests/support/waiting.h"
+#include "zqticker/platform/text/AttributedString.h"
 #include "zqticker/signs/ZQComboTickerSign.h"
 #include "zqticker/signs/ZQTextTickerSign.h"
 
 #include <gtest/gtest.h>
+
+#include <QtCore/QCoreApplication>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app;

@@ -32,7 +32,7 @@ QByteArray fontFile() {
     return bytes;
   };
   data.replace(bigEndian(Before), bigEndian(Name));
-  data.replace(QString(Before).toLatin1(), QString(Name).toLatin1());
+  data.replace(QString::fromUtf16(Before).toLatin1(), QString::fromUtf16(Name).toLatin1());
   return data;
 }
 
@@ -41,11 +41,11 @@ QByteArray fontFile() {
 TEST(VanishingFont, LeavesTheSignsThatHoldItWhereTheyAre) {
   const int font = QFontDatabase::addApplicationFontFromData(fontFile());
   ASSERT_GE(font, 0);
-  ASSERT_EQ(QFontDatabase::applicationFontFamilies(font), QStringList{QString(Name)});
+  ASSERT_EQ(QFontDatabase::applicationFontFamilies(font), QStringList{QString::fromUtf16(Name)});
 
   TickerDisplay display;
   setUp(display, QSizeF(200, 24));
-  display.setDefaultFont(Font::fontWithName(QString(Name), 14));
+  display.setDefaultFont(Font::fontWithName(QString::fromUtf16(Name), 14));
   for (int i = 0; i < 10; ++i) {
     const auto sign = display.makeTextSign(u"sign %1"_s.arg(i));
     sign->setLoopCount(ZQEndlessLoopCount);
