@@ -36,6 +36,8 @@ class RestingPointer : public QObject {
   void watchPresses(QWidget* part);
 
   bool isResting() const { return isResting_; }
+  // The pointer counts as away until it comes again.
+  void forget() { reset(); }
   // While it is held, rest neither begins nor ends.
   void setHeld(bool held);
 

@@ -44,6 +44,11 @@ void Motion::setSpeed(double pointsPerSecond, double time) {
   speed_ = usableSpeed(pointsPerSecond);
 }
 
+void Motion::restartAt(double travel, double time) {
+  travelThen_ = glideFrom_ = travel;
+  since_ = glideStart_ = time;
+}
+
 void Motion::glideTo(double travel, double time, double seconds) {
   if (!std::isfinite(travel) || !std::isfinite(time) || !std::isfinite(seconds) || seconds <= 0)
     return;

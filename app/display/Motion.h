@@ -27,6 +27,9 @@ class Motion {
   // and non-finite speeds count as 0.
   void setSpeed(double pointsPerSecond, double time);
 
+  // Counts from `travel` on at `time`; a glide that is under way ends. Both must be finite.
+  void restartAt(double travel, double time);
+
   // Moves to `travel` within `seconds` from `time` on, fast at first and ever slower, and goes on
   // at its speed from there. Takes over from a glide that is under way. Does nothing where an
   // argument is no finite number or the time is none.

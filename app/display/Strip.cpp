@@ -244,6 +244,67 @@ bool Strip::stepBack(double time) {
   return true;
 }
 
+void Strip::moveBy(double points, double time) {
+  advanceTo(time);
+  if (std::isnan(points))
+    return;
+  const double way = std::clamp(points, -LongestMove, LongestMove);
+  const double here = travel();
+  motion_.restartAt(way < 0 ? std::min(reachableBack(here + way), here) : here, now_);
+  if (way > 0)
+    moveForward(way);
+  advanceTo(now_);
+}
+
+// Stops wherever the next run may enter, so that it follows the one before without a gap.
+void Strip::moveForward(double points) {
+  double left = points;
+  while (left > 0 && !runs_.empty()) {
+    const double here = travel();
+    double step = lastEnd_ - here;
+    if (step <= Touching)
+      step = roundTravel_ + extent_ - here;
+    if (step <= Touching)
+      step = lastEnd_ + extent_ - here;
+    step = std::min(left, std::max(step, Touching));
+    motion_.restartAt(here + step, now_);
+    left -= step;
+    advanceTo(now_);
+  }
+}
+
+// The travel nearest to `goal` to which the strip can go back. What comes into sight there is
+// brought back.
+double Strip::reachableBack(double goal) {
+  while (!past_.empty() && (runs_.empty() || runs_.front().start + extent_ > goal))
+    if (!bringBack())
+      break;
+  return runs_.empty()
+             ? travel()
+             : std::max(goal, runs_.front().start + std::min(extent_, runs_.front().length));
+}
+
+void Strip::glideBy(double points, double seconds, double time) {
+  advanceTo(time);
+  if (std::isnan(points) || points == 0)
+    return;
+  const double way = std::clamp(points, -LongestMove, LongestMove);
+  const double from = motion_.goalAt(now_);
+  const double end = runs_.empty() ? from : std::max(lastEnd_ + extent_, from);
+  const double goal = way < 0            ? std::min(reachableBack(from + way), from)
+                      : queue_.isEmpty() ? std::min(from + way, end)
+                                         : from + way;
+  if (goal != from)
+    motion_.glideTo(goal, now_, seconds);
+}
+
+void Strip::throwBy(double pointsPerSecond, double time) {
+  // A glide, which slows down with the cube of its time, goes a third of what its first speed
+  // would.
+  moveBy(0, time);
+  glideBy(pointsPerSecond * ThrowSeconds / 3, ThrowSeconds, time);
+}
+
 double Strip::nextEntryTime() {
   letRest();
   return nextEvent().time;

@@ -55,6 +55,8 @@ class Strip {
   static constexpr std::size_t MostPastCost = 1'000'000;
   // What a step takes.
   static constexpr double StepSeconds = 0.4;
+  static constexpr double ThrowSeconds = 0.9;
+  static constexpr double LongestMove = 20'000;
   // A run whose start left at most so long ago counts as left at its start: a step back goes to
   // the one before.
   static constexpr double RecentSeconds = 2;
@@ -80,6 +82,16 @@ class Strip {
   // start of the run before. What was on the strip may stand beyond the edge at which it entered
   // then, and enters again. False where no start has left that is still known.
   bool stepBack(double time);
+
+  // Moves everything at once, forward or back, as a hand does; ends a step that is under way, also
+  // by 0 points. Forward brings in what waits, up to where nothing is on the strip any more; back
+  // what has left, as far as it is known, and then the oldest run up to where it has just entered.
+  // At most LongestMove points.
+  void moveBy(double points, double time);
+  // The same within `seconds`, fast at first and ever slower; adds to what is under way so.
+  void glideBy(double points, double seconds, double time);
+  // Lets everything run out from a speed, negative for back, into the strip's own.
+  void throwBy(double pointsPerSecond, double time);
 
   // Takes an entry out for good: it does not enter again, a step back does not bring it back.
   void withdraw(const Entry& entry);
@@ -130,6 +142,8 @@ class Strip {
   static void setLength(Run& run, double length);
   void keepPast(Run run);
   bool bringBack();
+  void moveForward(double points);
+  double reachableBack(double goal);
   double endOfRound(const StripQueue::Entry& next) const;
 
   Motion motion_;

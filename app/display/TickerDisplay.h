@@ -114,6 +114,12 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Move by one sign, see Strip; false where there is none to move to.
   bool stepForward(double time) { return strip_.stepForward(time); }
   bool stepBack(double time) { return strip_.stepBack(time); }
+  // Move as far as a hand does, see Strip; positive is forward.
+  void moveBy(double points, double time) { strip_.moveBy(points, time); }
+  void glideBy(double points, double seconds, double time) {
+    strip_.glideBy(points, seconds, time);
+  }
+  void throwBy(double pointsPerSecond, double time) { strip_.throwBy(pointsPerSecond, time); }
 
   // Adds a sign behind the others of its priority at `time`. It takes the strip's scroll direction
   // and this display, and a text sign renders its buffer for it.

@@ -7,15 +7,28 @@
 #include "zqticker/platform/graphics/Color.h"
 
 #include <QtGui/QHelpEvent>
+#include <QtGui/QInputDevice>
 #include <QtGui/QMouseEvent>
+#include <QtGui/QWheelEvent>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QToolTip>
+
+#include <cmath>
 
 namespace zq::app {
 
 using namespace platform;
 
 namespace {
+// What a step of a wheel moves.
+constexpr double NotchPoints = 60;
+constexpr double NotchSeconds = 0.2;
+
+bool isByFinger(const QMouseEvent& event) {
+  return event.source() != Qt::MouseEventNotSynthesized ||
+         (event.device() && event.device()->type() == QInputDevice::DeviceType::TouchScreen);
+}
+
 ActionRequest requestOf(const SignItem& item) {
   return item.sign() ? actionOf(*item.sign(), item.origin().actionData) : ActionRequest();
 }
@@ -84,8 +97,12 @@ bool StripPointer::eventFilter(QObject* receiver, QEvent* event) {
     moveTo(static_cast<QEnterEvent*>(event)->position());
     break;
   case QEvent::MouseMove:
+    drag(static_cast<QMouseEvent*>(event)->position());
     moveTo(static_cast<QMouseEvent*>(event)->position());
     break;
+  case QEvent::Wheel:
+    turn(*static_cast<QWheelEvent*>(event));
+    return true;
   case QEvent::MouseButtonPress:
   case QEvent::MouseButtonDblClick:
     press(*static_cast<QMouseEvent*>(event));
@@ -94,8 +111,11 @@ bool StripPointer::eventFilter(QObject* receiver, QEvent* event) {
     release(*static_cast<QMouseEvent*>(event));
     break;
   case QEvent::Leave:
+    leave();
+    break;
   case QEvent::Hide:
     leave();
+    letGo();
     break;
   case QEvent::ToolTip:
     return showToolTip(*static_cast<QHelpEvent*>(event));
@@ -131,20 +151,83 @@ void StripPointer::press(const QMouseEvent& event) {
   pressedAt_ = event.position();
   pressed_ = under ? under->entry : nullptr;
   strip_.player().setPaused(StripPlayer::Pause::Hand, true);
+  display_.moveBy(0, strip_.time());
+  drag_.emplace(alongStrip(event.position()), display_.strip().travel());
+  drag_->moveTo(alongStrip(event.position()), strip_.time());
 }
 
 void StripPointer::release(const QMouseEvent& event) {
   if (event.button() != Qt::LeftButton || !pressedAt_)
     return;
+  drag(event.position());
   const QPointF way = event.position() - *pressedAt_;
   const Strip::Entry pressed = std::exchange(pressed_, nullptr);
-  pressedAt_.reset();
+  const bool wasDragged = isDragged_;
+  const double speed = drag_->speedAt(strip_.time());
+  letGo();
   moveTo(event.position());
+  if (wasDragged) {
+    // A finger that has thrown the strip does not rest on it.
+    if (isByFinger(event))
+      resting_.forget();
+    display_.throwBy(speed, strip_.time());
+    strip_.displayChanged();
+    return;
+  }
   const auto under = sign();
-  strip_.player().setPaused(StripPlayer::Pause::Hand, false);
   const bool isClick = way.manhattanLength() < QApplication::startDragDistance();
   if (isClick && pressed && under && under->entry == pressed)
     opener_.perform(requestOf(under->item()));
+}
+
+void StripPointer::letGo() {
+  if (!pressedAt_)
+    return;
+  pressedAt_.reset();
+  pressed_ = nullptr;
+  drag_.reset();
+  isDragged_ = false;
+  strip_.player().setPaused(StripPlayer::Pause::Hand, false);
+}
+
+// Grows in the direction in which going forward moves signs.
+double StripPointer::alongStrip(QPointF place) const {
+  const double along = display_.isHorizontal() ? place.x() : place.y();
+  return isReversed(display_.direction()) ? along : -along;
+}
+
+void StripPointer::drag(QPointF place) {
+  if (!drag_)
+    return;
+  const double along = alongStrip(place);
+  if (!isDragged_ && std::abs(along - alongStrip(*pressedAt_)) < QApplication::startDragDistance())
+    return;
+  isDragged_ = true;
+  const double now = strip_.time();
+  drag_->moveTo(along, now);
+  display_.moveBy(drag_->travelAt(along) - display_.strip().travel(), now);
+  strip_.displayChanged();
+}
+
+void StripPointer::turn(const QWheelEvent& event) {
+  const bool isHorizontal = display_.isHorizontal();
+  const auto part = [&](QPoint delta) {
+    return isHorizontal && delta.x() != 0 ? QPointF(delta.x(), 0) : QPointF(0, delta.y());
+  };
+  // Across a horizontal strip, down is forward; else signs go where the fingers go.
+  const auto forward = [&](QPointF delta) {
+    return isHorizontal && delta.x() == 0 ? -delta.y() : alongStrip(delta);
+  };
+  const double angle = forward(part(event.angleDelta()));
+  const double pixels = forward(part(event.pixelDelta()));
+  const double notches = angle / int(QWheelEvent::DefaultDeltasPerStep);
+  const double now = strip_.time();
+  // Whole steps come from a wheel, for which the pixels mean nothing.
+  if (angle != 0 && std::fmod(notches, 1) == 0)
+    display_.glideBy(notches * NotchPoints, NotchSeconds, now);
+  else if (pixels != 0 || angle != 0)
+    display_.moveBy(pixels != 0 ? pixels : notches * NotchPoints, now);
+  strip_.displayChanged();
 }
 
 // As long as the pointer is elsewhere, this costs a look at it a frame.

@@ -3,6 +3,7 @@
 
 #include "app/controls/RestingPointer.h"
 #include "app/interaction/SignMark.h"
+#include "app/interaction/StripDrag.h"
 #include "app/interaction/sign_spots.h"
 
 #include <QtCore/QObject>
@@ -11,6 +12,7 @@
 
 class QHelpEvent;
 class QMouseEvent;
+class QWheelEvent;
 
 namespace zq::app {
 
@@ -23,7 +25,10 @@ class TickerDisplay;
 // sign whose action opens something is underlined while the pointer is over it, which is a pointing
 // hand then, and its tool tip is the address; a click performs the action.
 //
-// It only looks at events: others see all of them.
+// The left button drags the strip forward and back, and throws it; so does a finger. A wheel moves
+// it: forward when it is turned down or to the right; a touch pad moves it with the fingers.
+//
+// It only looks at events: others see all of them, but those of wheels.
 //
 // Thread: main.
 class StripPointer : public QObject {
@@ -48,6 +53,10 @@ class StripPointer : public QObject {
   void pauseWhereItRests();
   void moveTo(QPointF place);
   void leave();
+  void turn(const QWheelEvent& event);
+  void drag(QPointF place);
+  double alongStrip(QPointF place) const;
+  void letGo();
   void press(const QMouseEvent& event);
   void release(const QMouseEvent& event);
   void showHint();
@@ -64,7 +73,9 @@ class StripPointer : public QObject {
   bool isHandShown_ = false;
   std::optional<QPointF> place_; // of the pointer over the strip
   std::optional<QPointF> pressedAt_;
-  Strip::Entry pressed_; // the sign there
+  Strip::Entry pressed_;          // the sign there
+  std::optional<StripDrag> drag_; // while the button is down
+  bool isDragged_ = false;
 };
 
 } // namespace zq::app

@@ -4,6 +4,8 @@ set(interaction_SOURCES
     interaction/SignMark.h
     interaction/SignOpener.cpp
     interaction/SignOpener.h
+    interaction/StripDrag.cpp
+    interaction/StripDrag.h
     interaction/StripInteraction.cpp
     interaction/StripInteraction.h
     interaction/StripPointer.cpp

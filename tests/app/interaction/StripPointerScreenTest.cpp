@@ -56,3 +56,41 @@ TEST_F(StripPointerScreen, RefusesAClickedSignThatIsNoLocation) {
   EXPECT_TRUE(told.contains("is not opened")) << told.toStdString();
   EXPECT_EQ(addresses(), "");
 }
+
+TEST_F(StripPointerScreen, IsDraggedToThePixelAndThrown) {
+  const QRgb red = qRgb(255, 0, 0);
+  run({u"--image"_s, pictureFile(400, qRgb(0, 0, 255), u"blue.png"_s), u"--image"_s,
+       pictureFile(300, red, u"red.png"_s), u"--speed"_s, u"300"_s});
+  ASSERT_TRUE(waitUntil([&] { return columnOf(red) > 250 && columnOf(red) < 450; }));
+  moveTo(200);
+  button("mousedown", 1);
+  ASSERT_TRUE(waitUntil([&] { return stands(); }));
+  const int before = columnOf(red);
+  ASSERT_GT(before, 130);
+  moveTo(150);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before - 50; })) << columnOf(red);
+  moveTo(220);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before + 20; })) << columnOf(red);
+  button("mouseup", 1);
+  moveTo(200, 50);
+  EXPECT_TRUE(waitUntil([&] { return !stands(); })) << "it goes on";
+}
+
+TEST_F(StripPointerScreen, MovesWithAWheel) {
+  const QRgb red = qRgb(255, 0, 0);
+  run({u"--image"_s, pictureFile(400, qRgb(0, 0, 255), u"blue.png"_s), u"--image"_s,
+       pictureFile(300, red, u"red.png"_s), u"--speed"_s, u"300"_s});
+  ASSERT_TRUE(waitUntil([&] { return columnOf(red) > 250 && columnOf(red) < 450; }));
+  moveTo(30);
+  ASSERT_TRUE(waitUntil([&] { return stands(); }));
+  const int before = columnOf(red);
+  ASSERT_GT(before, 70);
+  button("click", 5);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before - 60; })) << columnOf(red);
+  button("click", 4);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before; })) << columnOf(red);
+  button("click", 7);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before - 60; })) << columnOf(red);
+  button("click", 6);
+  EXPECT_TRUE(waitUntil([&] { return columnOf(red) == before; })) << columnOf(red);
+}

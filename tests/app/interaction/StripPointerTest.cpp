@@ -23,6 +23,15 @@ class StripUnderPointer : public HandledStrip {
     press(strip, point);
     release(strip, point);
   }
+  void drag(int x) {
+    send(strip, QEvent::MouseMove, {double(x), 12}, Qt::NoButton, Qt::LeftButton);
+  }
+  void wheel(QPoint pixels, QPoint angle) {
+    const QPointF place(20, 12);
+    QWheelEvent event(place, strip.mapToGlobal(place), pixels, angle, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&strip, &event);
+  }
   bool rests() { return strip.player().isPaused(StripPlayer::Pause::Pointer); }
 
   std::optional<StripPointer> pointer;
@@ -238,6 +247,65 @@ TEST_F(StripUnderPointer, TellsTheAddressAsAToolTip) {
   EXPECT_TRUE(QToolTip::isVisible());
   EXPECT_EQ(QToolTip::text(), u"https://example.org/%3Cb%3Ea"_s);
   QToolTip::hideText();
+}
+
+TEST_F(StripUnderPointer, DragsWhatIsUnderItToThePixel) {
+  add(picture(5000, Page));
+  show();
+  press(strip, {120, 12});
+  const double there = travel();
+  EXPECT_TRUE(stands());
+  drag(118);
+  EXPECT_EQ(travel(), there) << "a hand trembles";
+  drag(60);
+  EXPECT_DOUBLE_EQ(travel(), there + 60);
+  drag(100);
+  EXPECT_DOUBLE_EQ(travel(), there + 20);
+  drag(120);
+  EXPECT_DOUBLE_EQ(travel(), there);
+  release(strip, {120, 12});
+  EXPECT_TRUE(opened.empty()) << "no click";
+}
+
+TEST_F(StripUnderPointer, DragsTheOtherWayWhereSignsGoTheOtherWay) {
+  display.setDirection(ScrollDirection::Right, strip.time());
+  add(picture(5000));
+  show();
+  press(strip, {60, 12});
+  const double there = travel();
+  drag(100);
+  EXPECT_DOUBLE_EQ(travel(), there + 40);
+  release(strip, {100, 12});
+}
+
+TEST_F(StripUnderPointer, LetsGoOfAStripThatIsHidden) {
+  add(picture(5000));
+  show();
+  press(strip, {120, 12});
+  drag(60);
+  strip.hide();
+  EXPECT_FALSE(strip.player().isPaused(StripPlayer::Pause::Hand));
+  release(strip, {60, 12});
+}
+
+TEST_F(StripUnderPointer, MovesWithAWheelAndWithFingersOnATouchPad) {
+  add(picture(5000));
+  show();
+  strip.menu().pause().setChecked(true);
+  const double there = travel();
+  wheel({}, {0, -120});
+  EXPECT_TRUE(waitUntil([&] { return !display.isMoving(); }));
+  EXPECT_DOUBLE_EQ(travel(), there + 60);
+  wheel({}, {0, 120});
+  EXPECT_TRUE(waitUntil([&] { return !display.isMoving(); }));
+  EXPECT_DOUBLE_EQ(travel(), there);
+  wheel({}, {-120, 0});
+  EXPECT_TRUE(waitUntil([&] { return !display.isMoving(); }));
+  EXPECT_DOUBLE_EQ(travel(), there + 60);
+  wheel({7, 0}, {21, 0});
+  EXPECT_DOUBLE_EQ(travel(), there + 53) << "at once, as far as the fingers";
+  wheel({}, {0, 30});
+  EXPECT_DOUBLE_EQ(travel(), there + 38) << "a quarter of a step";
 }
 
 TEST_F(StripUnderPointer, MayGoAwayInAClick) {

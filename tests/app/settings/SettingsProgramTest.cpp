@@ -52,8 +52,7 @@ TEST_F(SettingsCommand, GetsWhatItSet) {
 TEST_F(SettingsCommand, ListsAllSettings) {
   output({u"set"_s, u"color"_s, u"navy"_s});
   const QByteArray lines = output({u"list"_s});
-  EXPECT_TRUE(lines.startsWith("direction       horizontal\nspeed           60\n"))
-      << lines.constData();
+  EXPECT_TRUE(lines.startsWith("direction       left\nspeed           60\n")) << lines.constData();
   EXPECT_TRUE(lines.contains("\ncolor           #000080\n"));
   EXPECT_TRUE(lines.endsWith("\nautostart       off\n"));
   const QJsonObject json = QJsonDocument::fromJson(output({u"list"_s, u"--json"_s})).object();
