@@ -2,6 +2,8 @@
 set(access_SOURCES
     access/FocusRing.cpp
     access/FocusRing.h
+    access/PageReading.cpp
+    access/PageReading.h
     access/StripControlCommands.cpp
     access/StripControlCommands.h
     access/StripFocus.cpp

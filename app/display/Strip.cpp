@@ -22,13 +22,34 @@ Strip::Strip(double extent, double pointsPerSecond, double startTime)
 
 void Strip::setExtent(double points, double time) {
   advanceTo(time);
+  const double before = extent_;
   extent_ = std::isfinite(points) ? std::max(points, 0.0) : 0.0;
+  // A page begins where it did.
+  if (page_)
+    motion_.jumpTo(travel() + extent_ - before, now_);
   retire();
 }
 
 void Strip::setSpeed(double pointsPerSecond, double time) {
   advanceTo(time);
-  motion_.setSpeed(pointsPerSecond, now_);
+  if (page_)
+    page_->setSpeed(pointsPerSecond, now_);
+  else
+    motion_.setSpeed(pointsPerSecond, now_);
+}
+
+void Strip::setPaged(bool paged, double time) {
+  advanceTo(time);
+  if (paged == isPaged())
+    return;
+  const double speed = this->speed();
+  if (paged)
+    page_.emplace(speed, now_);
+  else
+    page_.reset();
+  motion_.jumpTo(motion_.goalAt(now_), now_);
+  motion_.setSpeed(paged ? 0 : speed, now_);
+  retire();
 }
 
 void Strip::advanceTo(double time) {
@@ -50,9 +71,46 @@ double Strip::endOfRound(const StripQueue::Entry& next) const {
   return std::max(now_, motion_.timeAt(travel));
 }
 
+// When what the page shows has been there long enough.
+double Strip::endOfPage() const {
+  if (!page_ || runs_.empty())
+    return Never;
+  const double here = travel();
+  const double begin = std::max(runs_.front().start, here - extent_);
+  return std::max(now_, page_->endOf(std::min(lastEnd_, here) - begin));
+}
+
+bool Strip::hasRoomOnPage() const {
+  return runs_.empty() || lastEnd_ < travel() - Touching;
+}
+
+double Strip::nextPage() const {
+  const double here = travel();
+  for (const Run& run : runs_) {
+    if (run.shownEnd() <= here + Touching)
+      continue;
+    if (run.start > here - extent_ + Touching)
+      return run.start + extent_;
+    return here + std::max(extent_ * (1 - PageOverlap), ShortestStep);
+  }
+  return lastEnd_ + extent_;
+}
+
+// Brings the travel to `goal`: at once on a paged strip, else by a glide.
+void Strip::moveTo(double goal) {
+  if (!page_) {
+    motion_.glideTo(goal, now_, StepSeconds);
+    return;
+  }
+  motion_.jumpTo(goal, now_);
+  page_->begin(now_);
+  retire();
+}
+
 Strip::Event Strip::nextEvent() const {
   Event event;
-  const double clear = std::max(now_, motion_.timeAt(lastEnd_));
+  const double clear =
+      page_ ? (hasRoomOnPage() ? now_ : Never) : std::max(now_, motion_.timeAt(lastEnd_));
   const Entry fresh = queue_.fresh();
   const Entry again = queue_.again();
   const bool isUrgent = fresh && fresh->priority() > 0;
@@ -71,6 +129,9 @@ Strip::Event Strip::nextEvent() const {
     event = {};
   if (queue_.restingUntil() < event.time)
     event = {Event::Kind::Wake, std::max(now_, queue_.restingUntil()), queue_.resting()};
+  // What comes at the same time comes onto the page first.
+  if (const double end = endOfPage(); end < event.time)
+    event = {Event::Kind::Turn, end, nullptr};
   return event;
 }
 
@@ -98,6 +159,9 @@ void Strip::perform(const Event& event) {
     start(event.entry);
     retire();
     return;
+  case Event::Kind::Turn:
+    moveTo(nextPage());
+    return;
   }
 }
 
@@ -110,9 +174,12 @@ void Strip::start(const Entry& entry) {
     queue_.settle(*entry);
     return;
   }
-  const double here = travel();
-  Run run{entry, here - lastEnd_ < Touching ? lastEnd_ : here, 0, nextNumber_++};
+  // Where a run enters at the earliest: at the edge, or at the beginning of the page.
+  const double edge = travel() - (page_ ? extent_ : 0);
+  Run run{entry, edge - lastEnd_ < Touching ? lastEnd_ : edge, 0, nextNumber_++};
   setLength(run, length);
+  if (page_)
+    page_->add(now_);
   lastEnd_ = run.end();
   if (rule.isRepeating() || !entry->isDroppable())
     roundTravel_ = lastEnd_;
@@ -202,22 +269,23 @@ bool Strip::stepForward(double time) {
   const double here = motion_.goalAt(now_);
   // What is as near as that comes by itself.
   const double near =
-      here +
-      (motion_.isGlidingAt(now_) ? ShortestStep : std::max(speed() * StepSeconds, ShortestStep));
+      here + (motion_.isGlidingAt(now_) ? ShortestStep
+                                        : std::max(motion_.speed() * StepSeconds, ShortestStep));
   const auto next = std::find_if(runs_.begin(), runs_.end(),
                                  [&](const Run& run) { return run.start + extent_ >= near; });
   const double goal = (next != runs_.end() ? next->start : lastEnd_) + extent_;
   if (goal < near)
     return false;
-  motion_.glideTo(goal, now_, StepSeconds);
+  moveTo(goal);
   return true;
 }
 
 bool Strip::stepBack(double time) {
   advanceTo(time);
   const double here = motion_.goalAt(now_);
-  const double recent =
-      motion_.isGlidingAt(now_) ? ShortestStep : std::max(speed() * RecentSeconds, ShortestStep);
+  const double recent = motion_.isGlidingAt(now_)
+                            ? ShortestStep
+                            : std::max(motion_.speed() * RecentSeconds, ShortestStep);
   // The runs whose starts have left, the last one first: first those on the strip.
   std::size_t onStrip = runs_.size();
   while (onStrip > 0 && runs_[onStrip - 1].start + extent_ > here + Touching)
@@ -240,7 +308,7 @@ bool Strip::stepBack(double time) {
   const double goal = runs_[onStrip > 0 ? onStrip - 1 : 0].start + extent_;
   if (here - goal < ShortestStep)
     return false;
-  motion_.glideTo(goal, now_, StepSeconds);
+  moveTo(goal);
   return true;
 }
 

@@ -1,6 +1,7 @@
 // The order and the places of items on a moving strip.
 #pragma once
 
+#include "app/access/PageReading.h"
 #include "app/display/Motion.h"
 #include "app/display/StripQueue.h"
 
@@ -29,6 +30,11 @@ namespace zq::app {
 // next or of the one before to the edge at which runs leave. Runs that have left are kept for that:
 // the last MostPast of them, as many as together cost no more than MostPastCost in the queue, those
 // that were withdrawn excepted; and none from before the last remeasure.
+//
+// A paged strip does not move: it shows a page, see setPaged(), for as long as PageReading says,
+// and then at once the next one. All else holds there as well: where a moving strip lets an item
+// enter when there is room for it at the edge, a paged one puts it onto the page as long as that
+// has room behind the last one, or onto the next page; steps are made at once.
 //
 // Times never run backwards; a time before the last one is ignored. What happens is the same
 // however the time is cut into steps, but for items that are not ready when their turn has come:
@@ -65,8 +71,18 @@ class Strip {
 
   double extent() const { return extent_; }
   void setExtent(double points, double time);
-  double speed() const { return motion_.speed(); }
+  double speed() const { return page_ ? page_->speed() : motion_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
+
+  // What of the extent a page repeats of the one before, where a run is longer than the extent: a
+  // word or two, by which the eye finds the place again.
+  static constexpr double PageOverlap = 0.1;
+  // Whether the strip changes page by page, without motion. A page begins with the start of a run,
+  // the first one that the page before did not show to its end, at the edge at which runs leave; or
+  // within a run that is longer than the extent. What is on the strip at the change stays there,
+  // and nothing is shown twice or left out.
+  bool isPaged() const { return page_.has_value(); }
+  void setPaged(bool paged, double time);
 
   StripQueue& queue() { return queue_; }
   const StripQueue& queue() const { return queue_; }
@@ -108,6 +124,8 @@ class Strip {
   // that have left are forgotten.
   template <class Measure>
   void remeasure(Measure lengthOf);
+  // The number of the run that entered last; 0 for none.
+  std::uint64_t lastRun() const { return nextNumber_ - 1; }
   // Calls `visit` for every item that waits or is on the strip; more than once for one that does
   // both.
   template <class Visit>
@@ -120,15 +138,17 @@ class Strip {
   std::uint64_t revision() const { return queue_.revision() + revision_; }
 
   // Whether something is on the strip and moves.
-  bool isMoving() const { return !runs_.empty() && (speed() > 0 || motion_.isGlidingAt(now_)); }
+  bool isMoving() const {
+    return !runs_.empty() && (motion_.speed() > 0 || motion_.isGlidingAt(now_));
+  }
   // Whether nothing is on the strip, and nothing will be unless it is added.
   bool isFinished() const { return runs_.empty() && queue_.isEmpty(); }
-  // When something next happens on a strip that is empty; infinity for never.
+  // When something next happens on a strip that does not move; infinity for never.
   double nextEntryTime();
 
  private:
   struct Event {
-    enum class Kind { None, Wake, EndOfRound, Start };
+    enum class Kind { None, Wake, EndOfRound, Start, Turn };
     Kind kind = Kind::None;
     double time = std::numeric_limits<double>::infinity();
     Entry entry;
@@ -145,8 +165,13 @@ class Strip {
   void moveForward(double points);
   double reachableBack(double goal);
   double endOfRound(const StripQueue::Entry& next) const;
+  double endOfPage() const;
+  bool hasRoomOnPage() const;
+  double nextPage() const;
+  void moveTo(double goal);
 
-  Motion motion_;
+  Motion motion_;                   // stands still, but for jumps, where there are pages
+  std::optional<PageReading> page_; // the one on a paged strip
   double extent_;
   double now_;
   StripQueue queue_;

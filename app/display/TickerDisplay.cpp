@@ -119,6 +119,13 @@ void TickerDisplay::setSpeed(double pointsPerSecond, double time) {
     strip_.setSpeed(pointsPerSecond, time);
 }
 
+void TickerDisplay::setPaged(bool paged, double time) {
+  if (paged == isPaged())
+    return;
+  strip_.setPaged(paged, time);
+  frameIsStale_ = true;
+}
+
 void TickerDisplay::setPaused(bool paused, double time) {
   if (paused == isPaused())
     return;
@@ -424,13 +431,17 @@ bool TickerDisplay::advanceTo(double time) {
   const bool reversed = isReversed(direction_);
   const double travel = strip_.travel();
   const qint64 offset = std::llround((reversed ? extent() - travel : travel) * scale_);
+  // On a page what comes is seen without any motion.
+  if (isPaged() && frameRun_ != strip_.lastRun())
+    frameIsStale_ = true;
+  frameRun_ = strip_.lastRun();
   if (!frameIsStale_ &&
       (offset == frameOffset_ || (strip_.runs().empty() && frame_.pieces.empty())))
     return false;
   frameOffset_ = offset;
   frameIsStale_ = false;
   tiles_.fill(
-      frame_, strip_.runs(), {direction_, offset, scale_, fadeLength()},
+      frame_, strip_.runs(), {direction_, offset, scale_, isPaged() ? 0 : fadeLength()},
       [reversed](const Strip::Run& run) {
         const SignItem& item = itemOf(run);
         // The gap lies behind the sign: at its left, where it moves to the right.

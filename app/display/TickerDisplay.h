@@ -107,6 +107,10 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   double speed() const { return isPaused() ? *pausedSpeed_ : strip_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
 
+  // Whether signs change page by page instead of scrolling, see Strip; without fading then.
+  bool isPaged() const { return strip_.isPaged(); }
+  void setPaged(bool paged, double time);
+
   // A paused strip stands still, but for steps; delays go on.
   bool isPaused() const { return pausedSpeed_.has_value(); }
   void setPaused(bool paused, double time);
@@ -259,6 +263,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   StripTiles tiles_;
   StripFrame frame_;
   qint64 frameOffset_ = 0;
+  std::uint64_t frameRun_ = 0; // the last one
   bool frameIsStale_ = true;
 };
 

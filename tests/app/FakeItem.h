@@ -18,6 +18,7 @@ class FakeItem : public StripItem {
     ++entered;
     return length;
   }
+  double gap(double) const override { return itsGap; }
   void leave() override { ++left; }
   LoopRule loopRule() const override { return rule; }
   void setQueued(bool isQueuedNow) override { isQueued = isQueuedNow; }
@@ -25,6 +26,7 @@ class FakeItem : public StripItem {
   std::string name;
   double length;
   LoopRule rule;
+  double itsGap = 0; // of the length
   int entered = 0;
   int left = 0;
   bool isQueued = false;

@@ -1,3 +1,5 @@
 set(app_access_SOURCES
+    PageReadingTest.cpp
     StripControlScreenTest.cpp
-    StripControlTest.cpp)
+    StripControlTest.cpp
+    StripPagesTest.cpp)
