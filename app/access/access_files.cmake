@@ -1,5 +1,7 @@
 # The ticker for everyone: less motion, assistive technology, contrast.
 set(access_SOURCES
+    access/DesktopWishes.cpp
+    access/DesktopWishes.h
     access/FocusRing.cpp
     access/FocusRing.h
     access/PageReading.cpp
@@ -7,4 +9,6 @@ set(access_SOURCES
     access/StripControlCommands.cpp
     access/StripControlCommands.h
     access/StripFocus.cpp
-    access/StripFocus.h)
+    access/StripFocus.h
+    access/high_contrast.cpp
+    access/high_contrast.h)

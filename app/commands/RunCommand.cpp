@@ -1,5 +1,6 @@
 #include "app/commands/RunCommand.h"
 
+#include "app/access/DesktopWishes.h"
 #include "app/bus/TickerOnBus.h"
 #include "app/bus/TickerService.h"
 #include "app/bus/bus_address.h"
@@ -65,6 +66,7 @@ int runCommand(const QStringList& arguments) {
       printError(NoBusMessage);
   }
   leaveOutUnknownFont(options);
+  const DesktopWishes wishes;
   Ticker ticker(options);
   std::optional<StripTrace> trace;
   if (!options.trace.isEmpty()) {
@@ -78,6 +80,7 @@ int runCommand(const QStringList& arguments) {
   if (options.showsOwn())
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
+  ticker.heed(wishes);
   // Somebody who starts a ticker without anything to show wants to see that it is there.
   if (claim == RunClaim::IsTicker && options.opensWindow && !options.showsAnything())
     ticker.showQueue();

@@ -211,6 +211,8 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
       options.showsControlBar = option.name == "control-bar"_L1;
     else if (option.name == "pause-on-hover"_L1)
       options.pausesOnHover = isOnOf(option);
+    else if (option.name == "reduced-motion"_L1)
+      options.reducesMotion = isOnOf(option);
     else if (option.name == "no-window"_L1)
       options.opensWindow = false;
     else if (option.name == "separate"_L1)

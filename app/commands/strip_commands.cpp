@@ -164,6 +164,13 @@ OptionTable makeRunTable() {
                            false,
                            false,
                            {{u"on"_s, u"the default"_s}, {u"off"_s, {}}}});
+  table.options.push_back({u"reduced-motion"_s,
+                           {u"SWITCH"_s},
+                           u"Whether signs change page by page instead of scrolling. By default as "
+                           u"the desktop's settings wish."_s,
+                           false,
+                           false,
+                           {{u"on"_s, {}}, {u"off"_s, {}}}});
   table.options.push_back(
       {u"separate"_s,
        {},
@@ -194,6 +201,12 @@ OptionTable makeRunTable() {
       u"moved with the left button of the mouse while Alt or Meta (the key with the logo) is held, "
       u"keeps its place for the next time, and covers what lies under it. No strip is larger than "
       u"the free part of its screen."_s,
+      u"With reduced motion the strip stands still and shows what fits, each page for as long as "
+      u"it would take to pass at --speed, and for at least three seconds. Without the option the "
+      u"desktop's settings portal decides, else whether the desktop's animations are switched off; "
+      u"where the desktop asks for high contrast, colors that neither options nor settings name "
+      u"are "
+      u"those of its palette, at a contrast of at least 7:1."_s,
       u"One ticker runs in a session. Where one runs already, the program hands over what it is to "
       u"show, with its standard input, and ends at once; size, place and look stay those of the "
       u"first one. Without anything to show it waits for what other programs send, see zqticker "

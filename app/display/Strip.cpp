@@ -47,7 +47,11 @@ void Strip::setPaged(bool paged, double time) {
     page_.emplace(speed, now_);
   else
     page_.reset();
-  motion_.jumpTo(motion_.goalAt(now_), now_);
+  double here = motion_.goalAt(now_);
+  // Nothing has left yet: the page begins with the first start.
+  if (paged && !runs_.empty())
+    here = std::max(here, runs_.front().start + extent_);
+  motion_.jumpTo(here, now_);
   motion_.setSpeed(paged ? 0 : speed, now_);
   retire();
 }

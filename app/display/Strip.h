@@ -79,8 +79,8 @@ class Strip {
   static constexpr double PageOverlap = 0.1;
   // Whether the strip changes page by page, without motion. A page begins with the start of a run,
   // the first one that the page before did not show to its end, at the edge at which runs leave; or
-  // within a run that is longer than the extent. What is on the strip at the change stays there,
-  // and nothing is shown twice or left out.
+  // within a run that is longer than the extent. What is on the strip at the change stays there, at
+  // its place where a start has already left, and nothing is shown twice or left out.
   bool isPaged() const { return page_.has_value(); }
   void setPaged(bool paged, double time);
 

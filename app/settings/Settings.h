@@ -21,7 +21,8 @@ struct Settings {
   bool autoscale = false;
   double fade = 0; // points at the ends of the strip; 0 for none
   bool showsControlBar = true;
-  bool pausesOnHover = true; // while the pointer rests on the strip
+  bool pausesOnHover = true;         // while the pointer rests on the strip
+  std::optional<bool> reducesMotion; // nothing for as the desktop wishes
   FeedOptions feeds;
   bool startsWithSession = false; // kept by Autostart, not in the file
 

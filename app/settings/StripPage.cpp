@@ -45,11 +45,14 @@ StripPage::StripPage(QWidget* parent)
       height_(makeSideBox()), width_(makeSideBox()), fade_(makeSideBox()),
       controlBar_(new QCheckBox(tr("Show &buttons while the pointer rests on the strip"))),
       pause_(new QCheckBox(tr("Pause while the pointer &rests on the strip"))),
-      autostart_(new QCheckBox(tr("Start with the &session"))) {
+      motion_(new QComboBox), autostart_(new QCheckBox(tr("Start with the &session"))) {
   direction_->addItem(tr("From right to left"), wordOf(ScrollDirection::Left));
   direction_->addItem(tr("From left to right"), wordOf(ScrollDirection::Right));
   direction_->addItem(tr("From bottom to top"), wordOf(ScrollDirection::Up));
   direction_->addItem(tr("From top to bottom"), wordOf(ScrollDirection::Down));
+  motion_->addItem(tr("As the desktop wishes"), u"automatic"_s);
+  motion_->addItem(tr("Scrolling"), u"off"_s);
+  motion_->addItem(tr("Page by page"), u"on"_s);
   speedSlider_->setRange(0, SliderSteps);
   speedSlider_->setAccessibleName(tr("Speed"));
   speed_->setRange(SlowestSpeed, FastestSpeed);
@@ -74,6 +77,7 @@ StripPage::StripPage(QWidget* parent)
   form->addRow(tr("&Fade at the ends:"), fade_);
   form->addRow(controlBar_);
   form->addRow(pause_);
+  form->addRow(tr("&Motion:"), motion_);
   form->addRow(autostart_);
 
   connect(direction_, &QComboBox::currentIndexChanged, this,
@@ -102,6 +106,8 @@ StripPage::StripPage(QWidget* parent)
           [this](bool isOn) { choose(u"control-bar"_s, {switchText(isOn)}); });
   connect(pause_, &QCheckBox::toggled, this,
           [this](bool isOn) { choose(u"pause-on-hover"_s, {switchText(isOn)}); });
+  connect(motion_, &QComboBox::currentIndexChanged, this,
+          [this] { choose(u"reduced-motion"_s, {motion_->currentData().toString()}); });
   connect(autostart_, &QCheckBox::toggled, this,
           [this](bool isOn) { choose(u"autostart"_s, {switchText(isOn)}); });
   connect(&screens_, &ChosenScreen::changed, this, [this] {
@@ -141,6 +147,7 @@ void StripPage::showSettings(const Settings& settings) {
   fade_->setValue(settings.fade);
   controlBar_->setChecked(settings.showsControlBar);
   pause_->setChecked(settings.pausesOnHover);
+  motion_->setCurrentIndex(!settings.reducesMotion ? 0 : *settings.reducesMotion ? 2 : 1);
   autostart_->setChecked(settings.startsWithSession);
 }
 

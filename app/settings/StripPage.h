@@ -42,6 +42,7 @@ class StripPage : public SettingsPage {
   QDoubleSpinBox* fade_;
   QCheckBox* controlBar_;
   QCheckBox* pause_;
+  QComboBox* motion_;
   QCheckBox* autostart_;
   QTimer slid_; // while the slider moves
   QString chosenScreen_;

@@ -43,6 +43,8 @@ void adoptSettings(RunOptions& options, const Settings& settings) {
     options.showsControlBar = settings.showsControlBar;
   if (isFree(u"pause-on-hover"_s))
     options.pausesOnHover = settings.pausesOnHover;
+  if (isFree(u"reduced-motion"_s))
+    options.reducesMotion = settings.reducesMotion;
   if (!options.showsOwn())
     strip.feeds.feeds = settings.feeds.feeds;
   if (isFree(u"feed-items"_s))

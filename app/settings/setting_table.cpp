@@ -126,6 +126,14 @@ std::vector<SettingSpec> makeTable() {
        u"Whether the strip stands still while the pointer rests on it."_s, Kind::Switch,
        [](Settings& s, Option o) { s.pausesOnHover = isOnOf(o); },
        [](const Settings& s) { return valuesOf(s.pausesOnHover); }},
+      {u"reduced-motion"_s, u"on|off"_s,
+       u"Whether signs change page by page instead of scrolling; automatic for as the desktop's "
+       u"settings wish."_s,
+       Kind::Switch,
+       [](Settings& s, Option o) { s.reducesMotion = unlessAutomatic<bool>(o, isOnOf); },
+       [](const Settings& s) {
+         return s.reducesMotion ? valuesOf(*s.reducesMotion) : QStringList{Automatic};
+       }},
       {u"feeds"_s, u"URL..."_s,
        u"The addresses of feeds, shown by a ticker whose command line names nothing to show."_s,
        Kind::List,

@@ -1,5 +1,7 @@
 #include "app/ticker/Ticker.h"
 
+#include "app/access/DesktopWishes.h"
+#include "app/access/high_contrast.h"
 #include "app/commands/failures.h"
 #include "app/commands/sign_loading.h"
 #include "app/controls/ControlBar.h"
@@ -21,6 +23,7 @@
 #include <QtCore/QDir>
 #include <QtCore/QUuid>
 #include <QtGui/QAction>
+#include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 
 #include <exception>
@@ -120,6 +123,12 @@ void Ticker::follow(SettingsStore& settings) {
   connect(&action, &QAction::triggered, this, &Ticker::showSettings);
 }
 
+void Ticker::heed(const DesktopWishes& wishes) {
+  wishes_ = &wishes;
+  connect(&wishes, &DesktopWishes::changed, this, &Ticker::updateLook);
+  updateLook();
+}
+
 void Ticker::showQueue() {
   if (!queueWindow_) {
     queue_ = std::make_unique<TickerQueue>(*this);
@@ -198,15 +207,33 @@ void Ticker::showFeedsOfSettings() {
   displayChanged();
 }
 
+// The options with the colours that are shown.
+RunOptions Ticker::shownOptions() const {
+  RunOptions options = options_;
+  if (!wishes_ || !wishes_->raisesContrast())
+    return options;
+  StripOptions& strip = options.strip;
+  const bool isBackgroundChosen =
+      options_.given.contains(u"background"_s) || strip.background != StripOptions().background;
+  const StripColors colors = contrastingColors(QGuiApplication::palette(),
+                                               isBackgroundChosen ? strip.background : QColor(),
+                                               strip.color.value_or(QColor()));
+  strip.background = colors.background;
+  strip.color = colors.text;
+  return options;
+}
+
 void Ticker::updateLook() {
   const QRect room = place_->room();
   // A screen will come back.
   if (room.isNull())
     return;
-  const StripLook look = lookIn(room, options_);
-  setUpDisplay(display_, options_.strip, look, time());
-  widget_->setBackground(options_.strip.background);
-  place_->take(options_, look);
+  const RunOptions options = shownOptions();
+  const StripLook look = lookIn(room, options);
+  setUpDisplay(display_, options.strip, look, time());
+  display_.setPaged(options_.reducesMotion.value_or(wishes_ && wishes_->reducesMotion()), time());
+  widget_->setBackground(options.strip.background);
+  place_->take(options, look);
   interaction_->pointer().setPausesAtRest(options_.pausesOnHover);
   updateControlBar();
   displayChanged();

@@ -17,6 +17,7 @@
 namespace zq::app {
 
 class ClockService;
+class DesktopWishes;
 class QueueWindow;
 class StripInteraction;
 class ControlBar;
@@ -62,6 +63,11 @@ class Ticker : public QObject {
   // Their feeds are shown where it named nothing to show, and the ticker then goes on when all has
   // been shown, since new ones may come. `settings` must outlive the ticker.
   void follow(SettingsStore& settings);
+  // Heeds, now and whenever they change, the desktop's wishes, where neither the command line nor
+  // the settings decide: signs change page by page where less motion is wished for, and where more
+  // contrast is, colours that were not chosen are those of contrastingColors(). White as the
+  // background in the settings counts as none chosen. `wishes` must outlive the ticker.
+  void heed(const DesktopWishes& wishes);
   // Opens the window that shows what is queued. While it or that of the settings is open, the
   // ticker does not finish.
   void showQueue();
@@ -109,6 +115,7 @@ class Ticker : public QObject {
   void runClockOf(const StripOptions& options);
   void adopt(const Settings& settings);
   void updateLook();
+  RunOptions shownOptions() const;
   void updateControlBar();
   void showFeedsOfSettings();
   void update();
@@ -123,6 +130,7 @@ class Ticker : public QObject {
   std::unique_ptr<ControlBar> controlBar_; // null where there is none
   bool triedControlBar_ = false;           // whether one was to be made
   std::vector<std::unique_ptr<SourceSet>> sources_;
+  const DesktopWishes* wishes_ = nullptr;          // that are heeded
   SettingsStore* settings_ = nullptr;              // that are followed
   std::unique_ptr<TickerQueue> queue_;             // once its window has been asked for
   std::unique_ptr<QueueWindow> queueWindow_;       // the same

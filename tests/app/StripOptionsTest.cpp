@@ -169,6 +169,9 @@ TEST(RunOptions, ReadThePosition) {
   EXPECT_TRUE(readRunOptions(words("--text a")).pausesOnHover);
   EXPECT_FALSE(readRunOptions(words("--text a --pause-on-hover off")).pausesOnHover);
   EXPECT_THROW(readRunOptions(words("--text a --pause-on-hover maybe")), UsageError);
+  EXPECT_EQ(readRunOptions(words("--text a")).reducesMotion, std::nullopt);
+  EXPECT_EQ(readRunOptions(words("--text a --reduced-motion on")).reducesMotion, true);
+  EXPECT_THROW(readRunOptions(words("--text a --reduced-motion maybe")), UsageError);
   EXPECT_EQ(readRunOptions(words("--text a --direction vertical --position left")).edge,
             Edge::Left);
   EXPECT_EQ(readRunOptions(words("--text a --direction vertical --position right")).edge,

@@ -226,6 +226,16 @@ TEST_F(PagedStrip, KeepsWhatIsReadWhenPagingBeginsAndEnds) {
   EXPECT_TRUE(strip.isMoving());
 }
 
+TEST_F(PagedStrip, BeginsWithTheFirstStartWhereNothingHasLeftYet) {
+  strip.setPaged(false, 0);
+  add("a", 60);
+  add("b", 60);
+  ASSERT_EQ(page(2), "a+80");
+  strip.setPaged(true, 2);
+  EXPECT_EQ(page(2), "a+0 b+60");
+  EXPECT_EQ(page(12), "b+0");
+}
+
 TEST_F(PagedStrip, EndsAStepThatIsUnderWayAtOnce) {
   strip.setPaged(false, 0);
   add("a", 60);

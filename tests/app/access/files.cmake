@@ -1,5 +1,10 @@
 set(app_access_SOURCES
+    DesktopWishesTest.cpp
+    FakePortal.cpp
+    FakePortal.h
     PageReadingTest.cpp
     StripControlScreenTest.cpp
     StripControlTest.cpp
-    StripPagesTest.cpp)
+    StripPagesScreenTest.cpp
+    StripPagesTest.cpp
+    high_contrastTest.cpp)

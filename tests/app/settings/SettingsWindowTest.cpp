@@ -89,6 +89,7 @@ TEST_F(SettingsDialog, ShowsTheSettings) {
                 {u"height"_s, {u"300"_s}},
                 {u"control-bar"_s, {u"off"_s}},
                 {u"pause-on-hover"_s, {u"off"_s}},
+                {u"reduced-motion"_s, {u"on"_s}},
                 {u"font"_s, {u"DejaVu Sans 18"_s}},
                 {u"color"_s, {u"#000080"_s}},
                 {u"background"_s, {u"#80ffffe0"_s}},
@@ -104,6 +105,7 @@ TEST_F(SettingsDialog, ShowsTheSettings) {
   EXPECT_EQ(named<QDoubleSpinBox>(u"Width"_s).text(), u"Automatic"_s);
   EXPECT_FALSE(named<QCheckBox>(u"Show buttons"_s).isChecked());
   EXPECT_FALSE(named<QCheckBox>(u"Pause"_s).isChecked());
+  EXPECT_EQ(named<QComboBox>(u"Motion"_s).currentData(), u"on"_s);
   EXPECT_TRUE(named<QCheckBox>(u"Font of your own"_s).isChecked());
   EXPECT_EQ(named<QFontComboBox>(u"Family"_s).currentText(), u"DejaVu Sans"_s);
   EXPECT_EQ(named<QDoubleSpinBox>(u"Size"_s).value(), 18);
@@ -137,6 +139,10 @@ TEST_F(SettingsDialog, AppliesEveryChoiceAtOnce) {
   EXPECT_FALSE(settings().showsControlBar);
   named<QCheckBox>(u"Pause"_s).click();
   EXPECT_FALSE(settings().pausesOnHover);
+  named<QComboBox>(u"Motion"_s).setCurrentIndex(1);
+  EXPECT_EQ(settings().reducesMotion, false);
+  named<QComboBox>(u"Motion"_s).setCurrentIndex(0);
+  EXPECT_EQ(settings().reducesMotion, std::nullopt);
   named<QCheckBox>(u"Start with the session"_s).click();
   EXPECT_TRUE(settings().startsWithSession);
   turnTo(1);

@@ -28,6 +28,7 @@ Settings chosen() {
   settings.autoscale = true;
   settings.showsControlBar = false;
   settings.pausesOnHover = false;
+  settings.reducesMotion = true;
   settings.feeds = {{QUrl(u"https://a/"_s)}, 7.0, 3};
   return settings;
 }
@@ -47,6 +48,7 @@ TEST(RunSettings, AreTakenWhereTheCommandLineSaysNothing) {
   EXPECT_TRUE(options.strip.autoscale);
   EXPECT_FALSE(options.showsControlBar);
   EXPECT_FALSE(options.pausesOnHover);
+  EXPECT_EQ(options.reducesMotion, true);
   EXPECT_EQ(options.strip.feeds, chosen().feeds);
 }
 
@@ -54,7 +56,7 @@ TEST(RunSettings, GiveWayToTheCommandLine) {
   const RunOptions options =
       run("--text a --direction horizontal --speed 20 --font Sans --color lime --background black "
           "--position top --screen DP-1 --height 24 --width 800 --no-autoscale --control-bar "
-          "--pause-on-hover on",
+          "--pause-on-hover on --reduced-motion off",
           chosen());
   EXPECT_EQ(options.strip.direction, ScrollDirection::Left);
   EXPECT_EQ(options.strip.speed, 20);
@@ -68,6 +70,7 @@ TEST(RunSettings, GiveWayToTheCommandLine) {
   EXPECT_FALSE(options.strip.autoscale);
   EXPECT_TRUE(options.showsControlBar);
   EXPECT_TRUE(options.pausesOnHover);
+  EXPECT_EQ(options.reducesMotion, false);
   const RunOptions feeds = run("--feed https://b/ --feed-items 5 --feed-interval 9", chosen());
   EXPECT_EQ(feeds.strip.feeds, (FeedOptions{{QUrl(u"https://b/"_s)}, 9.0, 5}));
   EXPECT_EQ(run("--screen primary", chosen()).screen, QString());

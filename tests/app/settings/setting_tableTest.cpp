@@ -56,6 +56,7 @@ const std::vector<std::pair<QString, QStringList>> Chosen{
     {u"fade"_s, {u"32"_s}},
     {u"control-bar"_s, {u"off"_s}},
     {u"pause-on-hover"_s, {u"off"_s}},
+    {u"reduced-motion"_s, {u"on"_s}},
     {u"feeds"_s, {u"https://example.org/a"_s, u"file:///tmp/b.xml"_s}},
     {u"feed-items"_s, {u"3"_s}},
     {u"feed-interval"_s, {u"7.5"_s}},

@@ -1,0 +1,100 @@
+// The program page by page and in high contrast, as a desktop's portal wishes.
+#include "tests/app/Program.h"
+#include "tests/app/XServer.h"
+#include "tests/app/access/FakePortal.h"
+#include "tests/app/bus/PrivateBus.h"
+
+#include <QtCore/QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <optional>
+
+using namespace Qt::StringLiterals;
+using namespace zq::app;
+using namespace zq::app::testing;
+
+namespace {
+constexpr int Width = 640;
+constexpr int Height = 400;
+constexpr int StripHeight = 24;
+const QString Appearance = u"org.freedesktop.appearance"_s;
+
+class StripPagesScreen : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    if (!XServer::isInstalled() || !PrivateBus::isInstalled())
+      GTEST_SKIP() << "Xvfb or dbus-daemon is not installed";
+    server_.emplace(Width, Height);
+    ASSERT_FALSE(server_->display().isEmpty()) << "Xvfb does not start";
+    bus_.emplace();
+    ASSERT_TRUE(bus_->isRunning());
+    portal_.emplace(bus_->address());
+  }
+
+  void run(const QStringList& more = {}) {
+    QProcessEnvironment environment = bus_->environment(server_->environment());
+    environment.insert(u"XDG_CONFIG_HOME"_s, folder_.path());
+    program_.emplace(QStringList{u"run"_s, u"--image"_s, picture(Qt::red), u"--image"_s,
+                                 picture(Qt::blue), u"--speed"_s, u"200"_s, u"--no-control-bar"_s} +
+                         more,
+                     environment);
+  }
+  // As long as most of the strip: each is a page.
+  QString picture(QColor color) {
+    QImage image(Width - 100, StripHeight, QImage::Format_RGB32);
+    image.fill(color);
+    const QString file = folder_.filePath(color.name() + u".png"_s);
+    EXPECT_TRUE(image.save(file));
+    return file;
+  }
+  QRgb colorAt(int x) {
+    return server_->screenshot().pixel(x, Height - StripHeight / 2) & 0xffffff;
+  }
+  static QRgb rgb(QColor color) { return color.rgb() & 0xffffff; }
+
+  QTemporaryDir folder_;
+  std::optional<XServer> server_;
+  std::optional<PrivateBus> bus_;
+  std::optional<FakePortal> portal_;
+  std::optional<RunningProgram> program_;
+};
+} // namespace
+
+TEST_F(StripPagesScreen, ChangesPageByPageAsThePortalWishes) {
+  portal_->set(Appearance, u"reduced-motion"_s, 1u);
+  portal_->show();
+  run();
+  for (const QColor color : {Qt::red, Qt::blue, Qt::red}) {
+    EXPECT_TRUE(waitUntil([&] { return colorAt(0) == rgb(color); })) << color.name().toStdString();
+    // Nothing slides: the page begins where the strip does.
+    EXPECT_EQ(colorAt(Width - 110), rgb(color));
+  }
+}
+
+TEST_F(StripPagesScreen, ScrollsAgainWhenTheWishHasGone) {
+  portal_->set(Appearance, u"reduced-motion"_s, 1u);
+  portal_->show();
+  run();
+  ASSERT_TRUE(waitUntil([&] { return colorAt(0) == rgb(Qt::red); }));
+  portal_->set(Appearance, u"reduced-motion"_s, 0u);
+  EXPECT_TRUE(waitUntil([&] {
+    return colorAt(0) == rgb(Qt::red) && colorAt(Width - 200) != rgb(Qt::red);
+  })) << "the picture has moved on";
+}
+
+TEST_F(StripPagesScreen, DoesWhatTheCommandLineSaysWhateverThePortalWishes) {
+  portal_->set(Appearance, u"reduced-motion"_s, 1u);
+  portal_->show();
+  run({u"--reduced-motion"_s, u"off"_s});
+  EXPECT_TRUE(waitUntil([&] { return colorAt(Width - 1) == rgb(Qt::red); })) << "it slides in";
+}
+
+TEST_F(StripPagesScreen, TakesMoreContrastWhenItIsWishedFor) {
+  portal_->show();
+  run();
+  ASSERT_TRUE(waitUntil([&] { return colorAt(0) == rgb(Qt::red); }));
+  portal_->set(Appearance, u"contrast"_s, 1u);
+  run({u"--background"_s, u"#123456"_s});
+  EXPECT_TRUE(waitUntil([&] { return colorAt(Width - 1) == 0x123456u; })) << "chosen by the user";
+}
