@@ -1,5 +1,7 @@
 # The ticker for everyone: less motion, assistive technology, contrast.
 set(access_SOURCES
+    access/AccessibleStrip.cpp
+    access/AccessibleStrip.h
     access/DesktopWishes.cpp
     access/DesktopWishes.h
     access/FocusRing.cpp
@@ -10,5 +12,7 @@ set(access_SOURCES
     access/StripControlCommands.h
     access/StripFocus.cpp
     access/StripFocus.h
+    access/StripVoice.cpp
+    access/StripVoice.h
     access/high_contrast.cpp
     access/high_contrast.h)

@@ -17,6 +17,7 @@ class StripInteraction {
   StripInteraction(const StripInteraction&) = delete;
 
   StripPointer& pointer() { return pointer_; }
+  const SignOpener& opener() const { return opener_; }
 
  private:
   SignOpener opener_;

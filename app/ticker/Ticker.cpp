@@ -1,6 +1,7 @@
 #include "app/ticker/Ticker.h"
 
 #include "app/access/DesktopWishes.h"
+#include "app/access/StripVoice.h"
 #include "app/access/high_contrast.h"
 #include "app/commands/failures.h"
 #include "app/commands/sign_loading.h"
@@ -67,6 +68,7 @@ Ticker::Ticker(const RunOptions& options)
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
   interaction_ = std::make_unique<StripInteraction>(*widget_, display_);
   place_ = std::make_unique<StripPlace>(*widget_, screen_);
+  new StripVoice(*widget_, display_, interaction_->opener());
   updateLook();
   connect(place_.get(), &StripPlace::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,

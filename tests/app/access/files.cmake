@@ -7,4 +7,5 @@ set(app_access_SOURCES
     StripControlTest.cpp
     StripPagesScreenTest.cpp
     StripPagesTest.cpp
+    StripVoiceTest.cpp
     high_contrastTest.cpp)
