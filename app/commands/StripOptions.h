@@ -72,9 +72,9 @@ struct RunOptions {
   bool pausesOnHover = true; // while the pointer rests on the strip
   // Whether signs change page by page instead of scrolling; nothing for as the desktop wishes.
   std::optional<bool> reducesMotion;
-  bool isSeparate = false;   // it is not the session's ticker, and hands nothing over to that
-  bool opensWindow = true;   // the queue window, where there is nothing to show
-  QString trace;             // the file for it; empty for none
+  bool isSeparate = false; // it is not the session's ticker, and hands nothing over to that
+  bool opensWindow = true; // the queue window, where there is nothing to show
+  QString trace;           // the file for it; empty for none
   // The names of the options that were given. The others follow the settings.
   QSet<QString> given;
 

@@ -1,6 +1,7 @@
 #include "tests/app/access/FakePortal.h"
 
 #include <QtCore/QUuid>
+#include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVariant>
 
@@ -49,8 +50,10 @@ QString FakePortal::introspect(const QString&) const {
 
 bool FakePortal::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
   const bool isOne = message.member() == "ReadOne"_L1 && age_ == Age::New;
-  if (message.interface() != Interface || (!isOne && message.member() != "Read"_L1))
-    return false;
+  if (message.interface() != Interface || (!isOne && message.member() != "Read"_L1)) {
+    connection.send(message.createErrorReply(QDBusError::UnknownMethod, u"no such method"_s));
+    return true;
+  }
   const auto found = values_.constFind(
       {message.arguments().value(0).toString(), message.arguments().value(1).toString()});
   if (found == values_.constEnd())
