@@ -22,6 +22,9 @@ const Strip::Run* runOf(const TickerDisplay& display, std::uint64_t number) {
 StripVoice::StripVoice(StripWidget& strip, const TickerDisplay& display, const SignOpener& opener)
     : QObject(&strip), strip_(strip), display_(display), opener_(opener) {
   installAccessibleStrips();
+  // One that was asked for before knows nothing of this.
+  if (QAccessibleInterface* former = QAccessible::queryAccessibleInterface(&strip))
+    QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(former));
   rest_.setSingleShot(true);
   rest_.setInterval(RestMilliseconds);
   connect(&rest_, &QTimer::timeout, this, &StripVoice::tell);

@@ -34,8 +34,8 @@ class Voice : public HandledStrip {
   Voice() {
     told.clear();
     before_ = QAccessible::installUpdateHandler(note);
-    QAccessible::setActive(true);
     voice = std::make_unique<StripVoice>(strip, display, opener);
+    QAccessible::setActive(true);
   }
   ~Voice() override {
     voice.reset();
