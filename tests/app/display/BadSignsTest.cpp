@@ -78,8 +78,9 @@ TEST_P(OddlySizedSign, NeitherStopsNorShiftsTheOthers) {
           EXPECT_NEAR(display.strip().travel() - runs.front().start, frame * Speed * FrameSeconds,
                       1e-9);
         }
-        if (before >= 0)
+        if (before >= 0) {
           EXPECT_NEAR(display.strip().travel() - before, Speed * FrameSeconds, 1e-9);
+        }
         before = display.strip().travel();
       }
       // Five seconds are enough for all but the long ones.
