@@ -19,8 +19,9 @@ const Strip::Run* runOf(const TickerDisplay& display, std::uint64_t number) {
 }
 } // namespace
 
-StripVoice::StripVoice(StripWidget& strip, const TickerDisplay& display, const SignOpener& opener)
-    : QObject(&strip), strip_(strip), display_(display), opener_(opener) {
+StripVoice::StripVoice(StripWidget& strip, const TickerDisplay& display, const SignOpener& opener,
+                       Tell tell)
+    : QObject(&strip), strip_(strip), display_(display), opener_(opener), tell_(std::move(tell)) {
   installAccessibleStrips();
   // One that was asked for before knows nothing of this.
   if (QAccessibleInterface* former = QAccessible::queryAccessibleInterface(&strip))
@@ -77,7 +78,7 @@ void StripVoice::tell() {
   if (!sign)
     return;
   QAccessibleEvent shown(sign, QAccessible::ObjectShow);
-  QAccessible::updateAccessibility(&shown);
+  tell_(&shown);
   rest_.start();
 }
 

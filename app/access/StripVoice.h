@@ -7,6 +7,7 @@
 #include <QtGui/QAccessible>
 
 #include <cstdint>
+#include <functional>
 
 namespace zq::app {
 
@@ -31,8 +32,12 @@ class StripVoice : public QObject, private QAccessible::ActivationObserver {
   // Of what a sign says, in UTF-16 units; more of it ends in an ellipsis.
   static constexpr qsizetype LongestText = 2000;
 
-  // A child of `strip`. All must outlive it.
-  StripVoice(StripWidget& strip, const TickerDisplay& display, const SignOpener& opener);
+  // Hands an event to the platform.
+  using Tell = std::function<void(QAccessibleEvent* event)>;
+
+  // A child of `strip`. The display and the opener must outlive the strip's frames.
+  StripVoice(StripWidget& strip, const TickerDisplay& display, const SignOpener& opener,
+             Tell tell = &QAccessible::updateAccessibility);
   ~StripVoice() override;
 
   StripWidget& strip() const { return strip_; }
@@ -54,6 +59,7 @@ class StripVoice : public QObject, private QAccessible::ActivationObserver {
   StripWidget& strip_;
   const TickerDisplay& display_;
   const SignOpener& opener_;
+  Tell tell_;
   QMetaObject::Connection frames_;
   QTimer rest_;
   std::uint64_t lastRun_ = 0; // that was looked at

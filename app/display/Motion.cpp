@@ -58,12 +58,4 @@ void Motion::glideTo(double travel, double time, double seconds) {
   since_ = glideStart_ + seconds;
 }
 
-void Motion::jumpTo(double travel, double time) {
-  if (!std::isfinite(travel) || !std::isfinite(time))
-    return;
-  since_ = std::max(isGlidingAt(time) ? glideStart_ : since_, time);
-  glideStart_ = since_;
-  glideFrom_ = travelThen_ = travel;
-}
-
 } // namespace zq::app

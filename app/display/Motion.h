@@ -4,8 +4,7 @@
 namespace zq::app {
 
 // The travel of a strip: points moved since the beginning, growing at `speed` points per second;
-// but for glides, which go a way, also back, within a short time,
-// and for jumps. Times are seconds on one
+// but for glides, which go a way, also back, within a short time. Times are seconds on one
 // monotonic clock; nothing counts frames, so that the motion is the same at every frame rate and
 // with dropped frames.
 class Motion {
@@ -35,8 +34,6 @@ class Motion {
   // at its speed from there. Takes over from a glide that is under way. Does nothing where an
   // argument is no finite number or the time is none.
   void glideTo(double travel, double time, double seconds);
-  // Is at `travel` from `time` on, and goes on at its speed from there. Ends a glide.
-  void jumpTo(double travel, double time);
   bool isGlidingAt(double time) const { return glideStart_ < since_ && time < since_; }
   // The travel at the end of the glide that is under way at `time`; without one travelAt(time).
   double goalAt(double time) const { return isGlidingAt(time) ? travelThen_ : travelAt(time); }

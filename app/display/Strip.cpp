@@ -26,7 +26,7 @@ void Strip::setExtent(double points, double time) {
   extent_ = std::isfinite(points) ? std::max(points, 0.0) : 0.0;
   // A page begins where it did.
   if (page_)
-    motion_.jumpTo(travel() + extent_ - before, now_);
+    motion_.restartAt(travel() + extent_ - before, now_);
   retire();
 }
 
@@ -51,7 +51,7 @@ void Strip::setPaged(bool paged, double time) {
   // Nothing has left yet: the page begins with the first start.
   if (paged && !runs_.empty())
     here = std::max(here, runs_.front().start + extent_);
-  motion_.jumpTo(here, now_);
+  motion_.restartAt(here, now_);
   motion_.setSpeed(paged ? 0 : speed, now_);
   retire();
 }
@@ -101,12 +101,12 @@ double Strip::nextPage() const {
 }
 
 // Brings the travel to `goal`: at once on a paged strip, else by a glide.
-void Strip::moveTo(double goal) {
+void Strip::moveTo(double goal, double seconds) {
   if (!page_) {
-    motion_.glideTo(goal, now_, StepSeconds);
+    motion_.glideTo(goal, now_, seconds);
     return;
   }
-  motion_.jumpTo(goal, now_);
+  motion_.restartAt(goal, now_);
   page_->begin(now_);
   retire();
 }
@@ -325,6 +325,8 @@ void Strip::moveBy(double points, double time) {
   motion_.restartAt(way < 0 ? std::min(reachableBack(here + way), here) : here, now_);
   if (way > 0)
     moveForward(way);
+  if (page_)
+    page_->begin(now_);
   advanceTo(now_);
 }
 
@@ -367,14 +369,15 @@ void Strip::glideBy(double points, double seconds, double time) {
                       : queue_.isEmpty() ? std::min(from + way, end)
                                          : from + way;
   if (goal != from)
-    motion_.glideTo(goal, now_, seconds);
+    moveTo(goal, seconds);
 }
 
 void Strip::throwBy(double pointsPerSecond, double time) {
   // A glide, which slows down with the cube of its time, goes a third of what its first speed
   // would.
   moveBy(0, time);
-  glideBy(pointsPerSecond * ThrowSeconds / 3, ThrowSeconds, time);
+  if (!page_)
+    glideBy(pointsPerSecond * ThrowSeconds / 3, ThrowSeconds, time);
 }
 
 double Strip::nextEntryTime() {

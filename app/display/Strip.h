@@ -106,7 +106,8 @@ class Strip {
   void moveBy(double points, double time);
   // The same within `seconds`, fast at first and ever slower; adds to what is under way so.
   void glideBy(double points, double seconds, double time);
-  // Lets everything run out from a speed, negative for back, into the strip's own.
+  // Lets everything run out from a speed, negative for back, into the strip's own. A paged strip
+  // stays where it is: nothing slides there.
   void throwBy(double pointsPerSecond, double time);
 
   // Takes an entry out for good: it does not enter again, a step back does not bring it back.
@@ -168,7 +169,7 @@ class Strip {
   double endOfPage() const;
   bool hasRoomOnPage() const;
   double nextPage() const;
-  void moveTo(double goal);
+  void moveTo(double goal, double seconds = StepSeconds);
 
   Motion motion_;                   // stands still, but for jumps, where there are pages
   std::optional<PageReading> page_; // the one on a paged strip

@@ -183,6 +183,21 @@ TEST_F(PagedStrip, StepsAtOnce) {
   EXPECT_FALSE(strip.stepBack(12));
 }
 
+TEST_F(PagedStrip, FollowsAHandAndDoesNotGlideAfterIt) {
+  add("a", 60);
+  add("b", 60);
+  add("c", 60);
+  ASSERT_EQ(page(4), "a+0 b+60");
+  strip.moveBy(30, 4);
+  EXPECT_EQ(page(4), "a-30 b+30 c+90");
+  strip.throwBy(500, 4);
+  EXPECT_EQ(page(5), "a-30 b+30 c+90");
+  strip.glideBy(30, 0.5, 5);
+  EXPECT_EQ(page(5), "b+0 c+60") << "at once";
+  EXPECT_EQ(page(14.9), "b+0 c+60");
+  EXPECT_EQ(page(15), "c+0");
+}
+
 TEST_F(PagedStrip, GoesBackToTheStartOfALongSign) {
   add("a", 250);
   EXPECT_EQ(page(10), "a-90");
