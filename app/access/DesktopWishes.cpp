@@ -77,6 +77,8 @@ void DesktopWishes::readFiles(const QString& folder) {
 
 void DesktopWishes::observe() {
   QDBusConnection connection = bus_.connection();
+  // The bus finds the types of a slot by their names.
+  qRegisterMetaType<QDBusVariant>();
   // Of any sender: to name one, the toolkit would wait for the bus.
   connection.connect(QString(), PortalPath, PortalInterface, u"SettingChanged"_s, this,
                      SLOT(settingChanged(QString, QString, QDBusVariant)));
