@@ -55,8 +55,7 @@ StripLook lookOf(const StripOptions& options, QSizeF room) {
 
 void setUpDisplay(TickerDisplay& display, const StripOptions& options, const StripLook& look,
                   double time) {
-  display.setDirection(options.direction, time);
-  display.setSize(look.size, time);
+  display.setShape(options.direction, look.size, time);
   if (!display.defaultFont() || !display.defaultFont()->isEqual(*look.font))
     display.setDefaultFont(look.font);
   if (!display.defaultTextColor() || !display.defaultTextColor()->isEqual(*look.color))

@@ -20,13 +20,26 @@ Strip::Strip(double extent, double pointsPerSecond, double startTime)
     : motion_(pointsPerSecond, startTime), extent_(extent), now_(startTime), lastEnd_(-Never),
       roundTravel_(-Never), roundEnd_(startTime) {}
 
-void Strip::setExtent(double points, double time) {
+bool Strip::Run::isSeen() const {
+  return unseenAtStart <= Touching && unseenAtEnd <= Touching;
+}
+
+void Strip::setExtent(double points, double time, Edge kept) {
   advanceTo(time);
   const double before = extent_;
   extent_ = std::isfinite(points) ? std::max(points, 0.0) : 0.0;
-  // A page begins where it did.
-  if (page_)
+  // A page begins where it did. On a strip without extent nothing has been in sight.
+  if (page_) {
     motion_.restartAt(travel() + extent_ - before, now_);
+  } else if (kept == Edge::Leaving && before > 0) {
+    const double shift = before - extent_;
+    for (std::deque<Run>* runs : {&runs_, &past_})
+      for (Run& run : *runs)
+        run.start += shift;
+    lastEnd_ += shift;
+    roundTravel_ += shift;
+  }
+  see(travel());
   retire();
 }
 
@@ -59,6 +72,7 @@ void Strip::setPaged(bool paged, double time) {
 void Strip::advanceTo(double time) {
   if (!(time >= now_) || !std::isfinite(time))
     return;
+  see(farthestBack(time));
   for (;;) {
     letRest();
     const Event event = nextEvent();
@@ -67,7 +81,28 @@ void Strip::advanceTo(double time) {
     perform(event);
   }
   now_ = time;
+  see(travel());
   retire();
+}
+
+// The least travel up to `time`.
+double Strip::farthestBack(double time) const {
+  const double then = motion_.travelAt(time);
+  const bool isEndPassed = motion_.isGlidingAt(now_) && !motion_.isGlidingAt(time);
+  return std::min({travel(), then, isEndPassed ? motion_.goalAt(now_) : then});
+}
+
+// Notes what has come into sight when the strip has gone to `travel`, in one go from where it was
+// when it was called last.
+void Strip::see(double travel) {
+  for (Run& run : runs_) {
+    if (run.isSeen())
+      continue;
+    const double entered = std::clamp(travel - run.start, 0.0, run.shown);
+    const double gone = std::clamp(travel - run.start - extent_, 0.0, run.shown);
+    run.unseenAtEnd = std::min(run.unseenAtEnd, run.shown - entered);
+    run.unseenAtStart = std::min(run.unseenAtStart, gone);
+  }
 }
 
 double Strip::endOfRound(const StripQueue::Entry& next) const {
@@ -136,6 +171,12 @@ Strip::Event Strip::nextEvent() const {
   // What comes at the same time comes onto the page first.
   if (const double end = endOfPage(); end < event.time)
     event = {Event::Kind::Turn, end, nullptr};
+  // What is to be shown again waits from the moment at which it has left.
+  if (!runs_.empty() && runs_.front().unseenAtStart > Touching) {
+    const double left = std::max(now_, motion_.timeAt(runs_.front().end() + extent_));
+    if (left < event.time)
+      event = {Event::Kind::Leave, left, runs_.front().entry};
+  }
   return event;
 }
 
@@ -166,6 +207,9 @@ void Strip::perform(const Event& event) {
   case Event::Kind::Turn:
     moveTo(nextPage());
     return;
+  case Event::Kind::Leave:
+    retireFirst();
+    return;
   }
 }
 
@@ -184,8 +228,10 @@ void Strip::start(const Entry& entry) {
   setLength(run, length);
   if (page_)
     page_->add(now_);
+  run.unseenAtEnd = run.shown;
+  run.isOfRound = rule.isRepeating() || !entry->isDroppable();
   lastEnd_ = run.end();
-  if (rule.isRepeating() || !entry->isDroppable())
+  if (run.isOfRound)
     roundTravel_ = lastEnd_;
   runs_.push_back(std::move(run));
   ++entry->onStrip;
@@ -200,22 +246,101 @@ void Strip::start(const Entry& entry) {
 void Strip::retire() {
   // On the way back what comes into sight again stays.
   const double gone = std::min(travel(), motion_.goalAt(now_)) - extent_;
-  while (!runs_.empty() && runs_.front().end() <= gone) {
-    Run run = std::move(runs_.front());
-    runs_.pop_front();
-    ++revision_;
-    if (--run.entry->onStrip == 0) {
-      run.item().leave();
-      queue_.settle(*run.entry);
-    }
-    if (!run.entry->isWithdrawn)
-      keepPast(std::move(run));
+  while (!runs_.empty() && runs_.front().end() <= gone)
+    retireFirst();
+}
+
+void Strip::retireFirst() {
+  Run run = std::move(runs_.front());
+  runs_.pop_front();
+  ++revision_;
+  // All of it has entered, but for what had not at a reversal.
+  const bool isPutBack = run.unseenAtStart > Touching && queue_.putBack(run.entry);
+  if (--run.entry->onStrip == 0) {
+    run.item().leave();
+    queue_.settle(*run.entry);
   }
+  if (!isPutBack && !run.entry->isWithdrawn)
+    keepPast(std::move(run));
 }
 
 void Strip::setLength(Run& run, double length) {
   run.length = std::max(length, ShortestRun);
   run.gap = std::clamp(run.item().gap(run.length), 0.0, run.length);
+  run.shown = run.length - run.gap;
+}
+
+// The last run that begins before a place, or the oldest one.
+std::size_t Strip::runAt(double place) const {
+  std::size_t after = 0;
+  while (after < runs_.size() && runs_[after].start <= place)
+    ++after;
+  return after > 0 ? after - 1 : 0;
+}
+
+void Strip::finishRemeasuring() {
+  for (Run& run : runs_) {
+    if (run.unseenAtStart > 0)
+      run.unseenAtStart = run.shown;
+    if (run.unseenAtEnd > 0)
+      run.unseenAtEnd = run.shown;
+  }
+  see(travel());
+  updateEnds();
+}
+
+// After the runs were moved relatively to each other.
+void Strip::updateEnds() {
+  if (runs_.empty())
+    return;
+  lastEnd_ = runs_.back().end();
+  const auto last =
+      std::find_if(runs_.rbegin(), runs_.rend(), [](const Run& run) { return run.isOfRound; });
+  roundTravel_ = last != runs_.rend() ? last->end() : travel() - extent_;
+}
+
+void Strip::updateShown(const Entry& entry) {
+  for (Run& run : runs_)
+    if (run.entry == entry)
+      run.shown = run.length - std::clamp(run.item().gap(run.length), 0.0, run.length);
+}
+
+void Strip::reverse(double time) {
+  advanceTo(time);
+  const double here = travel();
+  const double goal = motion_.goalAt(now_);
+  // Of these nothing but the gap has been left.
+  while (!runs_.empty() && runs_.front().shownEnd() <= here - extent_ + Touching)
+    retireFirst();
+  mirrorRuns();
+  motion_.restartAt(extent_ - here, now_);
+  lastEnd_ = roundTravel_ = travel() - extent_;
+  updateEnds();
+  // What has left stands beyond the edge at which runs leave now.
+  double edge = travel() - extent_;
+  if (!runs_.empty())
+    edge = std::min(edge, runs_.front().start);
+  for (auto run = past_.rbegin(); run != past_.rend(); ++run)
+    edge = run->start = edge - run->length;
+  ++revision_;
+  retire();
+  if (goal > here)
+    stepForward(now_);
+  else if (goal < here)
+    stepBack(now_);
+}
+
+// A place p becomes extent - p. The gap between two runs stays, which is the other one's now.
+void Strip::mirrorRuns() {
+  std::reverse(runs_.begin(), runs_.end());
+  for (std::size_t i = 0; i < runs_.size(); ++i) {
+    Run& run = runs_[i];
+    const double room =
+        i + 1 < runs_.size() ? std::max(run.start - runs_[i + 1].shownEnd(), 0.0) : run.gap;
+    run.length = run.shown + std::min(run.gap, room);
+    run.start = -run.shownEnd();
+    std::swap(run.unseenAtStart, run.unseenAtEnd);
+  }
 }
 
 void Strip::keepPast(Run run) {

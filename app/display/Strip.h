@@ -5,10 +5,12 @@
 #include "app/display/Motion.h"
 #include "app/display/StripQueue.h"
 
+#include <algorithm>
 #include <deque>
 #include <limits>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace zq::app {
 
@@ -25,6 +27,13 @@ namespace zq::app {
 // wholly; each item's own delay counts from there. Items that have not been shown yet pass
 // meanwhile, and droppable items that are shown once are not waited for: a stream of them does not
 // keep the next round away.
+//
+// A reversal lets everything go the other way, without moving anything that can be seen: runs are
+// mirrored, and the one that entered last leaves next. What had begun to leave comes back into
+// sight, and behind it comes what waits. A run of which a part has not been in sight when it has
+// left, because it was still entering at a reversal, counts as not shown: its entry waits for that
+// showing again, before the others, see StripQueue::putBack. A step that is under way becomes one
+// in the new direction.
 //
 // Steps forward and back move everything together, as far as it takes to bring the start of the
 // next or of the one before to the edge at which runs leave. Runs that have left are kept for that:
@@ -49,12 +58,17 @@ class Strip {
     double start = 0;
     double length = 0;
     std::uint64_t number = 0; // counts from 1, never used twice
-    double gap = 0;           // at its end, in which nothing is shown
+    double shown = 0;         // of its length, from its start: the rest shows nothing
+    double gap = 0;           // what it leaves empty behind it, where another run does not do so
+    // Points of what it shows, at both ends, that have not been in sight yet.
+    double unseenAtStart = 0;
+    double unseenAtEnd = 0;
+    bool isOfRound = false; // whether the end of the round waits for it
 
     StripItem& item() const { return *entry->item; }
     double end() const { return start + length; }
-    double shown() const { return length - gap; }
-    double shownEnd() const { return start + shown(); }
+    double shownEnd() const { return start + shown; }
+    bool isSeen() const;
   };
 
   static constexpr std::size_t MostPast = 50;
@@ -69,10 +83,18 @@ class Strip {
 
   explicit Strip(double extent = 0, double pointsPerSecond = 0, double startTime = 0);
 
+  // An edge of the strip.
+  enum class Edge { Entering, Leaving };
+
   double extent() const { return extent_; }
-  void setExtent(double points, double time);
+  // Runs keep their places from the edge `kept`, on a paged strip from the one at which they leave.
+  // What stands beyond the one at which runs enter then, enters again.
+  void setExtent(double points, double time, Edge kept = Edge::Entering);
   double speed() const { return page_ ? page_->speed() : motion_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
+
+  // Lets everything go the other way from `time` on, see above.
+  void reverse(double time);
 
   // What of the extent a page repeats of the one before, where a run is longer than the extent: a
   // word or two, by which the eye finds the place again.
@@ -121,10 +143,13 @@ class Strip {
   bool isGliding() const { return motion_.isGlidingAt(now_); }
   // What is on the strip, in the order of entering; after a step back also what enters again.
   const std::deque<Run>& runs() const { return runs_; }
-  // Gives the runs new lengths, read by `lengthOf`; gaps and the oldest run's place stay. Those
-  // that have left are forgotten.
+  // Gives the runs new lengths, read by `lengthOf`; what is between them stays. So does what stands
+  // `place` points from the edge at which runs leave: of a run that is there, the same part of it;
+  // else the run before it, or the oldest one. Those that have left are forgotten.
   template <class Measure>
-  void remeasure(Measure lengthOf);
+  void remeasure(double place, Measure lengthOf);
+  // The entry's item shows more or less of its place on the strip from now on.
+  void updateShown(const Entry& entry);
   // The number of the run that entered last; 0 for none.
   std::uint64_t lastRun() const { return nextNumber_ - 1; }
   // Calls `visit` for every item that waits or is on the strip; more than once for one that does
@@ -149,7 +174,7 @@ class Strip {
 
  private:
   struct Event {
-    enum class Kind { None, Wake, EndOfRound, Start, Turn };
+    enum class Kind { None, Wake, EndOfRound, Start, Turn, Leave };
     Kind kind = Kind::None;
     double time = std::numeric_limits<double>::infinity();
     Entry entry;
@@ -161,6 +186,13 @@ class Strip {
   void start(const Entry& entry);
   void retire();
   static void setLength(Run& run, double length);
+  std::size_t runAt(double place) const;
+  void finishRemeasuring();
+  void updateEnds();
+  void see(double travel);
+  double farthestBack(double time) const;
+  void mirrorRuns();
+  void retireFirst();
   void keepPast(Run run);
   bool bringBack();
   void moveForward(double points);
@@ -202,20 +234,31 @@ void Strip::forEachInOrder(VisitRun visitRun, VisitWaiting visitWaiting) const {
 }
 
 template <class Measure>
-void Strip::remeasure(Measure lengthOf) {
+void Strip::remeasure(double place, Measure lengthOf) {
   past_.clear();
   pastCost_ = 0;
-  double shift = 0;
+  if (runs_.empty())
+    return;
+  const double there = travel() - extent_ + place;
+  const std::size_t anchor = runAt(there);
+  const Run& kept = runs_[anchor];
+  const double part = std::clamp((there - kept.start) / kept.length, 0.0, 1.0);
+  const double fixed = kept.start + part * kept.length;
+  // The empty room before each run.
+  std::vector<double> rooms(runs_.size(), 0.0);
+  for (std::size_t i = 1; i < runs_.size(); ++i)
+    rooms[i] = runs_[i].start - runs_[i - 1].end();
   for (Run& run : runs_) {
-    const double before = run.length;
     const double measured = lengthOf(run);
-    run.start += shift;
     if (measured > 0 && measured < std::numeric_limits<double>::infinity())
       setLength(run, measured);
-    shift += run.length - before;
   }
-  lastEnd_ += shift;
-  roundTravel_ += shift;
+  runs_[anchor].start = fixed - part * runs_[anchor].length;
+  for (std::size_t i = anchor + 1; i < runs_.size(); ++i)
+    runs_[i].start = runs_[i - 1].end() + rooms[i];
+  for (std::size_t i = anchor; i > 0; --i)
+    runs_[i - 1].start = runs_[i].start - rooms[i] - runs_[i - 1].length;
+  finishRemeasuring();
 }
 
 } // namespace zq::app

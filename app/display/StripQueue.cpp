@@ -215,6 +215,8 @@ StripQueue::EntryRef StripQueue::replace(const EntryRef& entry, std::shared_ptr<
   successor->item = std::move(item);
   successor->onStrip = 0;
   successor->isCounted = false;
+  old->isReplaced = true;
+  old->successor = successor;
   setArranged(*old, false);
   if (old->place == Entry::Place::Resting)
     old->restPlace->second = successor;
@@ -275,6 +277,26 @@ void StripQueue::putAgain(const EntryRef& entry) {
   entry->dropPlace = shownDroppable_.insert(shownDroppable_.end(), entry.get());
   cost_ += entry->cost;
   makeRoom();
+}
+
+bool StripQueue::putBack(const EntryRef& entry) {
+  EntryRef next = entry;
+  while (next && next->isReplaced)
+    next = next->successor.lock();
+  if (!next || next->isWithdrawn || (next != entry && !next->isWaiting()))
+    return false;
+  detach(next);
+  --next->showings;
+  next->delay = 0;
+  link(next, Entry::Place::Returned, returned_.begin());
+  if (next->droppable) {
+    // The last one to go.
+    auto& droppable = next->showings == 0 ? freshDroppable_ : shownDroppable_;
+    next->dropPlace = droppable.insert(droppable.end(), next.get());
+    cost_ += next->cost;
+    makeRoom();
+  }
+  return true;
 }
 
 void StripQueue::rest(const EntryRef& entry, double time) {

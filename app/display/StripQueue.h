@@ -54,6 +54,8 @@ class StripQueue {
     Place place = Place::None;
     bool droppable = false;
     bool isCounted = false; // whether its item knows that it is queued
+    bool isReplaced = false;
+    std::weak_ptr<Entry> successor; // that has replaced it
     std::size_t cost = 0;
     double level = 0;       // its priority, or that of the place to which it was moved
     std::uint64_t rank = 0; // in the order of the arranged entries, from 1 on; 0 for the others
@@ -106,6 +108,11 @@ class StripQueue {
   // Puts a shown entry behind all that wait now, an arranged one into its order among those of its
   // round.
   void putAgain(const EntryRef& entry);
+  // Lets the entry be shown before all others but fresh ones of a priority above 0, since its last
+  // showing was broken off: that one counts no longer. Where it was replaced while it waited, this
+  // goes for its successor. False, and nothing changes, where that waits no longer, or the entry
+  // was withdrawn.
+  bool putBack(const EntryRef& entry);
   // Lets the entry rest until `time`.
   void rest(const EntryRef& entry, double time);
   // The first resting entry's delay is over.

@@ -25,6 +25,11 @@ std::uint64_t newSerial() {
 }
 } // namespace
 
+qint64 StripTiles::wholePixel(double pixels) {
+  constexpr double RoundedAway = 1e-6;
+  return std::llround(std::floor(pixels + 0.5 + RoundedAway));
+}
+
 StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}
 
 void StripTiles::clear() {
@@ -69,19 +74,21 @@ void StripTiles::fill(StripFrame& frame, const std::deque<Strip::Run>& runs, con
   auto next = tiles_.begin();
   kept_.clear();
   coming_ = {};
-  for (const Strip::Run& run : runs) {
+  for (std::size_t i = 0; i < runs.size(); ++i) {
+    // From the left or upper end on in every direction: neighbours may share a pixel.
+    const Strip::Run& run = runs[reversed ? runs.size() - 1 - i : i];
     const Look look = lookOf(run);
     const qint64 length = std::llround(std::min(std::ceil(look.length * view.scale), LongestRun));
     // The run's left or upper end, in pixels from that of the strip.
     const double place = reversed ? -run.shownEnd() : run.start;
-    const qint64 lead = extent - (view.offset - std::llround(place * view.scale));
+    const qint64 lead = extent - (view.offset - wholePixel(place * view.scale));
     const double opacity = look.fades ? fadedOpacity(extent - lead, lead + length, fadePixels) : 1;
     const qint64 firstPixel = std::max<qint64>(-lead, 0);
     const qint64 endPixel = std::min(extent - lead, length);
     const auto pixelsOf = [length](qint64 index) {
       return static_cast<int>(std::min<qint64>(length - index * TileLength, TileLength));
     };
-    // They are wanted in the order of the last time, but after a reversal.
+    // They are wanted in the order of the last time, but for those of runs that have returned.
     const auto takeOld = [&](qint64 index) {
       const auto isWanted = [&](const Tile& tile) {
         return tile.run == run.number && tile.index == index;

@@ -45,6 +45,10 @@ class StripTiles {
     double fadeLength = 0; // points over which a run fades in and out
   };
 
+  // The nearest whole pixel. Halfway it is the next one, also where a sum was rounded down, so that
+  // nothing jumps when the same place is reckoned in another way.
+  static qint64 wholePixel(double pixels);
+
   explicit StripTiles(Draw draw);
 
   // Drops all tiles: size, direction, scale or content have changed.

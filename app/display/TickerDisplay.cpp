@@ -83,29 +83,28 @@ StripShape TickerDisplay::shape() const {
   return {size_, isHorizontal(), shouldAutoscale(), font_ ? font_->pointSize() : 0};
 }
 
-void TickerDisplay::setSize(QSizeF points, double time) {
-  if (points == size_)
-    return;
-  size_ = points;
-  strip_.setExtent(extent(), time);
-  markForLayout();
-}
-
-void TickerDisplay::setDirection(ScrollDirection direction, double time) {
-  if (direction == direction_)
-    return;
-  const bool isSameWay = app::isHorizontal(direction) == isHorizontal();
-  direction_ = direction;
-  if (isSameWay) {
+void TickerDisplay::setShape(ScrollDirection direction, QSizeF size, double time) {
+  const bool isAnother = app::isHorizontal(direction) != isHorizontal();
+  if (direction != direction_ && !isAnother) {
+    strip_.reverse(time);
+    direction_ = direction;
     frameIsStale_ = true;
+  }
+  if (size == size_ && !isAnother)
+    return;
+  direction_ = direction;
+  size_ = size;
+  const bool keepsEntering = isReversed(direction) && !isAnother;
+  strip_.setExtent(extent(), time, keepsEntering ? Strip::Edge::Entering : Strip::Edge::Leaving);
+  if (!isAnother) {
+    markForLayout();
     return;
   }
-  strip_.setExtent(extent(), time);
   strip_.forEachItem([this](StripItem& item) {
     if (const Ref<ZQTickerSign>& sign = static_cast<SignItem&>(item).sign())
       sign->setScrollDirection(scrollDirection());
   });
-  markForLayout();
+  markForLayout(0);
 }
 
 double TickerDisplay::fadeLength() const {
@@ -172,13 +171,13 @@ void TickerDisplay::setScale(double scale) {
   markForLayout();
 }
 
-void TickerDisplay::markForLayout() {
+void TickerDisplay::markForLayout(double place) {
   strip_.forEachItem([](StripItem& item) {
     if (const Ref<ZQTickerSign>& sign = static_cast<SignItem&>(item).sign())
       sign->setNeedsLayout(true);
   });
   strip_.remeasure(
-      [](const Strip::Run& run) { return static_cast<SignItem&>(run.item()).enter(); });
+      place, [](const Strip::Run& run) { return static_cast<SignItem&>(run.item()).enter(); });
   tiles_.clear();
   frame_.pieces.clear();
   const auto pixels = [this](double points) {
@@ -342,6 +341,9 @@ bool TickerDisplay::changeText(const QString& identifier, const QString& text, d
       tiles_.forget(run.number);
       frameIsStale_ = true;
     }
+  // Where signs move to the right or down, the end that stays is the one that enters last.
+  if (!isReversed(direction_))
+    strip_.updateShown(entry);
   ++textRevision_;
   return true;
 }
@@ -426,11 +428,22 @@ bool TickerDisplay::prepareUntil(const QDeadlineTimer& deadline) {
   return prepared;
 }
 
+double TickerDisplay::placeOf(const Strip::Run& run) const {
+  const double travel = strip_.travel();
+  return isReversed(direction_) ? travel - run.shownEnd() : strip_.extent() - (travel - run.start);
+}
+
+double TickerDisplay::shownLengthOf(const Strip::Run& run) const {
+  // The gap lies behind the sign: at its left, where it moves to the right.
+  const double room = isReversed(direction_) ? run.shown : run.length;
+  return std::min(itemOf(run).placement().length, room);
+}
+
 bool TickerDisplay::advanceTo(double time) {
   strip_.advanceTo(time);
-  const bool reversed = isReversed(direction_);
   const double travel = strip_.travel();
-  const qint64 offset = std::llround((reversed ? extent() - travel : travel) * scale_);
+  const double forwards = isReversed(direction_) ? extent() - travel : travel;
+  const qint64 offset = StripTiles::wholePixel(forwards * scale_);
   // On a page what comes is seen without any motion.
   if (isPaged() && frameRun_ != strip_.lastRun())
     frameIsStale_ = true;
@@ -440,14 +453,10 @@ bool TickerDisplay::advanceTo(double time) {
     return false;
   frameOffset_ = offset;
   frameIsStale_ = false;
-  tiles_.fill(
-      frame_, strip_.runs(), {direction_, offset, scale_, isPaged() ? 0 : fadeLength()},
-      [reversed](const Strip::Run& run) {
-        const SignItem& item = itemOf(run);
-        // The gap lies behind the sign: at its left, where it moves to the right.
-        const double room = reversed ? run.shown() : run.length;
-        return StripTiles::Look{std::min(item.placement().length, room), item.origin().fades};
-      });
+  tiles_.fill(frame_, strip_.runs(), {direction_, offset, scale_, isPaged() ? 0 : fadeLength()},
+              [this](const Strip::Run& run) {
+                return StripTiles::Look{shownLengthOf(run), itemOf(run).origin().fades};
+              });
   return true;
 }
 

@@ -80,8 +80,13 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
 
   // Changes mark every sign for layout and let what is shown stay in its order; `time` is that of
   // the change.
-  void setSize(QSizeF points, double time);
-  void setDirection(ScrollDirection direction, double time);
+  //
+  // What stands in the strip keeps its place from the left or the upper end when the size changes.
+  // A reversal moves nothing, see Strip. From a horizontal to a vertical strip, and back, all is
+  // laid out anew, from the edge at which signs leave.
+  void setSize(QSizeF points, double time) { setShape(direction_, points, time); }
+  void setDirection(ScrollDirection direction, double time) { setShape(direction, size_, time); }
+  void setShape(ScrollDirection direction, QSizeF size, double time);
   // Texts in the very font or colour that was the default before take the new one, those that wait
   // when they are asked for or enter.
   void setDefaultFont(platform::Ref<platform::Font> font);
@@ -218,6 +223,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   double nextEntryTime() { return strip_.nextEntryTime(); }
   const Strip& strip() const { return strip_; }
   const StyleChanges& styleChanges() const { return styleChanges_; }
+  // Points from the strip's left or upper end to that of what the run shows, and its length.
+  double placeOf(const Strip::Run& run) const;
+  double shownLengthOf(const Strip::Run& run) const;
   const StripTiles& tiles() const { return tiles_; }
 
  private:
@@ -233,7 +241,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   Entry replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
   void countSign(const QString& sender, bool isQueued);
   const platform::Attributes& attributesFor(const LineSource* source) const;
-  void markForLayout();
+  // Changes lengths; what stands `place` points from the edge at which signs leave stays.
+  void markForLayout(double place);
+  void markForLayout() { markForLayout(isPaged() ? 0 : extent() / 2); }
   void restyle(const QString& attribute, const platform::Ref<platform::Object>& before,
                const platform::Ref<platform::Object>& after);
   void fitEdgeFade();

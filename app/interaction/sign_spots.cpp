@@ -1,6 +1,5 @@
 #include "app/interaction/sign_spots.h"
 
-#include "app/display/ScrollDirection.h"
 #include "app/display/SignItem.h"
 #include "app/display/TickerDisplay.h"
 
@@ -19,16 +18,10 @@ const SignItem& SignSpot::item() const {
 }
 
 QRectF areaOf(const TickerDisplay& display, const Strip::Run& run) {
-  const Strip& strip = display.strip();
-  const double shown = run.shownEnd() - run.start;
-  const double length =
-      std::min(static_cast<const SignItem&>(run.item()).placement().length, shown);
-  // From the edge at which runs enter.
-  const double entered = strip.travel() - run.start;
-  const double place =
-      isReversed(display.direction()) ? entered - length : strip.extent() - entered;
-  return display.isHorizontal() ? QRectF(place, 0, length, display.size().height())
-                                : QRectF(0, place, display.size().width(), length);
+  const double length = display.shownLengthOf(run);
+  const double start = display.placeOf(run);
+  return display.isHorizontal() ? QRectF(start, 0, length, display.size().height())
+                                : QRectF(0, start, display.size().width(), length);
 }
 
 std::optional<SignSpot> signAt(const TickerDisplay& display, QPointF point) {

@@ -189,7 +189,7 @@ TEST_F(SteppedStrip, KeepsSignsTogether) {
 TEST_F(SteppedStrip, ForgetsWhatHasLeftWhenLengthsChange) {
   strip.advanceTo(18);
   ASSERT_EQ(at(0), "c+10");
-  strip.remeasure([](const Strip::Run& run) { return run.length; });
+  strip.remeasure(Extent / 2, [](const Strip::Run& run) { return run.length; });
   EXPECT_TRUE(strip.stepBack(18)) << "to the start of the oldest one";
   strip.advanceTo(18 + Step);
   EXPECT_EQ(at(0), "c+0");

@@ -275,7 +275,7 @@ TEST(Strip, KeepsTheOldestRunInPlaceWhenLengthsChange) {
   for (const char* name : {"a", "b", "c"})
     strip.queue().append(fake(name, 20));
   strip.advanceTo(5);
-  strip.remeasure([](const Strip::Run&) { return 30.0; });
+  strip.remeasure(Extent / 2, [](const Strip::Run&) { return 30.0; });
   ASSERT_EQ(strip.runs().size(), 3u);
   EXPECT_EQ(strip.runs()[0].start, 0);
   EXPECT_EQ(strip.runs()[1].start, 30);

@@ -113,7 +113,7 @@ TEST(ScrollDirection, LetsALongTextPassInFull) {
     display.addSign(display.makeTextSign(words), 0);
     display.advanceTo(0);
     ASSERT_EQ(display.strip().runs().size(), 1u);
-    const double length = display.strip().runs().front().shown();
+    const double length = display.strip().runs().front().shown;
     ASSERT_GT(length, 4 * Extent);
     EXPECT_EQ(inkAlong(shown(display, 2 + Extent / Speed), true), std::pair(0, Extent));
     const auto pixels = fromLeavingEdge(shown(display, (length + 100) / Speed), direction);

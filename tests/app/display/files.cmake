@@ -8,9 +8,13 @@ set(app_display_SOURCES
     FrameClockTest.cpp
     FrameCostTest.cpp
     LongTextsTest.cpp
+    ScrollDirectionScreenTest.cpp
     ScrollDirectionTest.cpp
     StripPlayerTest.cpp
+    StripRandomTest.cpp
+    StripReversalTest.cpp
     StripSurfaceTest.cpp
+    TickerDisplayReversalTest.cpp
     VanishingFontTest.cpp)
 
 add_executable(zqticker-surface-probe display/SurfaceProbe.cpp)

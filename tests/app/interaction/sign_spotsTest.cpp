@@ -69,6 +69,19 @@ TEST_F(SignSpots, GoUpwardsInAVerticalStrip) {
   EXPECT_EQ(spots[0].area.width(), 100) << "as broad as the strip";
 }
 
+TEST_F(SignSpots, StayWhereTheyAreWhenTheStripTurns) {
+  moveTo(230);
+  const auto before = signsInSight(display);
+  display.setDirection(ScrollDirection::Right, display.strip().time());
+  const auto spots = signsInSight(display);
+  ASSERT_EQ(spots.size(), 2u);
+  EXPECT_EQ(spots[0].entry, b) << "it leaves next now";
+  EXPECT_EQ(spots[0].area, before[1].area);
+  EXPECT_EQ(spots[1].area, before[0].area);
+  moveTo(240);
+  EXPECT_EQ(signsInSight(display)[1].area, QRectF(0, 0, 30, 24));
+}
+
 TEST_F(SignSpots, AreNotThereOnAnEmptyStrip) {
   TickerDisplay empty;
   EXPECT_TRUE(signsInSight(empty).empty());
