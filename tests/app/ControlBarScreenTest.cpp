@@ -3,6 +3,7 @@
 #include "tests/app/XServer.h"
 
 #include <QtCore/QDir>
+#include <QtCore/QElapsedTimer>
 #include <QtCore/QFile>
 #include <QtCore/QTemporaryDir>
 
@@ -90,11 +91,13 @@ class ControlBarScreen : public ::testing::Test {
   bool becomes(int x, QRgb color) {
     return waitUntil([&] { return body(x) == color; });
   }
-  // Whether the text stands still for as long as it takes to look several times.
+  // Whether the text stands still for longer than the last pixel of a step takes.
   bool stands() {
     const QImage before = text();
-    for (int i = 0; i < 5; ++i) {
-      moveTo(Beside + i);
+    QElapsedTimer watched;
+    watched.start();
+    for (int i = 0; watched.elapsed() < 200; ++i) {
+      moveTo(Beside + i % 5);
       if (text() != before)
         return false;
     }

@@ -33,8 +33,13 @@ set_target_properties(zqticker-frame-probe PROPERTIES RUNTIME_OUTPUT_DIRECTORY
 set_property(
   SOURCE display/FrameCostTest.cpp
   APPEND
-  PROPERTY COMPILE_DEFINITIONS "ZQTICKER_FRAME_PROBE=\"$<TARGET_FILE:zqticker-frame-probe>\""
-           "$<$<BOOL:${ZQTICKER_SANITIZE}>:ZQTICKER_SANITIZED>")
+  PROPERTY COMPILE_DEFINITIONS "ZQTICKER_FRAME_PROBE=\"$<TARGET_FILE:zqticker-frame-probe>\"")
+if(ZQTICKER_SANITIZE)
+  set_property(
+    SOURCE display/FrameCostTest.cpp
+    APPEND
+    PROPERTY COMPILE_DEFINITIONS ZQTICKER_SANITIZED)
+endif()
 # The tests' program comes after this list.
 cmake_language(DEFER CALL add_dependencies zqticker-tests-app zqticker-surface-probe
                     zqticker-frame-probe)
