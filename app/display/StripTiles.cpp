@@ -27,7 +27,9 @@ std::uint64_t newSerial() {
 
 qint64 StripTiles::wholePixel(double pixels) {
   constexpr double RoundedAway = 1e-6;
-  return std::llround(std::floor(pixels + 0.5 + RoundedAway));
+  // What is farther away is as little in sight.
+  const double near = std::isnan(pixels) ? 0 : std::clamp(pixels, -LongestRun, LongestRun);
+  return std::llround(std::floor(near + 0.5 + RoundedAway));
 }
 
 StripTiles::StripTiles(Draw draw) : draw_(std::move(draw)) {}

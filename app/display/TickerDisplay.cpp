@@ -107,6 +107,11 @@ void TickerDisplay::setShape(ScrollDirection direction, QSizeF size, double time
   markForLayout(0);
 }
 
+double TickerDisplay::extent() const {
+  const double points = isHorizontal() ? size_.width() : size_.height();
+  return std::isfinite(points) ? std::max(points, 0.0) : 0.0;
+}
+
 double TickerDisplay::fadeLength() const {
   return std::min(extent() * FadeShare, LongestFade);
 }

@@ -232,7 +232,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   class TextSignDisplay;
   friend class SignItem;
 
-  double extent() const { return isHorizontal() ? size_.width() : size_.height(); }
+  // Of a size that is none, 0.
+  double extent() const;
   void catchUp(double time);
   void prepare(ZQTickerSign& sign);
   Entry waitingEntry(const QString& identifier) const;
