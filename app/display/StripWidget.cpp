@@ -58,21 +58,18 @@ StripWidget::StripWidget(TickerDisplay& display, const QColor& background)
 
 StripWidget::~StripWidget() = default;
 
-void StripWidget::place(const QRect& geometry) {
+void StripWidget::place(const QRect& geometry, Kind kind) {
+  const bool isDock = kind == Kind::Dock;
+  // Window managers look at a window's kind and place when it is mapped.
+  const bool isMappedAnew = isDock != testAttribute(Qt::WA_X11NetWmWindowTypeDock) && isVisible();
+  if (isMappedAnew)
+    hide();
+  setAttribute(Qt::WA_X11NetWmWindowTypeDock, isDock);
+  setAttribute(Qt::WA_X11NetWmWindowTypeUtility, !isDock);
   place_ = geometry;
-  requestsLeft_ = testAttribute(Qt::WA_X11NetWmWindowTypeDock) ? MostRequests : 0;
+  requestsLeft_ = isDock ? MostRequests : 0;
   setGeometry(geometry);
-}
-
-void StripWidget::setDocked(bool docked) {
-  if (docked == testAttribute(Qt::WA_X11NetWmWindowTypeDock))
-    return;
-  // Window managers look at a window's kind when it is mapped.
-  const bool wasShown = isVisible();
-  hide();
-  setAttribute(Qt::WA_X11NetWmWindowTypeDock, docked);
-  setAttribute(Qt::WA_X11NetWmWindowTypeUtility, !docked);
-  if (wasShown)
+  if (isMappedAnew)
     show();
 }
 
@@ -94,7 +91,7 @@ void StripWidget::setBackground(const QColor& background) {
   }
   setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
   setAttribute(Qt::WA_NoSystemBackground);
-  place(geometry);
+  setGeometry(geometry);
   if (wasShown)
     show();
 }

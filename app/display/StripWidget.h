@@ -24,12 +24,12 @@ class StripWidget : public QWidget {
   StripWidget(TickerDisplay& display, const QColor& background);
   ~StripWidget() override;
 
-  // Gives the window its place on the screen. Docked, it stays there; else it can be moved.
-  void place(const QRect& geometry);
+  // A dock stays at an edge of the screen, as the window is made; a floating one is small, stands
+  // over the others, and can be moved.
+  enum class Kind { Dock, Floating };
 
-  // Whether the window is one at an edge of the screen, a dock, as it is made, or a small one that
-  // floats over the others.
-  void setDocked(bool docked);
+  // Gives the window its place on the screen, in points.
+  void place(const QRect& geometry, Kind kind);
 
   // The colour behind the signs; one that is not opaque lets what stands below the window through,
   // where the window system can.

@@ -113,8 +113,7 @@ void StripPlace::take(const RunOptions& options, const StripLook& look) {
   move_.setEnabled(isFloating_);
   reserve(edge, place_);
   reservation_.setDock(!isFloating_);
-  widget_.setDocked(!isFloating_);
-  widget_.place(place_);
+  widget_.place(place_, isFloating_ ? StripWidget::Kind::Floating : StripWidget::Kind::Dock);
 }
 
 // On the screen where it was left, while that is there and nobody has chosen another one since.

@@ -39,7 +39,7 @@ class ProbeStrip {
         say(u"moves"_s);
     });
     new ShownWatch(widget_, u"strip"_s);
-    widget_.place(place);
+    widget_.place(place, StripWidget::Kind::Dock);
     widget_.show();
   }
 

@@ -133,7 +133,8 @@ TEST_F(DockedStrip, LeavesTheKeyboardToOthers) {
   startOther({u"maximized"_s});
   const auto focus = [&] { return desk_->ask(u"xdotool"_s, {u"getactivewindow"_s}); };
   ASSERT_TRUE(waitUntil([&] {
-    return desk_->windows(u"other"_s).size() == 1 && focus() == desk_->windows(u"other"_s).first();
+    const QStringList others = desk_->windows(u"other"_s);
+    return others.size() == 1 && focus() == others.first();
   }));
   const QString before = focus();
   RunningProgram program(strip(), environment_);
@@ -177,8 +178,10 @@ TEST_F(DockedStrip, KeepsItsRoomWhenItGetsAnotherWindow) {
   ASSERT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
   const QString before = desk_->strips().first();
   set(u"background"_s, u"#80123456"_s);
-  ASSERT_TRUE(
-      waitUntil([&] { return desk_->strips().size() == 1 && desk_->strips().first() != before; }));
+  ASSERT_TRUE(waitUntil([&] {
+    const QStringList now = desk_->strips();
+    return now.size() == 1 && now.first() != before;
+  }));
   EXPECT_TRUE(
       waitUntil([&] { return desk_->stripRoom() == "0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 999"_L1; }));
   EXPECT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
