@@ -70,6 +70,9 @@ int refuseWakeUp(unsigned int, int) {
   return -1;
 }
 
+// How far the queue's clock is ahead.
+std::chrono::seconds laterBy(0);
+
 int largestQueue() {
   QFile file(u"/proc/sys/fs/inotify/max_queued_events"_s);
   return file.open(QIODevice::ReadOnly) ? file.readAll().trimmed().toInt() : 0;
@@ -335,6 +338,25 @@ TEST(KernelEventQueue, KeepsTheOrderOfManyFilesThroughSeveralReadsOfTheKernelsQu
   for (int i = Count - 2; i > 0; --i)
     expected.push_back(descriptors[std::size_t(i)]);
   EXPECT_EQ(found, expected);
+}
+
+TEST(KernelEventQueue, KeepsTheOrderOfFilesThatItIsAboutToLookAt) {
+  QueueProbe probe;
+  InotifyCalls calls;
+  calls.now = [] { return std::chrono::steady_clock::now() + laterBy; };
+  laterBy = std::chrono::seconds(0);
+  probe.queue = InotifyEventQueue::make(calls);
+  const int a = probe.watch(probe.file("a"));
+  const int b = probe.watch(probe.file("b"));
+  const int c = probe.watch(probe.file("c"));
+  probe.write("c", "FIRST");
+  probe.write("b", "FIRST");
+  probe.write("a", "FIRST");
+  laterBy = std::chrono::minutes(1);
+  std::vector<int> found;
+  for (const auto& event : probe.events())
+    found.push_back(event.descriptor);
+  EXPECT_EQ(found, (std::vector<int>{c, b, a}));
 }
 
 TEST(KernelEventQueue, LosesNothingWhenTheKernelsOwnQueueOverflows) {

@@ -287,8 +287,10 @@ void InotifyEventQueue::beginRound() {
 }
 
 void InotifyEventQueue::lookAtSome() {
-  const auto begin = calls_.now();
   const std::lock_guard lock(mutex_);
+  // What the kernel tells keeps its order before what only a look finds.
+  collect();
+  const auto begin = calls_.now();
   round_.left = std::min(round_.left, registrations_.size());
   auto at = registrations_.upper_bound(round_.lastLookedAt);
   for (int i = 0; i < FilesAtATime && round_.left > 0; ++i, ++at) {
