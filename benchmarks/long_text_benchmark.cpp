@@ -1,7 +1,8 @@
 // One text of 1,000,000 characters: laid out at once, and in slices between the frames of a strip.
 //
 //   LongTextAtOnce…     the first size() of the text
-//   LongTextSlices…     the same in slices of 1.5 ms: longest_ms, of the processor, and how many
+//   LongTextSlices…     the same in slices of 1.5 ms: longest_ms, of the processor on this thread,
+//                       and how many
 //   LongTextFrames      frames of a strip at 100,000 points a second, from the text's entry to its
 //                       far end; longest_ms, and how many
 //   LongTextFramesFew   the same with a text that is repeated after 200 characters
@@ -31,6 +32,8 @@ const QString Unbroken = u"AVAToffiWave"_s;
 const QString Arabic = u"السلام عليكم ورحمة الله وبركاته "_s;
 const QString Mixed = u"abc שלום (12.5 def) Съешь é👩‍👩‍👧‍👦 🇩🇪 "_s;
 const QString Emoji = u"😀👍🏽👩‍👩‍👧‍👦"_s;
+// Two thirds of a million stretches of their own.
+const QString Alternating = u"a😀"_s;
 
 QString longText(const QString& text) {
   return text.repeated(Length / text.size() + 1).left(Length);
@@ -131,6 +134,7 @@ LONG_TEXT_BENCHMARK(Unbroken);
 LONG_TEXT_BENCHMARK(Arabic);
 LONG_TEXT_BENCHMARK(Mixed);
 LONG_TEXT_BENCHMARK(Emoji);
+LONG_TEXT_BENCHMARK(Alternating);
 
 } // namespace
 
@@ -141,5 +145,6 @@ int main(int argc, char** argv) {
                         {"LongTextSlicesUnbroken", "LongTextAtOnceUnbroken"},
                         {"LongTextSlicesArabic", "LongTextAtOnceArabic"},
                         {"LongTextSlicesMixed", "LongTextAtOnceMixed"},
-                        {"LongTextSlicesEmoji", "LongTextAtOnceEmoji"}});
+                        {"LongTextSlicesEmoji", "LongTextAtOnceEmoji"},
+                        {"LongTextSlicesAlternating", "LongTextAtOnceAlternating"}});
 }

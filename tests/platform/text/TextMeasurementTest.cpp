@@ -1,9 +1,11 @@
 // Lines that are measured in steps, and drawn in segments.
 #include "tests/support/LogWatch.h"
+#include "zqticker/platform/graphics/Color.h"
 #include "zqticker/platform/graphics/Font.h"
 #include "zqticker/platform/graphics/GraphicsContext.h"
+#include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/text/TextAttachment.h"
 #include "zqticker/platform/text/TextLine_p.h"
-#include "zqticker/platform/text/emoji_p.h"
 #include "zqticker/platform/text/line_breaks_p.h"
 
 #include <gtest/gtest.h>
@@ -12,6 +14,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <random>
 
 using namespace Qt::StringLiterals;
 using namespace zq::platform;
@@ -140,17 +143,86 @@ TEST_P(TextLineInSegments, ShowsThePixelsOfOneLayout) {
 INSTANTIATE_TEST_SUITE_P(Scripts, TextLineInSegments, ::testing::ValuesIn(Samples, Samples + 9),
                          nameOf);
 
-TEST(TextMeasurement, FindsEmojiInStepsAsAtOnce) {
-  const QString text =
-      u"plain 1️⃣ ©️ x👍🏽y 🇩🇪🇫🇷 👩‍👩‍👧‍👦 42 # ⌚︎ é 7️⃣"_s
-          .repeated(3);
-  const std::vector<Range> expected = emojiRanges(text);
-  ASSERT_GT(expected.size(), 12U);
-  for (qsizetype step = 1; step < 40; ++step) {
-    std::vector<Range> ranges;
-    for (qsizetype at = 0; at < text.size();)
-      at = findEmojiRanges(text, at, step, ranges);
-    EXPECT_EQ(ranges, expected) << step;
+// Words and characters of every script, in random order, in runs of random looks, some of which
+// begin within a character.
+class RandomText {
+ public:
+  explicit RandomText(unsigned seed) : random_(seed) {
+    while (text_.size() < 6000)
+      text_ += Pieces[below(std::size(Pieces))];
+  }
+
+  Ref<MutableAttributedString> styled() {
+    const auto string = MutableAttributedString::make(
+        text_, {{FontAttributeName, any(Font::fontWithName(u"DejaVu Sans"_s, PointSize))}});
+    for (int i = 0; i < 40; ++i) {
+      const auto start = qsizetype(below(std::size_t(text_.size())));
+      const Range range{start, std::min<qsizetype>(qsizetype(below(400)), text_.size() - start)};
+      switch (below(4)) {
+      case 0:
+        string->addAttribute(FontAttributeName,
+                             any(Font::fontWithName(u"DejaVu Serif"_s, 8 + double(below(12)))),
+                             range);
+        break;
+      case 1:
+        string->addAttribute(ForegroundColorAttributeName, any(Color::sRGB(1, 0, 0)), range);
+        break;
+      case 2:
+        string->addAttribute(KernAttributeName, double(below(3)), range);
+        break;
+      default:
+        string->addAttribute(AttachmentAttributeName, any(picture_), range);
+        break;
+      }
+    }
+    return string;
+  }
+
+ private:
+  static constexpr QStringView Pieces[] = {
+      u"AVATAR ",      u"office, ", u"Wave",   u" ",      u"1234.5",   u"(x)",
+      u"] ",           u"שלום ",    u"בְּרֵאשִׁית", u"السلام", u" عليكم",   u"नमस्ते ",
+      u"क्षत्रिय",       u"é́",        u"ñ̃ ",     u"😀",      u"👍🏽", u"👩‍👩‍👧‍👦",
+      u"🇩🇪",           u"1️⃣",  u"\n",     u"\t",     u"\x1f",     u"\xfffc",
+      u"\xfffc\xfffc", u"\x202e",   u"\x202c", u"\x2067", u"\x2069",   u"\x200f",
+      u"\xd83d",       u"\x0301",   u"\x200d"};
+
+  std::size_t below(std::size_t limit) { return random_() % limit; }
+
+  std::mt19937 random_;
+  QString text_;
+  Ref<TextAttachment> picture_ =
+      TextAttachment::make(Image::fromQImage(QImage(9, 7, QImage::Format_RGB32)));
+};
+
+TEST(TextMeasurement, ComesToTheSameInStepsWhateverTheTextWhileAnotherThreadReadsIt) {
+  zq::testing::allowLog(u"OpenType support missing"_s);
+  for (unsigned seed = 0; seed < 8; ++seed) {
+    SCOPED_TRACE(seed);
+    const auto string = RandomText(seed).styled();
+    const auto atOnce = std::make_shared<TextLine>(string->string(), string->runs());
+    const auto inSteps = std::make_shared<TextLine>(string->string(), string->runs(), Attributes(),
+                                                    TextLine::Measuring::InSteps);
+    while (!inSteps->measureUntil(QDeadlineTimer(0)))
+      ;
+    ASSERT_EQ(inSteps->size(), atOnce->size());
+    EXPECT_EQ(inSteps->segmentCount(), atOnce->segmentCount());
+    for (double left = 0; left < atOnce->size().width(); left += 8 * Window.width())
+      ASSERT_EQ(windowOf(inSteps, left), windowOf(atOnce, left)) << left;
+  }
+}
+
+// The pictures of one attachment are placed a piece at a time.
+TEST(TextMeasurement, PlacesMorePicturesThanOneStepTakesInTheirOrder) {
+  const auto attachment =
+      TextAttachment::make(Image::fromQImage(QImage(3, 7, QImage::Format_RGB32)));
+  for (const QString& front : {u"a"_s, u"א"_s}) {
+    const QString text = front + QString(5000, QChar(TextAttachment::AttachmentCharacter));
+    const auto string = AttributedString::make(text, {{AttachmentAttributeName, any(attachment)}});
+    const auto plain = AttributedString::make(front);
+    const auto line = std::make_shared<TextLine>(text, string->runs());
+    EXPECT_EQ(line->segmentCount(), 5001U);
+    EXPECT_DOUBLE_EQ(line->size().width(), plain->size().width() + 5000 * 3);
   }
 }
 

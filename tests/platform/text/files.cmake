@@ -6,6 +6,7 @@ set(text_TESTS
     ScannerTest.cpp
     TextAttachmentTest.cpp
     LineCacheTest.cpp
+    LineCharactersTest.cpp
     TextLineTest.cpp
     TextMeasurementTest.cpp
     attributed_string_archivesTest.cpp

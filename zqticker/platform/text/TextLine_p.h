@@ -10,14 +10,13 @@
 #include <QtCore/QString>
 #include <QtGui/QTextLayout>
 
+#include <deque>
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace zq::platform {
 
 class GraphicsContext;
-struct DirectionRun;
 struct TextExtent;
 
 // The layout of one line, of any length. The text is cut into segments at places where shaping
@@ -38,8 +37,10 @@ class TextLine {
   TextLine(const TextLine&) = delete;
   TextLine& operator=(const TextLine&) = delete;
 
-  // Takes at least one step, and more until `deadline`. Whether the line is measured; nothing else
-  // may be asked of it before. What it comes to is the same however it is cut into steps.
+  // Takes at least one step, and more until `deadline`; no step takes long, whatever the text.
+  // Whether the line is measured; nothing else may be asked of it before. What it comes to is the
+  // same however it is cut into steps. Raises InternalInconsistencyException without a GUI
+  // application.
   bool measureUntil(const QDeadlineTimer& deadline);
   bool isMeasuring() const { return measurement_ != nullptr; }
 
@@ -86,10 +87,6 @@ class TextLine {
     TextStyle style;
   };
 
-  // Splits the styles so that pictures and emoji have styles of their own.
-  void markPictures();
-  void markEmoji(const std::vector<Range>& emoji);
-  std::vector<DirectionRun> takeDirections(std::optional<bool> rightToLeft);
   // Puts a segment behind the others.
   void place(const Segment& at);
   void add(const TextExtent& extent, const TextStyle& style);
@@ -103,14 +100,15 @@ class TextLine {
 
   // A number that no other line of the process has.
   quint64 identifier_;
-  // The text without characters that a line has no place for, unit for unit.
+  // As LineCharacters gives it, once it is read.
   QString text_;
-  // One for each run; neighbours that measure alike share segments.
-  std::vector<StyledRange> styles_;
-  // Whether the text overrides directions.
+  // One for each run; neighbours that measure alike share segments. These and the segments grow
+  // without a step that moves all of them.
+  std::deque<StyledRange> styles_;
+  // See LineCharacters.
   bool forcesDirection_ = false;
   // From left to right.
-  mutable std::vector<Segment> segments_;
+  mutable std::deque<Segment> segments_;
   // Segments with a layout, oldest first.
   mutable std::vector<std::size_t> kept_;
   mutable qsizetype keptLength_ = 0;

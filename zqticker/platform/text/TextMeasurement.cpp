@@ -1,10 +1,10 @@
 // How a line is measured.
 #include "zqticker/platform/graphics/FontFace_p.h"
 #include "zqticker/platform/graphics/Image.h"
+#include "zqticker/platform/text/LineCharacters_p.h"
 #include "zqticker/platform/text/ParagraphStyle.h"
 #include "zqticker/platform/text/TextAttachment.h"
 #include "zqticker/platform/text/TextLine_p.h"
-#include "zqticker/platform/text/bidi_p.h"
 #include "zqticker/platform/text/emoji_p.h"
 #include "zqticker/platform/text/line_breaks_p.h"
 
@@ -15,53 +15,12 @@ namespace zq::platform {
 
 namespace {
 
-// Characters in which a step looks for emoji.
-constexpr qsizetype emojiStep = 16384;
-
-constexpr char16_t zeroWidthSpace = 0x200b;
-
-// What stands for `text[i]` on one line.
-char16_t onOneLine(const QString& text, qsizetype i) {
-  const QChar c = text[i];
-  switch (c.unicode()) {
-  case u'\n':
-    return i > 0 && text[i - 1] == u'\r' ? zeroWidthSpace : u' ';
-  case u'\r':
-  case u'\t':
-  case u'\v':
-  case u'\f':
-  case 0x85:
-  case QChar::LineSeparator:
-  case QChar::ParagraphSeparator:
-    return u' ';
-  default:
-    break;
-  }
-  if (c.unicode() < 0x20 || (c.unicode() >= 0x7f && c.unicode() < 0xa0))
-    return zeroWidthSpace;
-  const bool isLone =
-      (c.isHighSurrogate() && (i + 1 == text.size() || !text[i + 1].isLowSurrogate())) ||
-      (c.isLowSurrogate() && (i == 0 || !text[i - 1].isHighSurrogate()));
-  return isLone ? char16_t(QChar::ReplacementCharacter) : c.unicode();
-}
-
-// Shares the characters of a text that stands on one line already.
-QString onOneLine(const QString& text) {
-  const auto isPlain = [](QChar c) { return c.unicode() >= 0x20 && c.unicode() < 0x7f; };
-  QString line = text;
-  QChar* changed = nullptr;
-  for (qsizetype i = 0; i < text.size(); ++i) {
-    if (isPlain(text[i]))
-      continue;
-    const QChar shown(onOneLine(text, i));
-    if (shown == text[i])
-      continue;
-    if (!changed)
-      changed = line.data();
-    changed[i] = shown;
-  }
-  return line;
-}
+// What a step does at most: looks up the styles of runs, cuts pieces off, looks through styles,
+// and places the pictures of one piece.
+constexpr std::size_t runsOfStep = 64;
+constexpr int piecesOfStep = 1024;
+constexpr int stylesOfStep = 4096;
+constexpr qsizetype picturesOfPiece = 1024;
 
 bool isAttachmentCharacter(QChar c) {
   return c == QChar(TextAttachment::AttachmentCharacter);
@@ -95,16 +54,20 @@ std::optional<bool> directionOf(const std::vector<AttributedString::Run>& runs) 
 
 static std::atomic<quint64> lastIdentifier = 0;
 
-// What is left to measure. Goes over the text from left to right as it shows, one segment a step.
+// What is left to measure: reads the characters, finds the styles, cuts them so that pictures and
+// emoji have styles of their own, and goes over the text from left to right as it shows, one
+// segment a step.
 class TextLine::Measurement {
  public:
-  Measurement(TextLine& line, std::optional<bool> rightToLeft)
-      : line_(line), rightToLeft_(rightToLeft) {}
+  Measurement(TextLine& line, const QString& text, std::vector<AttributedString::Run> runs)
+      : line_(line), runs_(std::move(runs)), reading_(text, directionOf(runs_)) {}
 
-  // Takes one step. Whether there is nothing left.
-  bool step();
+  // Takes one step, or waits until `deadline` for what another thread finds. Whether there is
+  // nothing left.
+  bool step(const QDeadlineTimer& deadline);
 
  private:
+  enum class Phase { Reading, Styling, Cutting, Placing };
   // A stretch that is laid out in one way.
   struct Part {
     qsizetype start = 0;
@@ -113,67 +76,180 @@ class TextLine::Measurement {
     bool rightToLeft = false;
   };
 
-  bool findEmoji();
-  bool nextPart();
+  void read(const QDeadlineTimer& deadline);
+  void addStyles();
+  void cutStyles();
+  StyledRange takePiece();
+  bool placeFurther();
   void enter(const DirectionRun& run);
+  void findParts();
+  void nextPart();
   void addBreak();
   void placeNext();
 
   TextLine& line_;
-  std::optional<bool> rightToLeft_;
-  qsizetype emojiEnd_ = 0; // how far emoji have been looked for
-  std::vector<Range> emoji_;
-  std::vector<DirectionRun> runs_; // in visual order; none before they are known
-  std::size_t run_ = 0;
-  // The first styles of the parts of a run, in the order of the text.
+  Phase phase_ = Phase::Reading;
+  std::vector<AttributedString::Run> runs_;
+  LineReading reading_;
+  LineCharacters characters_;
+  std::size_t styledRuns_ = 0;
+  std::vector<StyledRange> uncut_;
+  // The first that is not cut, and the first emoji behind what is.
+  std::size_t nextUncut_ = 0;
+  std::size_t nextEmoji_ = 0;
+  std::size_t run_ = 0; // of one direction, the next in visual order
+  // The first styles of the parts of a run, in the order of the text, and how far they are known.
   std::vector<std::size_t> starts_;
+  std::size_t entered_ = 0;
+  bool isEntering_ = false;
   std::size_t partsLeft_ = 0;
   Part part_;
   std::vector<qsizetype> breaks_; // of the part, as far as they are known
   std::size_t placed_ = 0;        // segments of the part
 };
 
-bool TextLine::Measurement::step() {
-  if (runs_.empty()) {
-    if (!findEmoji())
-      runs_ = line_.takeDirections(rightToLeft_);
+bool TextLine::Measurement::step(const QDeadlineTimer& deadline) {
+  switch (phase_) {
+  case Phase::Reading:
+    read(deadline);
     return false;
+  case Phase::Styling:
+    addStyles();
+    return false;
+  case Phase::Cutting:
+    cutStyles();
+    return false;
+  case Phase::Placing:
+    break;
   }
+  return !placeFurther();
+}
+
+void TextLine::Measurement::read(const QDeadlineTimer& deadline) {
+  std::optional<LineCharacters> characters = reading_.takeUntil(deadline);
+  if (!characters)
+    return;
+  characters_ = std::move(*characters);
+  line_.text_ = std::move(characters_.text);
+  line_.forcesDirection_ = characters_.forcesDirection;
+  if (!FontFace::emoji())
+    characters_.emoji.clear();
+  phase_ = Phase::Styling;
+}
+
+void TextLine::Measurement::addStyles() {
+  const std::size_t end = std::min(styledRuns_ + runsOfStep, runs_.size());
+  for (; styledRuns_ < end; ++styledRuns_) {
+    const AttributedString::Run& run = runs_[styledRuns_];
+    qsizetype start = run.range.location;
+    while (start < run.range.end() && continuesCharacter(line_.text_, start))
+      ++start;
+    if (start == run.range.end())
+      continue;
+    TextStyle style = TextStyle::from(run.attributes);
+    line_.showsPictures_ |= style.isPicture;
+    if (!uncut_.empty())
+      uncut_.back().end = start;
+    uncut_.push_back({start, run.range.end(), std::move(style)});
+  }
+  if (styledRuns_ < runs_.size())
+    return;
+  if (uncut_.empty())
+    uncut_.push_back({0, 0, TextStyle::from({})});
+  uncut_.front().start = 0;
+  uncut_.back().end = line_.text_.size();
+  phase_ = Phase::Cutting;
+}
+
+void TextLine::Measurement::cutStyles() {
+  for (int i = 0; i < piecesOfStep && nextUncut_ < uncut_.size(); ++i)
+    line_.styles_.push_back(takePiece());
+  if (nextUncut_ == uncut_.size())
+    phase_ = Phase::Placing;
+}
+
+// Cuts the next piece off what is uncut.
+TextLine::StyledRange TextLine::Measurement::takePiece() {
+  const QString& text = line_.text_;
+  const std::vector<Range>& emoji = characters_.emoji;
+  StyledRange& rest = uncut_[nextUncut_];
+  StyledRange piece = rest;
+  if (piece.style.isPicture) {
+    // The other characters of a run with a picture show as they are.
+    const bool isPicture = isAttachmentCharacter(text[rest.start]);
+    const qsizetype limit = std::min(rest.end, rest.start + picturesOfPiece);
+    piece.end = rest.start + 1;
+    while (piece.end < limit && isAttachmentCharacter(text[piece.end]) == isPicture)
+      ++piece.end;
+    if (!isPicture) {
+      piece.style.isPicture = false;
+      piece.style.picture.reset();
+    }
+  }
+  while (nextEmoji_ < emoji.size() && emoji[nextEmoji_].end() <= rest.start)
+    ++nextEmoji_;
+  if (nextEmoji_ < emoji.size()) {
+    const Range& next = emoji[nextEmoji_];
+    piece.style.isEmoji = next.location <= rest.start;
+    piece.end = std::min(piece.end, piece.style.isEmoji ? next.end() : next.location);
+  }
+  rest.start = piece.end;
+  if (rest.start == rest.end)
+    ++nextUncut_;
+  return piece;
+}
+
+// False behind the last part.
+bool TextLine::Measurement::placeFurther() {
   if (!breaks_.empty() && breaks_.back() < part_.end)
     addBreak();
   else if (placed_ + 1 < breaks_.size())
     placeNext();
+  else if (isEntering_)
+    findParts();
+  else if (partsLeft_ > 0)
+    nextPart();
+  else if (run_ < characters_.directions.size())
+    enter(characters_.directions[run_++]);
   else
-    return !nextPart();
-  return false;
-}
-
-// Whether there is more to look at.
-bool TextLine::Measurement::findEmoji() {
-  const qsizetype length = line_.text_.size();
-  if (emojiEnd_ == length)
     return false;
-  emojiEnd_ = findEmojiRanges(line_.text_, emojiEnd_, emojiStep, emoji_);
-  if (emojiEnd_ < length)
-    return true;
-  line_.markEmoji(emoji_);
-  return false;
+  return true;
 }
 
-// Goes on to the next part in visual order; false behind the last one.
-bool TextLine::Measurement::nextPart() {
+void TextLine::Measurement::enter(const DirectionRun& run) {
+  const std::deque<StyledRange>& styles = line_.styles_;
+  starts_.clear();
+  const auto first =
+      std::partition_point(styles.begin(), styles.end(),
+                           [&](const StyledRange& range) { return range.end <= run.start; });
+  entered_ = std::size_t(first - styles.begin());
+  isEntering_ = true;
+}
+
+// Finds the parts of a run that measure alike.
+void TextLine::Measurement::findParts() {
+  const std::deque<StyledRange>& styles = line_.styles_;
+  const DirectionRun& run = characters_.directions[run_ - 1];
+  const auto isInside = [&] {
+    return entered_ < styles.size() && styles[entered_].start < run.start + run.length;
+  };
+  for (int i = 0; i < stylesOfStep && isInside(); ++i, ++entered_)
+    if (starts_.empty() || !styles[entered_].style.measuresLike(styles[starts_.back()].style))
+      starts_.push_back(entered_);
+  isEntering_ = isInside();
+  if (!isEntering_)
+    partsLeft_ = starts_.size();
+}
+
+// Goes on to the next part in visual order.
+void TextLine::Measurement::nextPart() {
   breaks_.clear();
   placed_ = 0;
-  while (partsLeft_ == 0) {
-    if (run_ == runs_.size())
-      return false;
-    enter(runs_[run_++]);
-  }
-  const DirectionRun& run = runs_[run_ - 1];
+  const DirectionRun& run = characters_.directions[run_ - 1];
   const std::size_t count = starts_.size();
   const std::size_t index = run.rightToLeft ? partsLeft_ - 1 : count - partsLeft_;
   --partsLeft_;
-  const std::vector<StyledRange>& styles = line_.styles_;
+  const std::deque<StyledRange>& styles = line_.styles_;
   part_ = {std::max(run.start, styles[starts_[index]].start),
            index + 1 < count ? styles[starts_[index + 1]].start : run.start + run.length,
            starts_[index], run.rightToLeft};
@@ -181,20 +257,6 @@ bool TextLine::Measurement::nextPart() {
     line_.placePictures(part_.start, part_.end, part_.style, part_.rightToLeft);
   else
     breaks_.push_back(part_.start);
-  return true;
-}
-
-// Finds the parts of a run that measure alike.
-void TextLine::Measurement::enter(const DirectionRun& run) {
-  const std::vector<StyledRange>& styles = line_.styles_;
-  starts_.clear();
-  auto style = std::partition_point(styles.begin(), styles.end(), [&](const StyledRange& range) {
-    return range.end <= run.start;
-  });
-  for (; style != styles.end() && style->start < run.start + run.length; ++style)
-    if (starts_.empty() || !style->style.measuresLike(styles[starts_.back()].style))
-      starts_.push_back(std::size_t(style - styles.begin()));
-  partsLeft_ = starts_.size();
 }
 
 void TextLine::Measurement::addBreak() {
@@ -217,7 +279,7 @@ TextLine::~TextLine() = default;
 
 TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>& runs,
                    const Attributes& ifEmpty, Measuring measuring)
-    : identifier_(++lastIdentifier), text_(onOneLine(text)) {
+    : identifier_(++lastIdentifier), text_(text) {
   if (text_.isEmpty()) {
     const TextStyle style = TextStyle::from(ifEmpty);
     ascent_ = style.face->ascent() * style.pointSize;
@@ -225,97 +287,19 @@ TextLine::TextLine(const QString& text, const std::vector<AttributedString::Run>
     leading_ = style.face->leading() * style.pointSize;
     return;
   }
-  styles_.reserve(runs.size());
-  for (const AttributedString::Run& run : runs) {
-    qsizetype start = run.range.location;
-    while (start < run.range.end() && continuesCharacter(text_, start))
-      ++start;
-    if (!styles_.empty())
-      styles_.back().end = start;
-    if (start < run.range.end())
-      styles_.push_back({start, run.range.end(), TextStyle::from(run.attributes)});
-  }
-  if (styles_.empty())
-    styles_.push_back({0, text_.size(), TextStyle::from({})});
-  styles_.front().start = 0;
-  styles_.back().end = text_.size();
-
-  markPictures();
-  measurement_ = std::make_unique<Measurement>(*this, directionOf(runs));
+  measurement_ = std::make_unique<Measurement>(*this, text, runs);
   if (measuring == Measuring::AtOnce)
     measureUntil(QDeadlineTimer(QDeadlineTimer::Forever));
 }
 
 bool TextLine::measureUntil(const QDeadlineTimer& deadline) {
   while (measurement_) {
-    if (measurement_->step())
+    if (measurement_->step(deadline))
       measurement_.reset();
     else if (!deadline.isForever() && deadline.hasExpired())
       break;
   }
   return !measurement_;
-}
-
-// The order of the text as it shows.
-std::vector<DirectionRun> TextLine::takeDirections(std::optional<bool> rightToLeft) {
-  std::vector<DirectionRun> directions = directionRuns(text_, rightToLeft);
-  // The order is known now; what directed it must not do so again within a segment.
-  const QString text = text_;
-  for (qsizetype i = 0; i < text.size(); ++i)
-    if (const QChar c = text[i]; isDirectionControl(c.unicode())) {
-      forcesDirection_ |= isDirectionOverride(c.unicode());
-      text_[i] = QChar(zeroWidthSpace);
-    }
-  return directions;
-}
-
-void TextLine::markPictures() {
-  const auto isPicture = [](const StyledRange& range) { return range.style.isPicture; };
-  if (std::none_of(styles_.begin(), styles_.end(), isPicture))
-    return;
-  showsPictures_ = true;
-  std::vector<StyledRange> marked;
-  for (const StyledRange& styled : styles_) {
-    if (!styled.style.isPicture) {
-      marked.push_back(styled);
-      continue;
-    }
-    for (qsizetype start = styled.start; start < styled.end;) {
-      const bool pictures = isAttachmentCharacter(text_[start]);
-      marked.push_back(styled);
-      marked.back().start = start;
-      while (start < styled.end && isAttachmentCharacter(text_[start]) == pictures)
-        ++start;
-      marked.back().end = start;
-      if (!pictures) {
-        marked.back().style.isPicture = false;
-        marked.back().style.picture.reset();
-      }
-    }
-  }
-  styles_ = std::move(marked);
-}
-
-void TextLine::markEmoji(const std::vector<Range>& emoji) {
-  if (emoji.empty() || !FontFace::emoji())
-    return;
-  std::vector<StyledRange> marked;
-  auto range = emoji.begin();
-  for (const StyledRange& styled : styles_) {
-    for (qsizetype start = styled.start; start < styled.end;) {
-      while (range != emoji.end() && range->end() <= start)
-        ++range;
-      const bool inside = range != emoji.end() && range->location <= start;
-      const qsizetype limit = range == emoji.end() ? styled.end
-                              : inside             ? range->end()
-                                                   : range->location;
-      marked.push_back(styled);
-      marked.back().start = start;
-      marked.back().end = start = std::min(limit, styled.end);
-      marked.back().style.isEmoji = inside;
-    }
-  }
-  styles_ = std::move(marked);
 }
 
 void TextLine::place(const Segment& at) {

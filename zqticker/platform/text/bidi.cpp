@@ -27,7 +27,7 @@ std::vector<DirectionRun> directionRuns(const QString& text, std::optional<bool>
   if (text.isEmpty())
     return {};
   const std::vector<DirectionRun> plain{{0, text.size(), false}};
-  const auto* characters = reinterpret_cast<const char16_t*>(text.utf16());
+  const auto* characters = reinterpret_cast<const char16_t*>(text.constData());
   if (!rightToLeft.value_or(false) &&
       std::none_of(characters, characters + text.size(), mayBeRightToLeft))
     return plain;

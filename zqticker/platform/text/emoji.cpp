@@ -89,17 +89,15 @@ qsizetype endOfEmoji(const QString& text, qsizetype position) {
   return position;
 }
 
-qsizetype findEmojiRanges(const QString& text, qsizetype from, qsizetype count,
-                          std::vector<Range>& ranges) {
+std::vector<Range> emojiRanges(const QString& text) {
+  std::vector<Range> ranges;
   // Most of a text is not looked at closely.
-  const auto limit = text.begin() + std::min(text.size() - from, count) + from;
-  const auto first = std::find_if(text.begin() + from, limit, mayMatter);
-  if (first == limit)
-    return limit - text.begin();
+  const auto first = std::find_if(text.begin(), text.end(), mayMatter);
+  if (first == text.end())
+    return ranges;
   // What a selector turns into a picture stands before it: the digit of a keycap.
-  const qsizetype behindLast = ranges.empty() ? 0 : ranges.back().end();
-  qsizetype start = std::max<qsizetype>(behindLast, first - text.begin() - 1);
-  while (start < limit - text.begin()) {
+  qsizetype start = std::max<qsizetype>(0, first - text.begin() - 1);
+  while (start < text.size()) {
     const qsizetype end = endOfEmoji(text, start);
     if (end == start) {
       next(text, start);
@@ -111,12 +109,6 @@ qsizetype findEmojiRanges(const QString& text, qsizetype from, qsizetype count,
       ranges.push_back({start, end - start});
     start = end;
   }
-  return start;
-}
-
-std::vector<Range> emojiRanges(const QString& text) {
-  std::vector<Range> ranges;
-  findEmojiRanges(text, 0, text.size(), ranges);
   return ranges;
 }
 

@@ -14,11 +14,6 @@ namespace zq::platform {
 // asks for its plain form (U+FE0E) is none.
 std::vector<Range> emojiRanges(const QString& text);
 
-// Looks for them in `count` units from `from` on, and adds them to `ranges`, which holds those
-// before. How far it came, a little behind the end where a picture reaches over it.
-qsizetype findEmojiRanges(const QString& text, qsizetype from, qsizetype count,
-                          std::vector<Range>& ranges);
-
 // The end of the one picture, with all its parts, that begins at `position`; `position` itself
 // where none does.
 qsizetype endOfEmoji(const QString& text, qsizetype position);

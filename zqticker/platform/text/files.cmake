@@ -12,7 +12,7 @@ set(text_PUBLIC_HEADERS
     string_search.h
     text_attributes.h
     value_numbers.h)
-set(text_PRIVATE_HEADERS LineCache_p.h LineHolder_p.h TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h
+set(text_PRIVATE_HEADERS LineCache_p.h LineCharacters_p.h LineHolder_p.h TextLine_p.h TextStyle_p.h bidi_p.h emoji_p.h
                          line_breaks_p.h)
 set(text_SOURCES
     AttributedString.cpp
@@ -21,6 +21,7 @@ set(text_SOURCES
     DecimalNumber.cpp
     Formatter.cpp
     LineCache.cpp
+    LineCharacters.cpp
     LineHolder.cpp
     MutableAttributedString.cpp
     ParagraphStyle.cpp
