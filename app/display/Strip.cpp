@@ -7,22 +7,13 @@ namespace zq::app {
 
 namespace {
 constexpr double Never = std::numeric_limits<double>::infinity();
-// No run is shorter, so that the number of runs on a strip is bounded by its extent.
-constexpr double ShortestRun = 1;
-// Places closer than this, in points, are the same place: one run follows another without the
-// clock's rounding between them.
-constexpr double Touching = 1e-6;
+constexpr double Touching = StripRuns::Touching;
 // Points that make no step.
 constexpr double ShortestStep = 1;
 } // namespace
 
 Strip::Strip(double extent, double pointsPerSecond, double startTime)
-    : motion_(pointsPerSecond, startTime), extent_(extent), now_(startTime), lastEnd_(-Never),
-      roundTravel_(-Never), roundEnd_(startTime) {}
-
-bool Strip::Run::isSeen() const {
-  return unseenAtStart <= Touching && unseenAtEnd <= Touching;
-}
+    : motion_(pointsPerSecond, startTime), extent_(extent), now_(startTime), roundEnd_(startTime) {}
 
 void Strip::setExtent(double points, double time, Edge kept) {
   advanceTo(time);
@@ -33,13 +24,10 @@ void Strip::setExtent(double points, double time, Edge kept) {
     motion_.restartAt(travel() + extent_ - before, now_);
   } else if (kept == Edge::Leaving && before > 0) {
     const double shift = before - extent_;
-    for (std::deque<Run>* runs : {&runs_, &past_})
-      for (Run& run : *runs)
-        run.start += shift;
-    lastEnd_ += shift;
-    roundTravel_ += shift;
+    runs_.shift(shift);
+    past_.shift(shift);
   }
-  see(travel());
+  runs_.see(travel(), extent_);
   retire();
 }
 
@@ -62,7 +50,7 @@ void Strip::setPaged(bool paged, double time) {
     page_.reset();
   double here = motion_.goalAt(now_);
   // Nothing has left yet: the page begins with the first start.
-  if (paged && !runs_.empty())
+  if (paged && !runs_.isEmpty())
     here = std::max(here, runs_.front().start + extent_);
   motion_.restartAt(here, now_);
   motion_.setSpeed(paged ? 0 : speed, now_);
@@ -72,7 +60,7 @@ void Strip::setPaged(bool paged, double time) {
 void Strip::advanceTo(double time) {
   if (!(time >= now_) || !std::isfinite(time))
     return;
-  see(farthestBack(time));
+  runs_.see(farthestBack(time), extent_);
   for (;;) {
     letRest();
     const Event event = nextEvent();
@@ -81,7 +69,7 @@ void Strip::advanceTo(double time) {
     perform(event);
   }
   now_ = time;
-  see(travel());
+  runs_.see(travel(), extent_);
   retire();
 }
 
@@ -92,47 +80,22 @@ double Strip::farthestBack(double time) const {
   return std::min({travel(), then, isEndPassed ? motion_.goalAt(now_) : then});
 }
 
-// Notes what has come into sight when the strip has gone to `travel`, in one go from where it was
-// when it was called last.
-void Strip::see(double travel) {
-  for (Run& run : runs_) {
-    if (run.isSeen())
-      continue;
-    const double entered = std::clamp(travel - run.start, 0.0, run.shown);
-    const double gone = std::clamp(travel - run.start - extent_, 0.0, run.shown);
-    run.unseenAtEnd = std::min(run.unseenAtEnd, run.shown - entered);
-    run.unseenAtStart = std::min(run.unseenAtStart, gone);
-  }
-}
-
 double Strip::endOfRound(const StripQueue::Entry& next) const {
-  const double travel = next.continuous ? lastEnd_ : roundTravel_ + extent_;
+  const double travel = next.continuous ? runs_.lastEnd() : runs_.lastEndOfRound() + extent_;
   return std::max(now_, motion_.timeAt(travel));
 }
 
 // When what the page shows has been there long enough.
 double Strip::endOfPage() const {
-  if (!page_ || runs_.empty())
+  if (!page_ || runs_.isEmpty())
     return Never;
   const double here = travel();
   const double begin = std::max(runs_.front().start, here - extent_);
-  return std::max(now_, page_->endOf(std::min(lastEnd_, here) - begin));
+  return std::max(now_, page_->endOf(std::min(runs_.lastEnd(), here) - begin));
 }
 
 bool Strip::hasRoomOnPage() const {
-  return runs_.empty() || lastEnd_ < travel() - Touching;
-}
-
-double Strip::nextPage() const {
-  const double here = travel();
-  for (const Run& run : runs_) {
-    if (run.shownEnd() <= here + Touching)
-      continue;
-    if (run.start > here - extent_ + Touching)
-      return run.start + extent_;
-    return here + std::max(extent_ * (1 - PageOverlap), ShortestStep);
-  }
-  return lastEnd_ + extent_;
+  return runs_.isEmpty() || runs_.lastEnd() < travel() - Touching;
 }
 
 // Brings the travel to `goal`: at once on a paged strip, else by a glide.
@@ -149,7 +112,7 @@ void Strip::moveTo(double goal, double seconds) {
 Strip::Event Strip::nextEvent() const {
   Event event;
   const double clear =
-      page_ ? (hasRoomOnPage() ? now_ : Never) : std::max(now_, motion_.timeAt(lastEnd_));
+      page_ ? (hasRoomOnPage() ? now_ : Never) : std::max(now_, motion_.timeAt(runs_.lastEnd()));
   const Entry fresh = queue_.fresh();
   const Entry again = queue_.again();
   const bool isUrgent = fresh && fresh->priority() > 0;
@@ -172,7 +135,7 @@ Strip::Event Strip::nextEvent() const {
   if (const double end = endOfPage(); end < event.time)
     event = {Event::Kind::Turn, end, nullptr};
   // What is to be shown again waits from the moment at which it has left.
-  if (!runs_.empty() && runs_.front().unseenAtStart > Touching) {
+  if (!runs_.isEmpty() && runs_.front().unseenAtStart > Touching) {
     const double left = std::max(now_, motion_.timeAt(runs_.front().end() + extent_));
     if (left < event.time)
       event = {Event::Kind::Leave, left, runs_.front().entry};
@@ -205,7 +168,7 @@ void Strip::perform(const Event& event) {
     retire();
     return;
   case Event::Kind::Turn:
-    moveTo(nextPage());
+    moveTo(runs_.pageAfter(travel(), extent_));
     return;
   case Event::Kind::Leave:
     retireFirst();
@@ -224,16 +187,13 @@ void Strip::start(const Entry& entry) {
   }
   // Where a run enters at the earliest: at the edge, or at the beginning of the page.
   const double edge = travel() - (page_ ? extent_ : 0);
-  Run run{entry, edge - lastEnd_ < Touching ? lastEnd_ : edge, 0, nextNumber_++};
-  setLength(run, length);
+  Run run{entry, edge - runs_.lastEnd() < Touching ? runs_.lastEnd() : edge, 0, nextNumber_++};
+  run.setLength(length);
   if (page_)
     page_->add(now_);
   run.unseenAtEnd = run.shown;
   run.isOfRound = rule.isRepeating() || !entry->isDroppable();
-  lastEnd_ = run.end();
-  if (run.isOfRound)
-    roundTravel_ = lastEnd_;
-  runs_.push_back(std::move(run));
+  runs_.append(std::move(run));
   ++entry->onStrip;
   ++entry->showings;
   entry->round = round_;
@@ -246,13 +206,12 @@ void Strip::start(const Entry& entry) {
 void Strip::retire() {
   // On the way back what comes into sight again stays.
   const double gone = std::min(travel(), motion_.goalAt(now_)) - extent_;
-  while (!runs_.empty() && runs_.front().end() <= gone)
+  while (!runs_.isEmpty() && runs_.front().end() <= gone)
     retireFirst();
 }
 
 void Strip::retireFirst() {
-  Run run = std::move(runs_.front());
-  runs_.pop_front();
+  Run run = runs_.takeFirst();
   ++revision_;
   // All of it has entered, but for what had not at a reversal.
   const bool isPutBack = run.unseenAtStart > Touching && queue_.putBack(run.entry);
@@ -261,48 +220,7 @@ void Strip::retireFirst() {
     queue_.settle(*run.entry);
   }
   if (!isPutBack && !run.entry->isWithdrawn)
-    keepPast(std::move(run));
-}
-
-void Strip::setLength(Run& run, double length) {
-  run.length = std::max(length, ShortestRun);
-  run.gap = std::clamp(run.item().gap(run.length), 0.0, run.length);
-  run.shown = run.length - run.gap;
-}
-
-// The last run that begins before a place, or the oldest one.
-std::size_t Strip::runAt(double place) const {
-  std::size_t after = 0;
-  while (after < runs_.size() && runs_[after].start <= place)
-    ++after;
-  return after > 0 ? after - 1 : 0;
-}
-
-void Strip::finishRemeasuring() {
-  for (Run& run : runs_) {
-    if (run.unseenAtStart > 0)
-      run.unseenAtStart = run.shown;
-    if (run.unseenAtEnd > 0)
-      run.unseenAtEnd = run.shown;
-  }
-  see(travel());
-  updateEnds();
-}
-
-// After the runs were moved relatively to each other.
-void Strip::updateEnds() {
-  if (runs_.empty())
-    return;
-  lastEnd_ = runs_.back().end();
-  const auto last =
-      std::find_if(runs_.rbegin(), runs_.rend(), [](const Run& run) { return run.isOfRound; });
-  roundTravel_ = last != runs_.rend() ? last->end() : travel() - extent_;
-}
-
-void Strip::updateShown(const Entry& entry) {
-  for (Run& run : runs_)
-    if (run.entry == entry)
-      run.shown = run.length - std::clamp(run.item().gap(run.length), 0.0, run.length);
+    past_.add(std::move(run));
 }
 
 void Strip::reverse(double time) {
@@ -310,18 +228,13 @@ void Strip::reverse(double time) {
   const double here = travel();
   const double goal = motion_.goalAt(now_);
   // Of these nothing but the gap has been left.
-  while (!runs_.empty() && runs_.front().shownEnd() <= here - extent_ + Touching)
+  while (!runs_.isEmpty() && runs_.front().shownEnd() <= here - extent_ + Touching)
     retireFirst();
-  mirrorRuns();
   motion_.restartAt(extent_ - here, now_);
-  lastEnd_ = roundTravel_ = travel() - extent_;
-  updateEnds();
+  const double left = travel() - extent_;
+  runs_.mirror(left);
   // What has left stands beyond the edge at which runs leave now.
-  double edge = travel() - extent_;
-  if (!runs_.empty())
-    edge = std::min(edge, runs_.front().start);
-  for (auto run = past_.rbegin(); run != past_.rend(); ++run)
-    edge = run->start = edge - run->length;
+  past_.placeBefore(runs_.isEmpty() ? left : std::min(left, runs_.front().start));
   ++revision_;
   retire();
   if (goal > here)
@@ -330,51 +243,26 @@ void Strip::reverse(double time) {
     stepBack(now_);
 }
 
-// A place p becomes extent - p. The gap between two runs stays, which is the other one's now.
-void Strip::mirrorRuns() {
-  std::reverse(runs_.begin(), runs_.end());
-  for (std::size_t i = 0; i < runs_.size(); ++i) {
-    Run& run = runs_[i];
-    const double room =
-        i + 1 < runs_.size() ? std::max(run.start - runs_[i + 1].shownEnd(), 0.0) : run.gap;
-    run.length = run.shown + std::min(run.gap, room);
-    run.start = -run.shownEnd();
-    std::swap(run.unseenAtStart, run.unseenAtEnd);
-  }
-}
-
-void Strip::keepPast(Run run) {
-  pastCost_ += run.entry->waitingCost();
-  past_.push_back(std::move(run));
-  while (past_.size() > MostPast || (past_.size() > 1 && pastCost_ > MostPastCost)) {
-    pastCost_ -= past_.front().entry->waitingCost();
-    past_.pop_front();
-  }
-}
-
 // Puts the run that left last onto the strip again. False, and nothing is known any more, where it
 // cannot be shown again.
 bool Strip::bringBack() {
-  Run run = std::move(past_.back());
-  past_.pop_back();
-  pastCost_ -= run.entry->waitingCost();
+  Run run = past_.takeLast();
   // What came behind it may have become longer.
-  const double end = runs_.empty() ? run.end() : std::min(run.end(), runs_.front().start);
+  const double end = runs_.isEmpty() ? run.end() : std::min(run.end(), runs_.front().start);
   if (run.entry->onStrip == 0) {
     const double length = run.item().enter();
     if (!(length > 0) || !std::isfinite(length)) {
       run.item().leave();
-      past_.clear();
-      pastCost_ = 0;
+      past_.forgetAll();
       return false;
     }
-    setLength(run, length);
+    run.setLength(length);
   }
   run.start = end - run.length;
   ++run.entry->onStrip;
   ++revision_;
   queue_.settle(*run.entry);
-  runs_.push_front(std::move(run));
+  runs_.prepend(std::move(run));
   return true;
 }
 
@@ -383,26 +271,21 @@ void Strip::withdraw(const Entry& entry) {
   queue_.take(kept);
   kept->isWithdrawn = true;
   queue_.settle(*kept);
-  std::erase_if(past_, [&](const Run& run) {
-    if (run.entry != kept)
-      return false;
-    pastCost_ -= kept->waitingCost();
-    return true;
-  });
+  past_.forget(kept);
 }
 
 bool Strip::stepForward(double time) {
   advanceTo(time);
-  if (runs_.empty())
+  if (runs_.isEmpty())
     return false;
   const double here = motion_.goalAt(now_);
   // What is as near as that comes by itself.
   const double near =
       here + (motion_.isGlidingAt(now_) ? ShortestStep
                                         : std::max(motion_.speed() * StepSeconds, ShortestStep));
-  const auto next = std::find_if(runs_.begin(), runs_.end(),
+  const auto next = std::find_if(runs().begin(), runs().end(),
                                  [&](const Run& run) { return run.start + extent_ >= near; });
-  const double goal = (next != runs_.end() ? next->start : lastEnd_) + extent_;
+  const double goal = (next != runs().end() ? next->start : runs_.lastEnd()) + extent_;
   if (goal < near)
     return false;
   moveTo(goal);
@@ -424,11 +307,11 @@ bool Strip::stepBack(double time) {
     --onStrip;
     isBefore = true;
   }
-  if (onStrip == 0 && !past_.empty()) {
-    const bool isRecent = here - (past_.back().start + extent_) < recent;
+  if (onStrip == 0 && !past_.isEmpty()) {
+    const bool isRecent = here - (past_.last().start + extent_) < recent;
     if (bringBack()) {
       onStrip = 1;
-      if (!isBefore && isRecent && !past_.empty())
+      if (!isBefore && isRecent && !past_.isEmpty())
         bringBack();
     }
   }
@@ -458,13 +341,13 @@ void Strip::moveBy(double points, double time) {
 // Stops wherever the next run may enter, so that it follows the one before without a gap.
 void Strip::moveForward(double points) {
   double left = points;
-  while (left > 0 && !runs_.empty()) {
+  while (left > 0 && !runs_.isEmpty()) {
     const double here = travel();
-    double step = lastEnd_ - here;
+    double step = runs_.lastEnd() - here;
     if (step <= Touching)
-      step = roundTravel_ + extent_ - here;
+      step = runs_.lastEndOfRound() + extent_ - here;
     if (step <= Touching)
-      step = lastEnd_ + extent_ - here;
+      step = runs_.lastEnd() + extent_ - here;
     step = std::min(left, std::max(step, Touching));
     motion_.restartAt(here + step, now_);
     left -= step;
@@ -475,10 +358,10 @@ void Strip::moveForward(double points) {
 // The travel nearest to `goal` to which the strip can go back. What comes into sight there is
 // brought back.
 double Strip::reachableBack(double goal) {
-  while (!past_.empty() && (runs_.empty() || runs_.front().start + extent_ > goal))
+  while (!past_.isEmpty() && (runs_.isEmpty() || runs_.front().start + extent_ > goal))
     if (!bringBack())
       break;
-  return runs_.empty()
+  return runs_.isEmpty()
              ? travel()
              : std::max(goal, runs_.front().start + std::min(extent_, runs_.front().length));
 }
@@ -489,7 +372,7 @@ void Strip::glideBy(double points, double seconds, double time) {
     return;
   const double way = std::clamp(points, -LongestMove, LongestMove);
   const double from = motion_.goalAt(now_);
-  const double end = runs_.empty() ? from : std::max(lastEnd_ + extent_, from);
+  const double end = runs_.isEmpty() ? from : std::max(runs_.lastEnd() + extent_, from);
   const double goal = way < 0            ? std::min(reachableBack(from + way), from)
                       : queue_.isEmpty() ? std::min(from + way, end)
                                          : from + way;

@@ -3,14 +3,13 @@
 
 #include "app/access/PageReading.h"
 #include "app/display/Motion.h"
+#include "app/display/PastRuns.h"
 #include "app/display/StripQueue.h"
+#include "app/display/StripRuns.h"
 
-#include <algorithm>
 #include <deque>
 #include <limits>
-#include <memory>
 #include <optional>
-#include <vector>
 
 namespace zq::app {
 
@@ -52,24 +51,7 @@ class Strip {
  public:
   using Entry = StripQueue::EntryRef;
 
-  // One showing of an item.
-  struct Run {
-    Entry entry;
-    double start = 0;
-    double length = 0;
-    std::uint64_t number = 0; // counts from 1, never used twice
-    double shown = 0;         // of its length, from its start: the rest shows nothing
-    double gap = 0;           // what it leaves empty behind it, where another run does not do so
-    // Points of what it shows, at both ends, that have not been in sight yet.
-    double unseenAtStart = 0;
-    double unseenAtEnd = 0;
-    bool isOfRound = false; // whether the end of the round waits for it
-
-    StripItem& item() const { return *entry->item; }
-    double end() const { return start + length; }
-    double shownEnd() const { return start + shown; }
-    bool isSeen() const;
-  };
+  using Run = StripRun;
 
   static constexpr std::size_t MostPast = 50;
   static constexpr std::size_t MostPastCost = 1'000'000;
@@ -96,9 +78,6 @@ class Strip {
   // Lets everything go the other way from `time` on, see above.
   void reverse(double time);
 
-  // What of the extent a page repeats of the one before, where a run is longer than the extent: a
-  // word or two, by which the eye finds the place again.
-  static constexpr double PageOverlap = 0.1;
   // Whether the strip changes page by page, without motion. A page begins with the start of a run,
   // the first one that the page before did not show to its end, at the edge at which runs leave; or
   // within a run that is longer than the extent. What is on the strip at the change stays there, at
@@ -142,14 +121,14 @@ class Strip {
   const Motion& motion() const { return motion_; }
   bool isGliding() const { return motion_.isGlidingAt(now_); }
   // What is on the strip, in the order of entering; after a step back also what enters again.
-  const std::deque<Run>& runs() const { return runs_; }
+  const std::deque<Run>& runs() const { return runs_.all(); }
   // Gives the runs new lengths, read by `lengthOf`; what is between them stays. So does what stands
   // `place` points from the edge at which runs leave: of a run that is there, the same part of it;
   // else the run before it, or the oldest one. Those that have left are forgotten.
   template <class Measure>
   void remeasure(double place, Measure lengthOf);
   // The entry's item shows more or less of its place on the strip from now on.
-  void updateShown(const Entry& entry);
+  void updateShown(const Entry& entry) { runs_.updateShown(entry); }
   // The number of the run that entered last; 0 for none.
   std::uint64_t lastRun() const { return nextNumber_ - 1; }
   // Calls `visit` for every item that waits or is on the strip; more than once for one that does
@@ -165,10 +144,10 @@ class Strip {
 
   // Whether something is on the strip and moves.
   bool isMoving() const {
-    return !runs_.empty() && (motion_.speed() > 0 || motion_.isGlidingAt(now_));
+    return !runs_.isEmpty() && (motion_.speed() > 0 || motion_.isGlidingAt(now_));
   }
   // Whether nothing is on the strip, and nothing will be unless it is added.
-  bool isFinished() const { return runs_.empty() && queue_.isEmpty(); }
+  bool isFinished() const { return runs_.isEmpty() && queue_.isEmpty(); }
   // When something next happens on a strip that does not move; infinity for never.
   double nextEntryTime();
 
@@ -185,22 +164,14 @@ class Strip {
   void perform(const Event& event);
   void start(const Entry& entry);
   void retire();
-  static void setLength(Run& run, double length);
-  std::size_t runAt(double place) const;
-  void finishRemeasuring();
-  void updateEnds();
-  void see(double travel);
   double farthestBack(double time) const;
-  void mirrorRuns();
   void retireFirst();
-  void keepPast(Run run);
   bool bringBack();
   void moveForward(double points);
   double reachableBack(double goal);
   double endOfRound(const StripQueue::Entry& next) const;
   double endOfPage() const;
   bool hasRoomOnPage() const;
-  double nextPage() const;
   void moveTo(double goal, double seconds = StepSeconds);
 
   Motion motion_;                   // stands still, but for jumps, where there are pages
@@ -208,11 +179,8 @@ class Strip {
   double extent_;
   double now_;
   StripQueue queue_;
-  std::deque<Run> runs_;
-  std::deque<Run> past_; // have left, the last one at the end
-  std::size_t pastCost_ = 0;
-  double lastEnd_;     // travel at which the last run has entered wholly
-  double roundTravel_; // the same of the last run that a round consists of
+  StripRuns runs_;
+  PastRuns past_{MostPast, MostPastCost};
   std::uint64_t round_ = 1;
   double roundEnd_; // when the round before this one ended
   std::uint64_t nextNumber_ = 1;
@@ -221,44 +189,22 @@ class Strip {
 
 template <class Visit>
 void Strip::forEachItem(Visit visit) const {
-  for (const Run& run : runs_)
+  for (const Run& run : runs_.all())
     visit(run.item());
   queue_.forEachItem(visit);
 }
 
 template <class VisitRun, class VisitWaiting>
 void Strip::forEachInOrder(VisitRun visitRun, VisitWaiting visitWaiting) const {
-  for (const Run& run : runs_)
+  for (const Run& run : runs_.all())
     visitRun(run);
   queue_.forEachInOrder(round_, visitWaiting);
 }
 
 template <class Measure>
 void Strip::remeasure(double place, Measure lengthOf) {
-  past_.clear();
-  pastCost_ = 0;
-  if (runs_.empty())
-    return;
-  const double there = travel() - extent_ + place;
-  const std::size_t anchor = runAt(there);
-  const Run& kept = runs_[anchor];
-  const double part = std::clamp((there - kept.start) / kept.length, 0.0, 1.0);
-  const double fixed = kept.start + part * kept.length;
-  // The empty room before each run.
-  std::vector<double> rooms(runs_.size(), 0.0);
-  for (std::size_t i = 1; i < runs_.size(); ++i)
-    rooms[i] = runs_[i].start - runs_[i - 1].end();
-  for (Run& run : runs_) {
-    const double measured = lengthOf(run);
-    if (measured > 0 && measured < std::numeric_limits<double>::infinity())
-      setLength(run, measured);
-  }
-  runs_[anchor].start = fixed - part * runs_[anchor].length;
-  for (std::size_t i = anchor + 1; i < runs_.size(); ++i)
-    runs_[i].start = runs_[i - 1].end() + rooms[i];
-  for (std::size_t i = anchor; i > 0; --i)
-    runs_[i - 1].start = runs_[i].start - rooms[i] - runs_[i - 1].length;
-  finishRemeasuring();
+  past_.forgetAll();
+  runs_.remeasure(travel() - extent_ + place, lengthOf, travel(), extent_);
 }
 
 } // namespace zq::app

@@ -10,6 +10,8 @@ set(display_SOURCES
     display/LineSource.h
     display/Motion.cpp
     display/Motion.h
+    display/PastRuns.cpp
+    display/PastRuns.h
     display/QueuedSign.h
     display/ScrollDirection.h
     display/SenderCounts.h
@@ -29,6 +31,8 @@ set(display_SOURCES
     display/StripPlayer.h
     display/StripQueue.cpp
     display/StripQueue.h
+    display/StripRuns.cpp
+    display/StripRuns.h
     display/StripSight.cpp
     display/StripSight.h
     display/StripSurface.cpp
