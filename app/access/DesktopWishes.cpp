@@ -1,12 +1,9 @@
 #include "app/access/DesktopWishes.h"
 
-#include "app/bus/bus_names.h"
-
 #include <QtCore/QSettings>
 #include <QtCore/QStandardPaths>
 #include <QtDBus/QDBusMessage>
-#include <QtDBus/QDBusPendingCall>
-#include <QtDBus/QDBusPendingCallWatcher>
+#include <QtDBus/QDBusVariant>
 
 #include <algorithm>
 #include <iterator>
@@ -19,6 +16,7 @@ namespace {
 const QString PortalName = u"org.freedesktop.portal.Desktop"_s;
 const QString PortalPath = u"/org/freedesktop/portal/desktop"_s;
 const QString PortalInterface = u"org.freedesktop.portal.Settings"_s;
+const QString ChangedSignal = u"SettingChanged"_s;
 
 // Name spaces and names of settings in the portal.
 using Key = std::pair<QString, QString>;
@@ -51,9 +49,15 @@ DesktopWishes::DesktopWishes(std::optional<QString> address, const QString& fold
     : bus_(std::move(address)) {
   readFiles(folder);
   decide();
-  connect(&bus_, &SessionBus::opened, this, &DesktopWishes::observe);
-  if (bus_.open())
-    observe();
+  connect(&bus_, &BusListener::opened, this,
+          [this] { bus_.listen(PortalName, PortalPath, PortalInterface, ChangedSignal); });
+  connect(&bus_, &BusListener::heard, this, &DesktopWishes::hear);
+  connect(&bus_, &BusListener::ownerChanged, this, [this](const QString&, bool isThere) {
+    if (isThere)
+      for (const Key& key : Keys)
+        ask(key, u"ReadOne"_s);
+  });
+  bus_.open();
 }
 
 DesktopWishes::~DesktopWishes() = default;
@@ -75,50 +79,23 @@ void DesktopWishes::readFiles(const QString& folder) {
   read(AnimationFactor, u"kdeglobals"_s, u"KDE/AnimationDurationFactor"_s);
 }
 
-void DesktopWishes::observe() {
-  QDBusConnection connection = bus_.connection();
-  // The bus finds the types of a slot by their names.
-  qRegisterMetaType<QDBusVariant>();
-  // Of any sender: to name one, the toolkit would wait for the bus.
-  connection.connect(QString(), PortalPath, PortalInterface, u"SettingChanged"_s, this,
-                     SLOT(settingChanged(QString, QString, QDBusVariant)));
-  connection.connect(BusDaemonName, BusDaemonPath, BusDaemonName, u"NameOwnerChanged"_s,
-                     {PortalName}, QString(), this, SLOT(ownerChanged(QString, QString, QString)));
-  ask();
-}
-
-void DesktopWishes::ownerChanged(const QString& name, const QString&, const QString& after) {
-  if (name == PortalName && !after.isEmpty())
-    ask();
-}
-
-void DesktopWishes::ask() {
-  for (const Key& key : Keys)
-    ask(key, u"ReadOne"_s);
-}
-
 void DesktopWishes::ask(const Key& key, const QString& method) {
-  QDBusMessage call =
-      QDBusMessage::createMethodCall(PortalName, PortalPath, PortalInterface, method);
-  call.setArguments({key.first, key.second});
-  call.setAutoStartService(false);
-  auto* watcher = new QDBusPendingCallWatcher(bus_.connection().asyncCall(call), this);
-  connect(watcher, &QDBusPendingCallWatcher::finished, this, [this, key, method](auto* finished) {
-    const QDBusMessage reply = finished->reply();
-    finished->deleteLater();
-    if (reply.type() == QDBusMessage::ReplyMessage)
-      take(key, reply.arguments().value(0));
-    else if (method == "ReadOne"_L1 &&
-             reply.errorName() == "org.freedesktop.DBus.Error.UnknownMethod"_L1)
-      ask(key, u"Read"_s); // as older portals call it
-  });
+  bus_.ask(PortalName, PortalPath, PortalInterface, method, {key.first, key.second},
+           [this, key, method](const QDBusMessage& reply) {
+             if (reply.type() == QDBusMessage::ReplyMessage)
+               take(key, reply.arguments().value(0));
+             else if (method == "ReadOne"_L1 &&
+                      reply.errorName() == "org.freedesktop.DBus.Error.UnknownMethod"_L1)
+               ask(key, u"Read"_s); // as older portals call it
+           });
 }
 
-void DesktopWishes::settingChanged(const QString& space, const QString& name,
-                                   const QDBusVariant& value) {
-  const Key key(space, name);
+void DesktopWishes::hear(const QDBusMessage& signal) {
+  if (signal.signature() != "ssv"_L1)
+    return;
+  const Key key(signal.arguments().at(0).toString(), signal.arguments().at(1).toString());
   if (std::find(std::begin(Keys), std::end(Keys), key) != std::end(Keys))
-    take(key, value.variant());
+    take(key, signal.arguments().at(2));
 }
 
 void DesktopWishes::take(const Key& key, const QVariant& value) {

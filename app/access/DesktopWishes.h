@@ -1,21 +1,22 @@
 // What the desktop says of how its user wants programs to be.
 #pragma once
 
-#include "app/bus/SessionBus.h"
+#include "app/bus/BusListener.h"
 #include "app/bus/bus_address.h"
 
 #include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QVariant>
-#include <QtDBus/QDBusVariant>
 
+#include <optional>
 #include <utility>
 
 namespace zq::app {
 
 // Reads the settings portal of the desktop (org.freedesktop.portal.Settings) and follows its
-// changes. Nothing waits for it and nothing starts it: until it has answered, and where there is
-// none, the files of the desktops' own settings decide, as they were when the program started.
+// changes; nobody else's word counts. Nothing waits for it and nothing starts it: until it has
+// answered, and where there is none, the files of the desktops' own settings decide, as they were
+// when the program started. Where the portal goes away, what it said last holds.
 //
 // Less motion is wished for where "reduced-motion" of org.freedesktop.appearance is 1; where the
 // portal does not know that key, where the desktop's animations are switched off. More contrast is
@@ -27,7 +28,8 @@ class DesktopWishes : public QObject {
   Q_OBJECT
 
  public:
-  // `folder` is that of the user's settings, $XDG_CONFIG_HOME.
+  // Of the session bus at `address`; nothing for no bus. `folder` is that of the user's settings,
+  // $XDG_CONFIG_HOME.
   explicit DesktopWishes(std::optional<QString> address = sessionBusAddress(),
                          const QString& folder = usualFolder());
   ~DesktopWishes() override;
@@ -42,17 +44,14 @@ class DesktopWishes : public QObject {
 
   static QString usualFolder();
   void readFiles(const QString& folder);
-  void observe();
-  void ask();
   void ask(const Key& key, const QString& method);
-  Q_SLOT void settingChanged(const QString& space, const QString& name, const QDBusVariant& value);
-  Q_SLOT void ownerChanged(const QString& name, const QString& before, const QString& after);
+  void hear(const QDBusMessage& signal);
   void take(const Key& key, const QVariant& value);
   void decide();
   bool decideMotion() const;
   bool decideContrast() const;
 
-  SessionBus bus_;
+  BusListener bus_;
   QHash<Key, QVariant> values_; // as the portal says, or the files
   bool reducesMotion_ = false;
   bool raisesContrast_ = false;

@@ -4,6 +4,8 @@ set(bus_SOURCES
     bus/BusFailure.h
     bus/BusInbox.cpp
     bus/BusInbox.h
+    bus/BusListener.cpp
+    bus/BusListener.h
     bus/BusObject.cpp
     bus/BusObject.h
     bus/BusRequest.h

@@ -1,6 +1,6 @@
 #include "app/sight/LoginSession.h"
 
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 
 #include <QtCore/QCoreApplication>
 #include <QtDBus/QDBusArgument>

@@ -1,6 +1,6 @@
 #include "app/sight/ScreenSavers.h"
 
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 
 #include <QtDBus/QDBusMessage>
 

@@ -1,7 +1,7 @@
 // Whether the user's session shows its screen.
 #pragma once
 
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 #include "app/sight/LoginSession.h"
 #include "app/sight/ScreenSavers.h"
 #include "app/x11/ServerScreenSaver.h"

@@ -1,7 +1,5 @@
 # Whether anybody can see the screen.
 set(sight_SOURCES
-    sight/BusListener.cpp
-    sight/BusListener.h
     sight/LoginSession.cpp
     sight/LoginSession.h
     sight/ScreenSavers.cpp

@@ -85,6 +85,45 @@ TEST_F(Wishes, FollowChangesAtOnce) {
   EXPECT_TRUE(motionBecomes(false));
 }
 
+TEST_F(Wishes, AreThePortalsOwnAndNobodyElses) {
+  portal_->show();
+  make();
+  portal_->set(Appearance, u"contrast"_s, 1u);
+  ASSERT_TRUE(contrastBecomes(true));
+  const FakePortal other(bus_->address());
+  other.tellAll(Appearance, u"reduced-motion"_s, 1u);
+  portal_->set(Appearance, u"contrast"_s, 0u);
+  ASSERT_TRUE(contrastBecomes(false));
+  EXPECT_FALSE(wishes_->reducesMotion());
+  EXPECT_EQ(changes_, 2);
+}
+
+TEST_F(Wishes, HoldWhenThePortalGoes) {
+  portal_->set(Appearance, u"reduced-motion"_s, 1u);
+  portal_->show();
+  make();
+  ASSERT_TRUE(motionBecomes(true));
+  portal_.emplace(bus_->address());
+  portal_->set(Appearance, u"contrast"_s, 1u);
+  portal_->show();
+  EXPECT_TRUE(contrastBecomes(true)) << "the next one is asked";
+  EXPECT_TRUE(wishes_->reducesMotion());
+}
+
+TEST_F(Wishes, AreReadAgainAfterTheBusHasRestarted) {
+  portal_->show();
+  make();
+  portal_->set(Appearance, u"contrast"_s, 1u);
+  ASSERT_TRUE(contrastBecomes(true));
+  portal_.reset();
+  bus_->stop();
+  bus_->start();
+  portal_.emplace(bus_->address());
+  portal_->set(Appearance, u"reduced-motion"_s, 1u);
+  portal_->show();
+  EXPECT_TRUE(motionBecomes(true));
+}
+
 TEST_F(Wishes, AreReadFromAPortalThatComesLater) {
   make();
   EXPECT_FALSE(wishes_->reducesMotion());

@@ -1,6 +1,7 @@
 #include "tests/app/access/FakePortal.h"
 
 #include <QtCore/QUuid>
+#include <QtDBus/QDBusConnectionInterface>
 #include <QtDBus/QDBusError>
 #include <QtDBus/QDBusMessage>
 #include <QtDBus/QDBusVariant>
@@ -42,6 +43,20 @@ void FakePortal::set(const QString& space, const QString& name, const QVariant& 
   QDBusMessage signal = QDBusMessage::createSignal(Path, Interface, u"SettingChanged"_s);
   signal.setArguments({space, name, wrapped(value)});
   connection_.send(signal);
+}
+
+void FakePortal::tellAll(const QString& space, const QString& name, const QVariant& value) const {
+  const QDBusConnectionInterface* bus = connection_.interface();
+  for (const QString& receiver : bus->registeredServiceNames().value()) {
+    if (!receiver.startsWith(u':'))
+      continue;
+    QDBusMessage signal =
+        QDBusMessage::createTargetedSignal(receiver, Path, Interface, u"SettingChanged"_s);
+    signal.setArguments({space, name, wrapped(value)});
+    connection_.send(signal);
+  }
+  // The bus answers in order.
+  bus->registeredServiceNames();
 }
 
 QString FakePortal::introspect(const QString&) const {

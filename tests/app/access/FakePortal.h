@@ -24,6 +24,9 @@ class FakePortal : public QDBusVirtualObject {
   void set(const QString& space, const QString& name, const QVariant& value);
   // Takes the name.
   void show();
+  // Tells a change to each connection of the bus by its name, heard or not; they have it when this
+  // returns.
+  void tellAll(const QString& space, const QString& name, const QVariant& value) const;
 
   QString introspect(const QString& path) const override;
   bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;

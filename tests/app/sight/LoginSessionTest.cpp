@@ -1,6 +1,6 @@
 #include "app/sight/LoginSession.h"
 
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 #include "tests/app/XServer.h"
 #include "tests/app/bus/PrivateBus.h"
 #include "tests/app/sight/FakeServices.h"

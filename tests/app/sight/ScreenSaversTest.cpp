@@ -1,6 +1,6 @@
 #include "app/sight/ScreenSavers.h"
 
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 #include "app/sight/SessionSight.h"
 #include "tests/app/XServer.h"
 #include "tests/app/bus/PrivateBus.h"
@@ -104,6 +104,8 @@ TEST_F(ScreenSaver, IsHeardItselfAndNobodyElse) {
     if (name.startsWith(u':'))
       other.tellOne(name, u"/org/gnome/ScreenSaver"_s, u"org.gnome.ScreenSaver"_s,
                     u"ActiveChanged"_s, {true});
+  // The bus answers in order.
+  EXPECT_TRUE(other.connection().interface()->registeredServiceNames().isValid());
   saver.setActive(false);
   saver.setActive(true);
   ASSERT_TRUE(waitUntil([&] { return savers.isActive(); }));

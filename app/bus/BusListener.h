@@ -29,11 +29,13 @@ class BusListener : public QObject {
   explicit BusListener(std::optional<QString> address, QObject* parent = nullptr);
   ~BusListener() override;
 
-  // Connects. Whoever listens does so whenever it is `opened`.
+  // Connects, at once where the bus is there; nothing happens while it is open. Whoever listens
+  // does so whenever it is `opened`.
   void open();
 
   // Hears a signal of the service from now on, for as long as the bus is there; from any of its
-  // objects where `path` is empty. Others that send a signal of that name are not heard.
+  // objects where `path` is empty. Others that send a signal of that name are not heard. Nothing
+  // happens while the bus is not there.
   void listen(const QString& service, const QString& path, const QString& interface,
               const QString& member);
   // Calls a method. `answered` gets the reply whenever it comes, an error included; never, where
@@ -60,12 +62,14 @@ class BusListener : public QObject {
   void setOwner(const QString& service, const QString& owner);
   void addMatch(const QString& rule);
   void disconnect();
+  void retryLater();
 
   std::optional<QString> address_;
   QDBusConnection connection_;
   QHash<QString, QStringList> senders_; // services, by interface and member of their signals
   QHash<QString, QString> owners_;      // unique names, by service; empty where it is not there
   QTimer retry_;
+  int retryMilliseconds_; // until the next try
 };
 
 } // namespace zq::app

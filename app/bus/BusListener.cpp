@@ -1,4 +1,4 @@
-#include "app/sight/BusListener.h"
+#include "app/bus/BusListener.h"
 
 #include "app/bus/bus_names.h"
 
@@ -28,9 +28,9 @@ QString newName() {
 } // namespace
 
 BusListener::BusListener(std::optional<QString> address, QObject* parent)
-    : QObject(parent), address_(std::move(address)), connection_(QString()) {
+    : QObject(parent), address_(std::move(address)), connection_(QString()),
+      retryMilliseconds_(FirstRetryMilliseconds) {
   retry_.setSingleShot(true);
-  retry_.setInterval(FirstRetryMilliseconds);
   connect(&retry_, &QTimer::timeout, this, &BusListener::open);
 }
 
@@ -47,14 +47,13 @@ void BusListener::open() {
   connection_ = QDBusConnection::connectToPeer(*address_, newName());
   if (!connection_.isConnected()) {
     disconnect();
-    retry_.start();
-    retry_.setInterval(std::min(2 * retry_.interval(), LastRetryMilliseconds));
+    retryLater();
     return;
   }
   connection_.connect(QString(), u"/org/freedesktop/DBus/Local"_s, u"org.freedesktop.DBus.Local"_s,
                       u"Disconnected"_s, this, SLOT(lost()));
   ask(BusDaemonName, BusDaemonPath, BusDaemonName, u"Hello"_s, {},
-      [this](const QDBusMessage&) { retry_.setInterval(FirstRetryMilliseconds); });
+      [this](const QDBusMessage&) { retryMilliseconds_ = FirstRetryMilliseconds; });
   Q_EMIT opened();
 }
 
@@ -67,13 +66,17 @@ void BusListener::disconnect() {
     QDBusConnection::disconnectFromPeer(name);
 }
 
+void BusListener::retryLater() {
+  retry_.start(retryMilliseconds_);
+  retryMilliseconds_ = std::min(2 * retryMilliseconds_, LastRetryMilliseconds);
+}
+
 void BusListener::lost() {
   // Of a connection that has been given up already.
   if (connection_.isConnected() || connection_.name().isEmpty())
     return;
   disconnect();
-  retry_.start();
-  retry_.setInterval(std::min(2 * retry_.interval(), LastRetryMilliseconds));
+  retryLater();
   Q_EMIT closed();
 }
 
