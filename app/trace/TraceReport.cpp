@@ -153,7 +153,7 @@ QStringList TraceReport::lines() const {
     steps.append(u"others x %1"_s.arg(otherSteps_));
   const auto share = [this](std::size_t part, std::size_t all) {
     return all == 0
-               ? u"100 %"_s
+               ? u"-"_s
                : QString(
                      number(100.0 * static_cast<double>(all - part) / static_cast<double>(all), 3) +
                      u" %"_s);

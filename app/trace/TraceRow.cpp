@@ -29,6 +29,9 @@ char* writeNumber(char* to, Number value) {
   return std::to_chars(to, to + 40, value).ptr;
 }
 
+// So that the step between two of them is a number too.
+constexpr std::int64_t LargestOffset = std::int64_t(1) << 60;
+
 // Takes the next field off the line.
 std::string_view takeField(std::string_view& line) {
   const std::size_t comma = line.find(',');
@@ -81,6 +84,8 @@ QString readTraceRow(std::string_view line, TraceRow& row) {
     return u"the blank is no number"_s;
   if (!readNumber(takeField(line), row.offset))
     return u"the offset is no whole number"_s;
+  if (row.offset > LargestOffset || row.offset < -LargestOffset)
+    return u"the offset is too large"_s;
   if (!readFinite(takeField(line), row.ideal))
     return u"the ideal offset is no number"_s;
   if (!readFinite(takeField(line), row.scale) || row.scale <= 0)

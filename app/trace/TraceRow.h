@@ -39,7 +39,7 @@ inline constexpr std::size_t LongestTraceLine = 300;
 char* writeTraceRow(const TraceRow& row, char* to);
 
 // Reads a line without its end. What is wrong with it, in a few words; empty where nothing is.
-// Numbers must be finite, the scale above 0.
+// Numbers must be finite, the scale above 0, and offsets within 2^60 pixels.
 QString readTraceRow(std::string_view line, TraceRow& row);
 
 } // namespace zq::app

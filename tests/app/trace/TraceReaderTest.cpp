@@ -101,6 +101,8 @@ TEST(TraceReader, NamesTheLineThatCannotBeRead) {
       {"10.1,10.1,601,6.5,6.0,1,60,run\n", u"line 3: the offset is no whole number"_s},
       {"10.1,10.1,601,99999999999999999999,6.0,1,60,run\n",
        u"line 3: the offset is no whole number"_s},
+      {"10.1,10.1,601,9223372036854775807,6.0,1,60,run\n", u"line 3: the offset is too large"_s},
+      {"10.1,10.1,601,-9223372036854775808,6.0,1,60,run\n", u"line 3: the offset is too large"_s},
       {"10.1,10.1,601,6,-nan,1,60,run\n", u"line 3: the ideal offset is no number"_s},
       {"10.1,10.1,601,6,6.0,0,60,run\n", u"line 3: the scale is no number above 0"_s},
       {"10.1,10.1,601,6,6.0,nan,60,run\n", u"line 3: the scale is no number above 0"_s},
