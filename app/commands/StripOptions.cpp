@@ -227,9 +227,10 @@ RunOptions readRunOptionsOver(const Settings& settings, const QStringList& argum
   adoptSettings(options, settings);
   requireFeeds(options.strip, given);
   if (!fitsDirection(options.edge, options.strip.isHorizontal()))
-    throw UsageError(options.strip.isHorizontal()
-                         ? u"--position: a horizontal strip stands at the top or the bottom"_s
-                         : u"--position: a vertical strip stands left or right"_s);
+    throw UsageError(
+        options.strip.isHorizontal()
+            ? u"--position: a horizontal strip stands at the top or the bottom, or floats"_s
+            : u"--position: a vertical strip stands left or right, or floats"_s);
   for (const QString& name : {u"autoscale"_s, u"control-bar"_s})
     if (options.given.contains(name) && options.given.contains(u"no-"_s + name))
       throw UsageError(u"--"_s + name + u": given together with --no-"_s + name);

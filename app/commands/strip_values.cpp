@@ -83,6 +83,10 @@ double fadeOf(const ParsedOption& option) {
     return UsualFade;
   if (option.values.first() == "off"_L1 || option.values.first() == "0"_L1)
     return 0;
+  bool isNumber = false;
+  option.values.first().toDouble(&isNumber);
+  if (!isNumber)
+    throw UsageError(option.text() + u": must be a number of points, or off"_s);
   return numberOf(option, ShortestSide, LongestSide);
 }
 

@@ -63,6 +63,11 @@ QString wordOf(Edge edge) {
   return Automatic;
 }
 
+// Whether it is one of `words`; false for automatic. UsageError for anything else.
+bool isOneOf(const QStringList& words, const ParsedOption& option) {
+  return wordOf(option, words + QStringList{Automatic}) != Automatic;
+}
+
 template <class Value, class Read>
 std::optional<Value> unlessAutomatic(const ParsedOption& option, Read read) {
   return isAutomatic(option) ? std::nullopt : std::optional<Value>(read(option));
@@ -95,7 +100,9 @@ std::vector<SettingSpec> makeTable() {
        u"small strip that can be moved. automatic, and an edge that does not fit the direction, is "
        u"bottom or right."_s,
        Kind::Text,
-       [](Settings& s, Option o) { s.position = isAutomatic(o) ? Edge::Automatic : edgeOf(o); },
+       [](Settings& s, Option o) {
+         s.position = isOneOf(wordsOf(edgeWords()), o) ? edgeOf(o) : Edge::Automatic;
+       },
        [](const Settings& s) { return QStringList{wordOf(s.position)}; }},
       {u"screen"_s, u"NAME"_s,
        u"The screen by its name, or primary, which also stands in for one that is not there."_s,
@@ -130,7 +137,10 @@ std::vector<SettingSpec> makeTable() {
        u"Whether signs change page by page instead of scrolling; automatic for as the desktop's "
        u"settings wish."_s,
        Kind::Switch,
-       [](Settings& s, Option o) { s.reducesMotion = unlessAutomatic<bool>(o, isOnOf); },
+       [](Settings& s, Option o) {
+         const bool isGiven = isOneOf({u"on"_s, u"off"_s}, o);
+         s.reducesMotion = isGiven ? std::optional(isOnOf(o)) : std::nullopt;
+       },
        [](const Settings& s) {
          return s.reducesMotion ? valuesOf(*s.reducesMotion) : QStringList{Automatic};
        }},

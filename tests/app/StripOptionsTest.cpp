@@ -128,9 +128,9 @@ TEST(StripOptions, RefuseWrongValues) {
   EXPECT_EQ(runFailure("--text a --position middle"),
             "--position middle: must be top or bottom or left or right or floating");
   EXPECT_EQ(runFailure("--text a --position left"),
-            "--position: a horizontal strip stands at the top or the bottom");
+            "--position: a horizontal strip stands at the top or the bottom, or floats");
   EXPECT_EQ(runFailure("--text a --direction vertical --position top"),
-            "--position: a vertical strip stands left or right");
+            "--position: a vertical strip stands left or right, or floats");
 }
 
 TEST(StripOptions, RefuseEmptyNamesAndTexts) {
@@ -296,7 +296,8 @@ TEST(StripOptions, LetTheEndsFadeOverSoManyPoints) {
   EXPECT_EQ(readRunOptions(words("--text a --fade")).strip.fade, 40);
   EXPECT_EQ(readRunOptions(words("--fade --text a")).strip.fade, 40);
   EXPECT_EQ(readRenderOptions(words("--text a --fade 12.5 --output a.png")).strip.fade, 12.5);
-  EXPECT_THROW(readRunOptions(words("--text a --fade wide")), UsageError);
+  EXPECT_EQ(runFailure("--text a --fade wide"), "--fade wide: must be a number of points, or off");
+  EXPECT_EQ(runFailure("--text a --fade 0.5"), "--fade 0.5: must be between 1 and 16384");
   Settings settings;
   settings.fade = 30;
   EXPECT_EQ(readRunOptionsOver(settings, words("--text a")).strip.fade, 30);

@@ -136,7 +136,9 @@ TEST(SettingTable, RefusesWhatTheCommandLineRefuses) {
   EXPECT_EQ(failure(u"direction"_s, {u"back"_s}),
             "direction back: must be left or right or up or down or horizontal or vertical");
   EXPECT_EQ(failure(u"position"_s, {u"middle"_s}),
-            "position middle: must be top or bottom or left or right or floating");
+            "position middle: must be top or bottom or left or right or floating or automatic");
+  EXPECT_EQ(failure(u"reduced-motion"_s, {u"maybe"_s}),
+            "reduced-motion maybe: must be on or off or automatic");
   EXPECT_EQ(failure(u"color"_s, {u"nocolor"_s}),
             "color nocolor: not a color (write a name such as navy, or #rrggbb, or #aarrggbb)");
   EXPECT_EQ(failure(u"background"_s, {u"automatic"_s}),
@@ -205,5 +207,5 @@ TEST(SettingTable, HasNoFadeForOff) {
   Settings settings = withSetting(u"fade"_s, {u"30"_s});
   EXPECT_EQ(readSetting(settings, settingNamed(u"fade"_s), u"off"_s), QStringList());
   EXPECT_EQ(settings.fade, 0);
-  EXPECT_EQ(failure(u"fade"_s, {u"long"_s}), "fade long: not a number");
+  EXPECT_EQ(failure(u"fade"_s, {u"long"_s}), "fade long: must be a number of points, or off");
 }
