@@ -44,10 +44,11 @@ class StripControl : public ::testing::Test {
   // Once what is queued has had its effect.
   bool settles() {
     bool isDone = false;
-    QObject::connect(&ticker, &Ticker::changed, &ticker, [&] { isDone = true; });
+    const auto change =
+        QObject::connect(&ticker, &Ticker::changed, &ticker, [&] { isDone = true; });
     ticker.displayChanged();
     const bool settled = waitUntil([&] { return isDone; });
-    ticker.disconnect(SIGNAL(changed()));
+    QObject::disconnect(change);
     return settled;
   }
   bool isShown() { return ticker.widget().isVisible(); }

@@ -18,6 +18,7 @@ namespace {
 constexpr int Width = 640;
 constexpr int Height = 400;
 constexpr int StripHeight = 24;
+constexpr int PictureWidth = Width - 100;
 const QString Appearance = u"org.freedesktop.appearance"_s;
 
 class StripPagesScreen : public ::testing::Test {
@@ -40,17 +41,19 @@ class StripPagesScreen : public ::testing::Test {
                          more,
                      environment);
   }
-  // As long as most of the strip: each is a page.
+  // As long as most of the strip: each begins a page.
   QString picture(QColor color) {
-    QImage image(Width - 100, StripHeight, QImage::Format_RGB32);
+    QImage image(PictureWidth, StripHeight, QImage::Format_RGB32);
     image.fill(color);
     const QString file = folder_.filePath(color.name() + u".png"_s);
     EXPECT_TRUE(image.save(file));
     return file;
   }
-  QRgb colorAt(int x) {
-    return server_->screenshot().pixel(x, Height - StripHeight / 2) & 0xffffff;
+  QImage strip() { return server_->screenshot().copy(0, Height - StripHeight, Width, StripHeight); }
+  static QRgb colorAt(const QImage& strip, int x) {
+    return strip.pixel(x, StripHeight / 2) & 0xffffff;
   }
+  QRgb colorAt(int x) { return colorAt(strip(), x); }
   static QRgb rgb(QColor color) { return color.rgb() & 0xffffff; }
 
   QTemporaryDir folder_;
@@ -64,12 +67,18 @@ class StripPagesScreen : public ::testing::Test {
 TEST_F(StripPagesScreen, ChangesPageByPageAsThePortalWishes) {
   portal_->set(Appearance, u"reduced-motion"_s, 1u);
   portal_->show();
-  run();
-  for (const QColor color : {Qt::red, Qt::blue, Qt::red}) {
-    EXPECT_TRUE(waitUntil([&] { return colorAt(0) == rgb(color); })) << color.name().toStdString();
-    // Nothing slides: the page begins where the strip does.
-    EXPECT_EQ(colorAt(Width - 110), rgb(color));
-  }
+  run({u"--background"_s, u"#123456"_s});
+  for (const QColor color : {Qt::red, Qt::blue, Qt::red})
+    EXPECT_TRUE(waitUntil([&] {
+      const QImage seen = strip();
+      const QRgb first = colorAt(seen, 0);
+      // Nothing slides: a picture ends where the first one of a page does, on every look.
+      if (first == rgb(Qt::red) || first == rgb(Qt::blue)) {
+        EXPECT_EQ(colorAt(seen, PictureWidth - 1), first);
+        EXPECT_NE(colorAt(seen, PictureWidth), first);
+      }
+      return first == rgb(color);
+    })) << color.name().toStdString();
 }
 
 TEST_F(StripPagesScreen, ScrollsAgainWhenTheWishHasGone) {
@@ -79,7 +88,8 @@ TEST_F(StripPagesScreen, ScrollsAgainWhenTheWishHasGone) {
   ASSERT_TRUE(waitUntil([&] { return colorAt(0) == rgb(Qt::red); }));
   portal_->set(Appearance, u"reduced-motion"_s, 0u);
   EXPECT_TRUE(waitUntil([&] {
-    return colorAt(0) == rgb(Qt::red) && colorAt(Width - 200) != rgb(Qt::red);
+    const QImage seen = strip();
+    return colorAt(seen, 0) == rgb(Qt::red) && colorAt(seen, PictureWidth - 100) != rgb(Qt::red);
   })) << "the picture has moved on";
 }
 
@@ -92,9 +102,23 @@ TEST_F(StripPagesScreen, DoesWhatTheCommandLineSaysWhateverThePortalWishes) {
 
 TEST_F(StripPagesScreen, TakesMoreContrastWhenItIsWishedFor) {
   portal_->show();
-  run();
-  ASSERT_TRUE(waitUntil([&] { return colorAt(0) == rgb(Qt::red); }));
+  run({u"--text"_s, u"Black on nearly black, and white when it is wished for"_s, u"--background"_s,
+       u"#123456"_s, u"--continuous"_s, u"--speed"_s, u"400"_s});
+  // Of the background and of the text.
+  const auto shows = [&](QRgb color) {
+    const QImage seen = strip();
+    bool isGroundSeen = false;
+    bool isTextSeen = false;
+    for (int y = 0; y < seen.height(); ++y)
+      for (int x = 0; x < seen.width(); ++x) {
+        const QRgb pixel = seen.pixel(x, y) & 0xffffff;
+        isGroundSeen |= pixel == 0x123456u;
+        isTextSeen |= pixel == color;
+      }
+    return isGroundSeen && isTextSeen;
+  };
+  ASSERT_TRUE(waitUntil([&] { return shows(rgb(Qt::black)); }));
+  EXPECT_FALSE(shows(rgb(Qt::white)));
   portal_->set(Appearance, u"contrast"_s, 1u);
-  run({u"--background"_s, u"#123456"_s});
-  EXPECT_TRUE(waitUntil([&] { return colorAt(Width - 1) == 0x123456u; })) << "chosen by the user";
+  EXPECT_TRUE(waitUntil([&] { return shows(rgb(Qt::white)); })) << "the background was chosen";
 }

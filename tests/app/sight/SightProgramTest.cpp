@@ -2,6 +2,7 @@
 #include "tests/app/Program.h"
 #include "tests/app/XServer.h"
 #include "tests/app/bus/PrivateBus.h"
+#include "tests/app/comes_to_rest.h"
 #include "tests/app/sight/FakeServices.h"
 
 #include <QtCore/QTemporaryDir>
@@ -48,18 +49,8 @@ class SightOfProgram : public ::testing::Test {
         return x;
     return -1;
   }
-  // Whether it comes to stand still: the same on so many looks in a row that one which moves is
-  // another one between.
-  bool comesToRest() {
-    constexpr int Looks = 40;
-    QImage before;
-    int alike = 0;
-    return waitUntil([&] {
-      const QImage now = server_->screenshot();
-      alike = now == before ? alike + 1 : 0;
-      before = now;
-      return alike == Looks;
-    });
+  bool rests() {
+    return comesToRest([this] { return server_->screenshot(); }).has_value();
   }
   bool moves() {
     const QImage before = server_->screenshot();
@@ -78,17 +69,17 @@ class SightOfProgram : public ::testing::Test {
 
 TEST_F(SightOfProgram, EndsForAScreenSaver) {
   saver_->setActive(true);
-  ASSERT_TRUE(comesToRest());
+  ASSERT_TRUE(rests());
   saver_->setActive(false);
   EXPECT_TRUE(moves());
 }
 
 TEST_F(SightOfProgram, EndsForALockAndForSleep) {
   manager_->setLocked(true);
-  ASSERT_TRUE(comesToRest());
+  ASSERT_TRUE(rests());
   manager_->setAsleep(true);
   manager_->setLocked(false);
-  ASSERT_TRUE(comesToRest());
+  ASSERT_TRUE(rests());
   manager_->setAsleep(false);
   EXPECT_TRUE(moves());
 }
@@ -103,7 +94,7 @@ TEST_F(SightOfProgram, EndsForTheSaverOfTheServer) {
     EXPECT_TRUE(tool.waitForFinished());
   };
   xset(u"activate"_s);
-  ASSERT_TRUE(comesToRest());
+  ASSERT_TRUE(rests());
   // What it showed last comes into the screen's buffer again, and then moves.
   xset(u"reset"_s);
   ASSERT_TRUE(waitUntil([&] { return redColumn() >= 0; }));
@@ -113,7 +104,7 @@ TEST_F(SightOfProgram, EndsForTheSaverOfTheServer) {
 TEST_F(SightOfProgram, ComesBackWhenBothBusesBreak) {
   saver_->setActive(true);
   manager_->setLocked(true);
-  ASSERT_TRUE(comesToRest());
+  ASSERT_TRUE(rests());
   systemBus_->stop();
   sessionBus_->stop();
   EXPECT_TRUE(moves());
