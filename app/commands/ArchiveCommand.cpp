@@ -32,20 +32,18 @@ OptionTable makeArchiveTable() {
   table.notes = {
       u"Keys stand in the order of the file. Each object shows its class, its place in the archive "
       u"as #N, and its values; where it comes up again, in a cycle too, only -> #N stands. "
-      u"Colours, "
-      u"fonts, shadows, attributed strings, dates, URLs and the like show what they mean."_s,
+      u"Colours, fonts, shadows, attributed strings, dates, URLs and the like show what they "
+      u"mean."_s,
       u"In JSON an object is {\"$class\": name, \"$classes\": [...], \"$id\": N, key: value, ...} "
       u"and {\"$ref\": N} where it comes up again. \"$value\" is what the object means, "
       u"\"$elements\" are the elements of a list or a set, \"$entries\" those of a dictionary: an "
       u"object where all keys are texts, else a list of {\"key\", \"value\"}. Data is {\"$hex\": "
       u"digits}, with \"$text\" where it is ASCII text; a date without a record is "
       u"{\"$secondsSince2001\": number}; nothing is null. Integers are exact, reals have a point "
-      u"or "
-      u"an exponent, and what is no number is \"nan\", \"inf\" or \"-inf\". Lone surrogates are "
+      u"or an exponent, and what is no number is \"nan\", \"inf\" or \"-inf\". Lone surrogates are "
       u"escaped. Objects more than 100 deep stand in \"$deeper\" at the end. A key of an object "
-      u"that "
-      u"begins with one of these words keeps a second $. Several files make a list of {\"$file\": "
-      u"name, \"$archive\": ...}."_s};
+      u"that begins with one of these words keeps a second $. Several files make a list of "
+      u"{\"$file\": name, \"$archive\": ...}."_s};
   table.exitStatus = u"0, 1 where a file could not be printed, 2 for a wrong command line."_s;
   table.examples = {u"zqticker archive noon.sign"_s, u"The sign as a tree."_s,
                     u"zqticker archive --json noon.sign | python3 -m json.tool"_s,

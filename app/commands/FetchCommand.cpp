@@ -46,9 +46,8 @@ OptionTable makeFetchTable() {
   };
   table.notes = {
       u"Addresses begin with http://, https://, file:// or data:. Redirects are followed, up to "
-      u"20; "
-      u"compressed contents are written decoded. The page that comes with an HTTP error status is "
-      u"contents like any other; --json tells the status. At most 2 GiB are loaded."_s,
+      u"20; compressed contents are written decoded. The page that comes with an HTTP error status "
+      u"is contents like any other; --json tells the status. At most 2 GiB are loaded."_s,
       u"Proxies are those of the environment (http_proxy, https_proxy, all_proxy, no_proxy). Where "
       u"SSL_CERT_FILE names a file, its certificates are trusted instead of the system's. A "
       u"progress bar runs on standard error where that is a terminal. The file is complete or not "

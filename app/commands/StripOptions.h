@@ -114,11 +114,11 @@ void addFile(QStringList& files, const ParsedOption& option);
 // Whether `option` is one that all strips have; reads it then. UsageError for a wrong value.
 bool readStripOption(StripOptions& options, const ParsedOption& option);
 
-// The commands' options. UsageError for what is wrong in itself; files and fonts are looked at
-// later.
-// The count that a "--loop" asks for; UsageError where it is none.
+// The count that a "--loop" asks for: a number that the user gave, from 1 to the largest of 32
+// bits with a sign, or ZQEndlessLoopCount for the word "forever". UsageError for anything else,
+// naming the option.
 std::int64_t loopCountOf(const ParsedOption& option);
-
+// The commands' options. UsageError for what is wrong in itself; files and fonts come later.
 RunOptions readRunOptions(const QStringList& arguments);
 // The same over settings, which say what the command line does not.
 RunOptions readRunOptionsOver(const Settings& settings, const QStringList& arguments);

@@ -52,8 +52,7 @@ OptionTable makeWatchTable() {
       u"subfolders) and revoked (its file system was unmounted). Several things that happen before "
       u"they can be told may be one line. A backslash, control characters and line separators in a "
       u"path are written as in JSON: \\\\, \\n, \\t, \\u001b."_s,
-      u"With --json the first line is {\"ready\": true}, when everything is watched. Lines "
-      u"like "
+      u"With --json the first line is {\"ready\": true}, when everything is watched. Lines like "
       u"{\"time\": NANOSECONDS, \"notification\": NAME, \"path\": PATH} follow. The time, since "
       u"1970 in UTC, is that at which the report arrived. Names are "
       u"VXKQueueFileRenamedNotification, VXKQueueFileWrittenToNotification, "

@@ -74,11 +74,10 @@ OptionTable makeAppearancePreviewTable() {
       u"FILE is a keyed archive of an appearance, as `appearance make` writes it."_s,
       u"Each row holds a button in its states: left alone, under the pointer, pressed, on and "
       u"disabled; first without a menu, then with one, the arrow of which shows where the look "
-      u"says "
-      u"so. The first rows show the look as it is, in three sizes and with a title that is too "
-      u"long, and how far the title stands out from the bezel: 4.5 : 1 is what easy reading needs. "
-      u"The rows below show both outlines with all shading modes, drawn in coordinates that run "
-      u"upwards and (flipped) downwards. A dot marks the look's own."_s,
+      u"says so. The first rows show the look as it is, in three sizes and with a title that is "
+      u"too long, and how far the title stands out from the bezel: 4.5 : 1 is what easy reading "
+      u"needs. The rows below show both outlines with all shading modes, drawn in coordinates that "
+      u"run upwards and (flipped) downwards. A dot marks the look's own."_s,
       u"Pictures are complete or not there."_s};
   table.exitStatus =
       u"0, 1 where a file could not be read or written, 2 for a wrong command line."_s;

@@ -29,6 +29,7 @@ bool finishOutputFile(QFileDevice& file) {
     return saved->commit();
   return file.flush();
 }
+
 void writeOutputFile(const QString& option, const QString& path, const QByteArray& bytes) {
   writeOutputFiles(option, {{path, bytes}});
 }

@@ -34,8 +34,7 @@ const std::vector<OptionSpec>& stripOptions() {
       {u"feed"_s,
        {u"URL"_s},
        u"Show the items of a feed (RSS, Atom or JSON Feed), each with its picture where it has "
-       u"one, "
-       u"behind what the other options show. Several feeds take turns."_s,
+       u"one, behind what the other options show. Several feeds take turns."_s,
        true},
       {u"feed-items"_s, {u"COUNT"_s}, u"The most items of each feed; 10 by default."_s},
       {u"feed-interval"_s,
@@ -100,8 +99,7 @@ const QString ClockNote =
     u"The clock: %H (00 to 23) or %I (01 to 12) with %p stand for the hour, %M for the minute, %S "
     u"for the second, %F for its thousandths; %d or %e for the day, %A or %a for its name, %j for "
     u"its number in the year; %m for the month, %B or %b for its name; %Y or %y for the year; %z "
-    u"or "
-    u"%Z for the time zone; %x and %X for date and time as they are usually written; %% for a "
+    u"or %Z for the time zone; %x and %X for date and time as they are usually written; %% for a "
     u"percent sign. The first of two without anything between shows its letter behind it. Language "
     u"and zone are those of LC_ALL, LC_TIME or LANG, and of TZ. The text changes while it is in "
     u"sight, once a second or a minute, without moving anything; one that has become longer is cut "
@@ -111,12 +109,11 @@ const QString FeedNote =
     u"Feeds: the first items that a feed lists are shown, for as long as it lists them; a changed "
     u"title changes, a new item comes next. With --loop an item is shown that often and not again, "
     u"whatever the feed does. Feeds are asked again as late as --feed-interval, the feed itself "
-    u"and "
-    u"its server ask for, within a day. What cannot be read is told in one line and tried again, "
-    u"after half a minute at first, after six hours at last; the items that there are stay. A "
-    u"feed that its server calls gone is not asked again. A picture may have 8 MiB and 16 million "
-    u"pixels; an item waits three seconds for it. Answers are kept in the cache folder of the "
-    u"user, up to 64 MiB."_s;
+    u"and its server ask for, within a day. What cannot be read is told in one line and tried "
+    u"again, after half a minute at first, after six hours at last; the items that there are stay. "
+    u"A feed that its server calls gone is not asked again. A picture may have 8 MiB and 16 "
+    u"million pixels; an item waits three seconds for it. Answers are kept in the cache folder of "
+    u"the user, up to 64 MiB."_s;
 
 OptionTable makeRunTable() {
   OptionTable table;
@@ -205,8 +202,7 @@ OptionTable makeRunTable() {
       u"it would take to pass at --speed, and for at least three seconds. Without the option the "
       u"desktop's settings portal decides, else whether the desktop's animations are switched off; "
       u"where the desktop asks for high contrast, colors that neither options nor settings name "
-      u"are "
-      u"those of its palette, at a contrast of at least 7:1."_s,
+      u"are those of its palette, at a contrast of at least 7:1."_s,
       u"One ticker runs in a session. Where one runs already, the program hands over what it is to "
       u"show, with its standard input, and ends at once; size, place and look stay those of the "
       u"first one. Without anything to show it waits for what other programs send, see zqticker "
@@ -214,12 +210,10 @@ OptionTable makeRunTable() {
       u"The program ends when all signs have been shown as often as they ask for and standard "
       u"input, where it is read, has ended; on Ctrl+C; and by Quit in the menu of the control bar "
       u"and under the right mouse button. With --feed, --tail or --watch it does not end by "
-      u"itself. Everything but "
-      u"feeds is read and "
-      u"checked before the window opens. Without a display "
-      u"(neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds are "
-      u"rendered as pictures into a new temporary folder, whose name is printed; of standard input "
-      u"what comes until it ends, until 1,000 lines wait or until nothing has come for five "
+      u"itself. Everything but feeds is read and checked before the window opens. Without a "
+      u"display (neither DISPLAY nor WAYLAND_DISPLAY, or none that answers) the first ten seconds "
+      u"are rendered as pictures into a new temporary folder, whose name is printed; of standard "
+      u"input what comes until it ends, until 1,000 lines wait or until nothing has come for five "
       u"seconds is shown, of feeds what has come after five seconds, and of --tail the last lines."_s};
   table.environment = {
       {u"DISPLAY, WAYLAND_DISPLAY"_s, u"Where the strip is shown."_s},
@@ -227,6 +221,10 @@ OptionTable makeRunTable() {
       {u"http_proxy, https_proxy, all_proxy, no_proxy"_s,
        u"Proxies by which addresses are loaded."_s},
       {u"SSL_CERT_FILE"_s, u"Certificates that are trusted instead of the system's."_s}};
+  table.files = {{u"$XDG_CONFIG_HOME/zqticker/settings.json"_s,
+                  u"The settings; ~/.config where the variable is not set."_s},
+                 {u"$XDG_CONFIG_HOME/zqticker/windows.ini"_s,
+                  u"Where a floating strip and the other windows stood."_s}};
   table.exitStatus =
       u"0 when all went well, 1 for what cannot be read or done, 2 for a wrong command line."_s;
   table.examples = {
