@@ -3,6 +3,8 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 
+#include <chrono>
+
 namespace zq::app {
 
 namespace {
@@ -19,7 +21,8 @@ QStringList screenNames() {
   return names;
 }
 
-ChosenScreen::ChosenScreen(const QString& name, QObject* parent) : QObject(parent), name_(name) {
+ChosenScreen::ChosenScreen(const QString& name, QObject* parent)
+    : QObject(parent), name_(name), telling_([this] { Q_EMIT changed(); }) {
   for (QScreen* screen : QGuiApplication::screens())
     observe(screen);
   settling_.setSingleShot(true);
@@ -51,16 +54,7 @@ void ChosenScreen::observe(QScreen* screen) {
 // window managers move windows by themselves a moment later.
 void ChosenScreen::tellSoon() {
   settling_.start(SettlingTime);
-  if (isDue_)
-    return;
-  isDue_ = true;
-  QMetaObject::invokeMethod(
-      this,
-      [this] {
-        isDue_ = false;
-        Q_EMIT changed();
-      },
-      Qt::QueuedConnection);
+  telling_.request();
 }
 
 } // namespace zq::app

@@ -1,6 +1,8 @@
 // The screen that the strip stands on.
 #pragma once
 
+#include "app/OncePerTurn.h"
+
 #include <QtCore/QObject>
 #include <QtCore/QStringList>
 #include <QtCore/QTimer>
@@ -39,7 +41,7 @@ class ChosenScreen : public QObject {
 
   QString name_;
   QTimer settling_; // after the last news of screens
-  bool isDue_ = false;
+  OncePerTurn telling_;
 };
 
 } // namespace zq::app

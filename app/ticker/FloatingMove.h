@@ -25,6 +25,9 @@ class FloatingMove : public QObject {
 
   void setEnabled(bool enabled);
 
+  // Whether the window is being moved here.
+  bool isHeld() const { return held_.has_value(); }
+
  protected:
   bool eventFilter(QObject* receiver, QEvent* event) override;
 

@@ -9,7 +9,6 @@
 #include <QtGui/QGuiApplication>
 #include <QtGui/QScreen>
 
-#include <chrono>
 #include <cmath>
 
 using namespace Qt::StringLiterals;
@@ -17,30 +16,9 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 namespace {
-// A window that is dragged tells of every step.
-constexpr std::chrono::milliseconds MovingTime(400);
-
 const QString ScreenKey = u"strip/screen"_s;
 const QString ChosenKey = u"strip/chosenScreen"_s;
 const QString OffsetKey = u"strip/offset"_s;
-
-// Positions on the screen begin at the same number in points and in pixels.
-QRect nativeOf(const QRect& rect, const QScreen& screen) {
-  const QPoint origin = screen.geometry().topLeft();
-  const qreal scale = screen.devicePixelRatio();
-  return QRect((rect.topLeft() - origin) * scale + origin, rect.size() * scale);
-}
-
-// The part of a screen in points that is `part` in pixels, rounded inwards.
-QRect pointsOf(const QRect& part, const QScreen& screen) {
-  const QRect native = nativeOf(screen.geometry(), screen);
-  const auto points = [&](int pixels) {
-    return static_cast<int>(std::ceil(pixels / screen.devicePixelRatio()));
-  };
-  return screen.geometry().adjusted(
-      points(part.left() - native.left()), points(part.top() - native.top()),
-      -points(native.right() - part.right()), -points(native.bottom() - part.bottom()));
-}
 
 QScreen* screenNamed(const QString& name) {
   for (QScreen* screen : QGuiApplication::screens())
@@ -66,7 +44,8 @@ bool endsAt(Qt::Edge edge, const QRect& screen, QSize whole) {
 }
 } // namespace
 
-StripPlace::StripPlace(StripWidget& widget, const ChosenScreen& screen, const QString& stateFile)
+StripPlace::StripPlace(StripWidget& widget, const ChosenScreen& screen, const QString& stateFile,
+                       const MovingTimes& times)
     : widget_(widget), screen_(screen), stateFile_(stateFile), reservation_(widget),
       position_(widget), move_(widget) {
   const QSettings state(stateFile_, QSettings::IniFormat);
@@ -74,9 +53,12 @@ StripPlace::StripPlace(StripWidget& widget, const ChosenScreen& screen, const QS
     memory_ = Memory{state.value(ScreenKey).toString(), state.value(ChosenKey).toString(),
                      state.value(OffsetKey).toPoint()};
   moved_.setSingleShot(true);
-  moved_.setInterval(MovingTime);
+  moved_.setInterval(times.moving);
+  settling_.setSingleShot(true);
+  settling_.setInterval(times.settling);
   connect(&moved_, &QTimer::timeout, this, &StripPlace::remember);
   connect(&screen_, &ChosenScreen::changed, this, &StripPlace::changed);
+  connect(&screens_, &TrueScreens::changed, this, &StripPlace::changed);
   connect(&others_, &OtherReservations::changed, this, &StripPlace::changed);
   widget.installEventFilter(this);
 }
@@ -88,28 +70,45 @@ QString StripPlace::defaultStateFile() {
          u"/zqticker/windows.ini"_s;
 }
 
-const QScreen* StripPlace::screenOf() const {
-  return screen_.screen();
+QRect StripPlace::room() const {
+  const QScreen* screen = screen_.screen();
+  return screen ? roomOn(*screen) : QRect();
 }
 
-QRect StripPlace::roomOn(const QScreen* screen) const {
-  if (!screen)
-    return QRect();
+// In points, rounded inwards.
+QRect StripPlace::roomOn(const QScreen& screen) const {
   if (!others_.isAvailable())
-    return screen->availableGeometry();
-  const QRect room = freeRoom(nativeOf(screen->geometry(), *screen),
-                              others_.beside(static_cast<xcb_window_t>(widget_.internalWinId())),
-                              reservation_.reserved(), others_.whole());
-  return pointsOf(room, *screen);
+    return screen.availableGeometry();
+  const QRect whole = screens_.native(screen);
+  const QRect room =
+      freeRoom(whole, others_.beside(static_cast<xcb_window_t>(widget_.internalWinId())),
+               reservation_.reserved(), others_.whole());
+  const auto points = [&](int pixels) {
+    return static_cast<int>(std::ceil(pixels / screen.devicePixelRatio()));
+  };
+  return screens_.geometry(screen).adjusted(
+      points(room.left() - whole.left()), points(room.top() - whole.top()),
+      -points(whole.right() - room.right()), -points(whole.bottom() - room.bottom()));
+}
+
+// What is `rect` in points, in device pixels.
+QRect StripPlace::nativeOf(const QRect& rect, const QScreen& screen) const {
+  const QPoint origin = screens_.native(screen).topLeft();
+  const qreal scale = screen.devicePixelRatio();
+  return QRect((rect.topLeft() - origin) * scale + origin, rect.size() * scale);
 }
 
 void StripPlace::take(const RunOptions& options, const StripLook& look) {
+  // The user's move is not to be undone.
+  if (moved_.isActive())
+    remember();
   const std::optional<Qt::Edge> edge = dockingEdge(options);
   place_ = windowPlace(options, look, room());
   isFloating_ = !edge;
   if (isFloating_)
     place_ = floatingPlace(place_);
   moved_.stop();
+  settling_.start();
   move_.setEnabled(isFloating_);
   reserve(edge, place_);
   reservation_.setDock(!isFloating_);
@@ -122,15 +121,15 @@ QRect StripPlace::floatingPlace(const QRect& usual) const {
     return usual;
   const QScreen* screen = screenNamed(memory_->screen);
   if (!screen || memory_->chosen != screen_.name())
-    screen = screenOf();
+    screen = screen_.screen();
   if (!screen)
     return usual;
-  return broughtInside(QRect(screen->geometry().topLeft() + memory_->offset, usual.size()),
-                       roomOn(screen));
+  return broughtInside(QRect(screens_.geometry(*screen).topLeft() + memory_->offset, usual.size()),
+                       roomOn(*screen));
 }
 
 void StripPlace::reserve(const std::optional<Qt::Edge>& edge, const QRect& place) {
-  const QScreen* screen = screenOf();
+  const QScreen* screen = screen_.screen();
   if (!edge || !screen || !others_.isAvailable()) {
     reservation_.reserve(std::nullopt, false);
     return;
@@ -138,31 +137,46 @@ void StripPlace::reserve(const std::optional<Qt::Edge>& edge, const QRect& place
   std::vector<QRect> otherScreens;
   for (const QScreen* other : QGuiApplication::screens())
     if (other != screen)
-      otherScreens.push_back(nativeOf(other->geometry(), *other));
-  const QRect native = nativeOf(screen->geometry(), *screen);
+      otherScreens.push_back(screens_.native(*other));
+  const QRect native = screens_.native(*screen);
   reservation_.reserve(
       reservationFor(nativeOf(place, *screen), *edge, native, otherScreens, others_.whole()),
       endsAt(*edge, native, others_.whole()));
 }
 
 bool StripPlace::eventFilter(QObject*, QEvent* event) {
+  if (event->type() == QEvent::Show)
+    settling_.start();
   if (event->type() == QEvent::Move && isFloating_ && widget_.isVisible()) {
     if (widget_.pos() == place_.topLeft())
       moved_.stop();
-    else
+    else if (isUsersMove())
       moved_.start();
   }
   return false;
 }
 
+bool StripPlace::isUsersMove() const {
+  if (!settling_.isActive() || move_.isHeld())
+    return true;
+  const std::shared_ptr<XConnection> connection = XConnection::shared();
+  return connection && connection->isButtonPressed();
+}
+
+const QScreen* StripPlace::screenUnder(QPoint point) const {
+  for (const QScreen* screen : QGuiApplication::screens())
+    if (screens_.geometry(*screen).contains(point))
+      return screen;
+  return widget_.screen();
+}
+
 void StripPlace::remember() {
-  const QScreen* screen = widget_.screen();
-  if (const QScreen* under = QGuiApplication::screenAt(widget_.geometry().center()))
-    screen = under;
+  const QScreen* screen = screenUnder(widget_.geometry().center());
   if (!screen)
     return;
   place_.moveTopLeft(widget_.pos());
-  memory_ = Memory{screen->name(), screen_.name(), place_.topLeft() - screen->geometry().topLeft()};
+  memory_ = Memory{screen->name(), screen_.name(),
+                   place_.topLeft() - screens_.geometry(*screen).topLeft()};
   QSettings state(stateFile_, QSettings::IniFormat);
   state.setValue(ScreenKey, memory_->screen);
   state.setValue(ChosenKey, memory_->chosen);

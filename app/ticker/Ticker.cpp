@@ -62,7 +62,8 @@ void setFolder(StripOptions& options, const QString& folder) {
 } // namespace
 
 Ticker::Ticker(const RunOptions& options)
-    : options_(options), screen_(options.screen), display_(FrameClock::now()) {
+    : options_(options), screen_(options.screen), display_(FrameClock::now()),
+      updating_([this] { update(); }) {
   if (!screen_.screen())
     throw RunTimeError(u"the display has no screen"_s);
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
@@ -173,8 +174,7 @@ void Ticker::showStrip() {
 bool Ticker::focusStrip() {
   showStrip();
   // What was added a moment ago has not brought it up yet.
-  if (isUpdateDue_)
-    update();
+  updating_.catchUp();
   if (!widget_->isVisible())
     return false;
   widget_->keyboard().take();
@@ -295,15 +295,7 @@ QSize Ticker::pictureRoom() const {
                        screen ? screen->devicePixelRatio() : 1);
 }
 
-void Ticker::displayChanged() {
-  if (isUpdateDue_)
-    return;
-  isUpdateDue_ = true;
-  QMetaObject::invokeMethod(this, &Ticker::update, Qt::QueuedConnection);
-}
-
 void Ticker::update() {
-  isUpdateDue_ = false;
   if (!isStripHidden_ && (!display_.isFinished() || !sources_.empty()))
     widget_->show();
   widget_->displayChanged();

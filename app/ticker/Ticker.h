@@ -1,6 +1,7 @@
 // The running ticker: a strip on the screen, what is queued for it, and what brings more.
 #pragma once
 
+#include "app/OncePerTurn.h"
 #include "app/commands/StripOptions.h"
 #include "app/commands/strip_setup.h"
 #include "app/display/SignOrigin.h"
@@ -104,7 +105,7 @@ class Ticker : public QObject {
   QSize pictureRoom() const;
 
   // Tells that the display was changed. Several calls within a turn of the event loop are one.
-  void displayChanged();
+  void displayChanged() { updating_.request(); }
   // What is queued or shown has changed.
   Q_SIGNAL void changed();
   // Everything has been shown, nothing more can come, and nothing is waited for.
@@ -124,6 +125,7 @@ class Ticker : public QObject {
   RunOptions options_;
   ChosenScreen screen_;
   TickerDisplay display_;
+  OncePerTurn updating_; // what is shown to the display
   std::unique_ptr<StripWidget> widget_;
   std::unique_ptr<StripInteraction> interaction_;
   std::unique_ptr<StripPlace> place_;
@@ -137,8 +139,7 @@ class Ticker : public QObject {
   std::unique_ptr<SettingsWindow> settingsWindow_; // once it has been asked for
   SourceSet* feedsOfSettings_ = nullptr;           // among the sources
   std::unique_ptr<ClockService> clock_;            // one: there is one sign for it
-  bool isUpdateDue_ = false;
-  bool isStripHidden_ = false; // on request
+  bool isStripHidden_ = false;                     // on request
 };
 
 } // namespace zq::app

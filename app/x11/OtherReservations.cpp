@@ -1,20 +1,14 @@
 #include "app/x11/OtherReservations.h"
 
+#include "app/x11/window_rect.h"
 #include "app/x11/x_properties.h"
+#include "app/x11/x_replies.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace zq::app {
 
 namespace {
-constexpr std::uint8_t EventType = 0x7f; // without the bit of events that another client has sent
-
-template <class Reply>
-std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
-  return {reply, &std::free};
-}
-
 // From the depths of four bands and, where they are known, the ends of each.
 std::vector<EdgeReservation> reservationsOf(const std::vector<std::uint32_t>& values, QSize whole) {
   constexpr Qt::Edge Edges[] = {Qt::LeftEdge, Qt::RightEdge, Qt::TopEdge, Qt::BottomEdge};
@@ -42,20 +36,38 @@ std::vector<EdgeReservation> reservationsOf(const std::vector<std::uint32_t>& va
 } // namespace
 
 OtherReservations::OtherReservations(QObject* parent)
-    : QObject(parent), connection_(XConnection::shared()) {
+    : QObject(parent), reading_([this] {
+        if (!connection_)
+          return;
+        const auto reservingBefore = reserving_;
+        const QSize wholeBefore = whole_;
+        read();
+        if (wholeBefore != whole_ || reservingBefore != reserving_)
+          Q_EMIT changed();
+      }) {
+  listen();
+}
+
+OtherReservations::~OtherReservations() = default;
+
+void OtherReservations::listen() {
+  connection_ = XConnection::shared();
+  reserving_.clear();
+  known_.clear();
   if (!connection_)
     return;
   connect(connection_.get(), &XConnection::received, this, &OtherReservations::receive);
-  connect(connection_.get(), &XConnection::lost, this, [this] {
-    reserving_.clear();
-    known_.clear();
-  });
+  connect(
+      connection_.get(), &XConnection::lost, this,
+      [this] {
+        listen();
+        Q_EMIT changed();
+      },
+      Qt::QueuedConnection);
   connection_->selectEvents(connection_->screen()->root,
                             XCB_EVENT_MASK_PROPERTY_CHANGE | XCB_EVENT_MASK_STRUCTURE_NOTIFY);
   read();
 }
-
-OtherReservations::~OtherReservations() = default;
 
 std::vector<OtherReservation> OtherReservations::beside(xcb_window_t own) const {
   std::vector<OtherReservation> others;
@@ -77,49 +89,30 @@ void OtherReservations::receive(const xcb_generic_event_t* event) {
   };
   const xcb_window_t root = connection_->screen()->root;
   xcb_connection_t* x = connection_->get();
-  switch (event->response_type & EventType) {
+  switch (typeOf(*event)) {
   case XCB_PROPERTY_NOTIFY: {
     const auto* change = reinterpret_cast<const xcb_property_notify_event_t*>(event);
     if (change->window == root) {
       if (change->atom == atomOf(x, "_NET_CLIENT_LIST") ||
           change->atom == atomOf(x, "_NET_WORKAREA") ||
-          change->atom == atomOf(x, "_NET_SUPPORTING_WM_CHECK")) {
-        readSoon();
-        Q_EMIT managerTold();
-      }
+          change->atom == atomOf(x, "_NET_SUPPORTING_WM_CHECK"))
+        reading_.request();
     } else if (isReserving(change->window) &&
                (change->atom == atomOf(x, "_NET_WM_STRUT") ||
                 change->atom == atomOf(x, "_NET_WM_STRUT_PARTIAL"))) {
-      readSoon();
+      reading_.request();
     }
     break;
   }
   case XCB_CONFIGURE_NOTIFY: {
     const auto* change = reinterpret_cast<const xcb_configure_notify_event_t*>(event);
     if (change->window == root || isReserving(change->window))
-      readSoon();
+      reading_.request();
     break;
   }
   default:
     break;
   }
-}
-
-void OtherReservations::readSoon() {
-  if (isDue_)
-    return;
-  isDue_ = true;
-  QMetaObject::invokeMethod(
-      this,
-      [this] {
-        isDue_ = false;
-        const auto reservingBefore = reserving_;
-        const QSize wholeBefore = whole_;
-        read();
-        if (wholeBefore != whole_ || reservingBefore != reserving_)
-          Q_EMIT changed();
-      },
-      Qt::QueuedConnection);
 }
 
 void OtherReservations::read() {
@@ -138,29 +131,25 @@ OtherReservations::readWindows(const std::vector<xcb_window_t>& ids) {
   xcb_connection_t* x = connection_->get();
   struct Asked {
     xcb_get_property_cookie_t partial, whole, mark;
-    xcb_get_geometry_cookie_t size;
-    xcb_translate_coordinates_cookie_t corner;
+    WindowRectRequest rect;
   };
   std::vector<Asked> asked;
   for (const xcb_window_t id : ids)
     asked.push_back({askForValues(x, id, atomOf(x, "_NET_WM_STRUT_PARTIAL"), XCB_ATOM_CARDINAL),
                      askForValues(x, id, atomOf(x, "_NET_WM_STRUT"), XCB_ATOM_CARDINAL),
                      askForValues(x, id, atomOf(x, StripMark), XCB_ATOM_CARDINAL),
-                     xcb_get_geometry(x, id),
-                     xcb_translate_coordinates(x, id, connection_->screen()->root, 0, 0)});
+                     askForRect(x, id, connection_->screen()->root)});
   std::vector<Window> found;
   bool isAnyNew = false;
   for (std::size_t i = 0; i < ids.size(); ++i) {
     const auto partial = valuesOf(x, asked[i].partial);
     const auto whole = valuesOf(x, asked[i].whole);
     const bool isStrip = !valuesOf(x, asked[i].mark).empty();
-    const auto size = owned(xcb_get_geometry_reply(x, asked[i].size, nullptr));
-    const auto corner = owned(xcb_translate_coordinates_reply(x, asked[i].corner, nullptr));
-    Window window{ids[i], QRect(), isStrip,
-                  reservationsOf(partial.empty() ? whole : partial, whole_)};
-    if (window.reservations.empty() || !size || !corner)
+    const std::optional<QRect> rect = rectOf(x, asked[i].rect);
+    const Window window{ids[i], rect.value_or(QRect()), isStrip,
+                        reservationsOf(partial.empty() ? whole : partial, whole_)};
+    if (window.reservations.empty() || !rect)
       continue;
-    window.geometry = QRect(corner->dst_x, corner->dst_y, size->width, size->height);
     found.push_back(window);
     const bool isNew = std::none_of(reserving_.begin(), reserving_.end(),
                                     [&](const Window& before) { return before.id == window.id; });
@@ -171,7 +160,7 @@ OtherReservations::readWindows(const std::vector<xcb_window_t>& ids) {
   }
   // It may have changed before it was listened to.
   if (isAnyNew)
-    readSoon();
+    reading_.request();
   return found;
 }
 

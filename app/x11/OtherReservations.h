@@ -1,6 +1,7 @@
 // What other programs reserve at the edges of the X screen.
 #pragma once
 
+#include "app/OncePerTurn.h"
 #include "app/x11/EdgeReservation.h"
 #include "app/x11/XConnection.h"
 
@@ -32,10 +33,6 @@ class OtherReservations : public QObject {
   // Something is reserved that was not, or no more; or the X screen has another size.
   Q_SIGNAL void changed();
 
-  // The window manager, or another one after it, has begun its work, or has told of windows or of
-  // the room for them, whether or not that is something new.
-  Q_SIGNAL void managerTold();
-
  private:
   struct Window {
     xcb_window_t id;
@@ -46,8 +43,8 @@ class OtherReservations : public QObject {
     bool operator==(const Window&) const = default;
   };
 
+  void listen();
   void receive(const xcb_generic_event_t* event);
-  void readSoon();
   void read();
   std::vector<Window> readWindows(const std::vector<xcb_window_t>& ids);
 
@@ -55,7 +52,7 @@ class OtherReservations : public QObject {
   std::vector<xcb_window_t> known_; // by the window manager, the oldest first
   std::vector<Window> reserving_;   // in the same order
   QSize whole_;
-  bool isDue_ = false;
+  OncePerTurn reading_;
 };
 
 } // namespace zq::app

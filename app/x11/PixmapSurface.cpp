@@ -1,13 +1,13 @@
 #include "app/x11/PixmapSurface.h"
 
 #include "app/x11/XConnection.h"
+#include "app/x11/x_replies.h"
 
 #include <QtCore/QSysInfo>
 #include <QtGui/QPainter>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 namespace zq::app {
 
@@ -21,13 +21,6 @@ constexpr std::uint32_t ByteMask = 0xff;
 constexpr int RedShift = 16;
 constexpr int GreenShift = 8;
 constexpr int AlphaShift = 24;
-
-template <class Reply>
-struct Freed {
-  void operator()(Reply* reply) const { std::free(reply); }
-};
-template <class Reply>
-using Received = std::unique_ptr<Reply, Freed<Reply>>;
 
 bool hasMachineOrder(const xcb_setup_t& setup) {
   const bool isLittle = setup.image_byte_order == XCB_IMAGE_ORDER_LSB_FIRST;
@@ -93,9 +86,9 @@ std::unique_ptr<PixmapSurface> PixmapSurface::make(std::shared_ptr<XConnection> 
   const auto attributesAsked = xcb_get_window_attributes(xcb, window);
   const auto geometryAsked = xcb_get_geometry(xcb, window);
   const xcb_query_extension_reply_t* render = xcb_get_extension_data(xcb, &xcb_render_id);
-  Received<xcb_render_query_pict_formats_reply_t> formats;
+  OwnedReply<xcb_render_query_pict_formats_reply_t> formats;
   if (render && render->present) {
-    const Received<xcb_render_query_version_reply_t> version(xcb_render_query_version_reply(
+    const OwnedReply<xcb_render_query_version_reply_t> version(xcb_render_query_version_reply(
         xcb, xcb_render_query_version(xcb, XCB_RENDER_MAJOR_VERSION, XCB_RENDER_MINOR_VERSION),
         nullptr));
     // Pictures of one colour came with it.
@@ -104,9 +97,9 @@ std::unique_ptr<PixmapSurface> PixmapSurface::make(std::shared_ptr<XConnection> 
       formats.reset(
           xcb_render_query_pict_formats_reply(xcb, xcb_render_query_pict_formats(xcb), nullptr));
   }
-  const Received<xcb_get_window_attributes_reply_t> attributes(
+  const OwnedReply<xcb_get_window_attributes_reply_t> attributes(
       xcb_get_window_attributes_reply(xcb, attributesAsked, nullptr));
-  const Received<xcb_get_geometry_reply_t> geometry(
+  const OwnedReply<xcb_get_geometry_reply_t> geometry(
       xcb_get_geometry_reply(xcb, geometryAsked, nullptr));
   connection->flush();
   const xcb_setup_t* setup = xcb_get_setup(xcb);

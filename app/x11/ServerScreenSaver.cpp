@@ -1,15 +1,12 @@
 #include "app/x11/ServerScreenSaver.h"
 
+#include "app/x11/x_replies.h"
+
 #include <xcb/screensaver.h>
 
-#include <cstdlib>
 #include <utility>
 
 namespace zq::app {
-
-namespace {
-constexpr int EventCode = 0x7f; // without the mark of events that a program has sent
-} // namespace
 
 ServerScreenSaver::ServerScreenSaver(QObject* parent) : QObject(parent) {
   std::shared_ptr<XConnection> connection = XConnection::shared();
@@ -23,20 +20,21 @@ ServerScreenSaver::ServerScreenSaver(QObject* parent) : QObject(parent) {
   connection_ = std::move(connection);
   eventCode_ = extension->first_event + XCB_SCREENSAVER_NOTIFY;
   connect(connection_.get(), &XConnection::received, this, &ServerScreenSaver::receive);
+  // Nobody would tell that it has ended.
+  connect(connection_.get(), &XConnection::lost, this,
+          [this] { setState(XCB_SCREENSAVER_STATE_OFF); });
   const xcb_window_t root = connection_->screen()->root;
   xcb_screensaver_select_input(server, root, XCB_SCREENSAVER_EVENT_NOTIFY_MASK);
-  if (auto* state = xcb_screensaver_query_info_reply(
-          server, xcb_screensaver_query_info(server, root), nullptr)) {
+  if (const auto state = owned(xcb_screensaver_query_info_reply(
+          server, xcb_screensaver_query_info(server, root), nullptr)))
     setState(state->state);
-    std::free(state);
-  }
   connection_->flush();
 }
 
 ServerScreenSaver::~ServerScreenSaver() = default;
 
 void ServerScreenSaver::receive(const xcb_generic_event_t* event) {
-  if ((event->response_type & EventCode) == eventCode_)
+  if (typeOf(*event) == eventCode_)
     setState(reinterpret_cast<const xcb_screensaver_notify_event_t*>(event)->state);
 }
 

@@ -1,10 +1,10 @@
 // Where a window really stands.
 #pragma once
 
+#include "app/OncePerTurn.h"
 #include "app/x11/XConnection.h"
 
 #include <QtCore/QObject>
-#include <QtCore/QRect>
 
 class QWidget;
 
@@ -26,9 +26,6 @@ class TruePosition : public QObject {
   explicit TruePosition(QWidget& window);
   ~TruePosition() override;
 
-  // The window has come to stand at `place` on the X screen, in device pixels; Qt has been told.
-  Q_SIGNAL void told(const QRect& place);
-
  protected:
   bool eventFilter(QObject* receiver, QEvent* event) override;
 
@@ -36,14 +33,13 @@ class TruePosition : public QObject {
   void listen();
   void findFrame();
   void receive(const xcb_generic_event_t* event);
-  void tellSoon();
   void tell();
 
   QWidget& widget_;
   std::shared_ptr<XConnection> connection_;
   xcb_window_t window_ = XCB_WINDOW_NONE;
   xcb_window_t frame_ = XCB_WINDOW_NONE; // the window manager's, around the window; or none
-  bool isDue_ = false;
+  OncePerTurn telling_;
 };
 
 } // namespace zq::app

@@ -2,6 +2,7 @@
 
 #include "app/display/FrameClock.h"
 #include "app/x11/XConnection.h"
+#include "app/x11/x_replies.h"
 
 #include <xcb/present.h>
 
@@ -11,7 +12,6 @@ namespace {
 // A server on another machine has another clock: its times are no use.
 constexpr double MostDifference = 1;
 constexpr double Microsecond = 1e-6;
-constexpr std::uint8_t KindOfEvent = 0x7f; // without the mark of events that clients have sent
 } // namespace
 
 std::unique_ptr<VerticalBlank> VerticalBlank::make(WId window) {
@@ -73,7 +73,7 @@ void VerticalBlank::select(bool isWanted) {
 }
 
 void VerticalBlank::receive(const xcb_generic_event_t* event) {
-  if (!isAwaited_ || (event->response_type & KindOfEvent) != XCB_GE_GENERIC)
+  if (!isAwaited_ || typeOf(*event) != XCB_GE_GENERIC)
     return;
   const auto* report = reinterpret_cast<const xcb_present_complete_notify_event_t*>(event);
   if (report->extension != extension_ || report->event_type != XCB_PRESENT_COMPLETE_NOTIFY ||

@@ -1,13 +1,11 @@
 #include "app/x11/WindowVisibility.h"
 
+#include "app/x11/x_replies.h"
+
 #include <QtGui/QGuiApplication>
 #include <QtGui/QWindow>
 
 namespace zq::app {
-
-namespace {
-constexpr int EventCode = 0x7f; // without the mark of events that a program has sent
-} // namespace
 
 WindowVisibility::WindowVisibility(QObject* parent) : QObject(parent) {}
 
@@ -27,6 +25,8 @@ void WindowVisibility::watch(QWindow* window) {
       connection_->disconnect(this);
     connection_ = connection;
     connect(connection.get(), &XConnection::received, this, &WindowVisibility::receive);
+    // Nobody would tell that the window is free again.
+    connect(connection.get(), &XConnection::lost, this, [this] { setCovered(false); });
   }
   window_ = static_cast<xcb_window_t>(window->winId());
   // The window must be there before it is named on another connection, and watched before it is
@@ -38,7 +38,7 @@ void WindowVisibility::watch(QWindow* window) {
 }
 
 void WindowVisibility::receive(const xcb_generic_event_t* event) {
-  if ((event->response_type & EventCode) != XCB_VISIBILITY_NOTIFY)
+  if (typeOf(*event) != XCB_VISIBILITY_NOTIFY)
     return;
   const auto* told = reinterpret_cast<const xcb_visibility_notify_event_t*>(event);
   if (told->window == window_ && window_ != XCB_WINDOW_NONE)

@@ -1,5 +1,7 @@
 #include "app/x11/XConnection.h"
 
+#include "app/x11/x_replies.h"
+
 #include <QtCore/QLoggingCategory>
 #include <QtGui/QGuiApplication>
 
@@ -9,9 +11,6 @@ namespace zq::app {
 
 namespace {
 Q_LOGGING_CATEGORY(x11Log, "zqticker.x11", QtWarningMsg)
-
-// The bit of an event that another client has sent.
-constexpr std::uint8_t SentByAnother = 0x80;
 
 xcb_screen_t* screenOf(xcb_connection_t* connection, int number) {
   xcb_screen_iterator_t screens = xcb_setup_roots_iterator(xcb_get_setup(connection));
@@ -69,10 +68,20 @@ void XConnection::flush() {
   receive();
 }
 
+bool XConnection::isButtonPressed() {
+  constexpr int AnyButton = XCB_BUTTON_MASK_1 | XCB_BUTTON_MASK_2 | XCB_BUTTON_MASK_3;
+  const auto pointer = owned(
+      xcb_query_pointer_reply(connection_, xcb_query_pointer(connection_, screen_->root), nullptr));
+  flush();
+  return pointer && (pointer->mask & AnyButton);
+}
+
 void XConnection::receive() {
   // Whoever receives may ask, and flush, again.
   if (isReceiving_ || isLost_)
     return;
+  // Whoever holds it may let it go meanwhile.
+  const std::shared_ptr<XConnection> self = shared_from_this();
   isReceiving_ = true;
   while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
     if (event->response_type == 0)
@@ -80,7 +89,7 @@ void XConnection::receive() {
               reinterpret_cast<xcb_generic_error_t*>(event)->error_code);
     else
       Q_EMIT received(event);
-    if ((event->response_type & ~SentByAnother) == XCB_DESTROY_NOTIFY)
+    if (typeOf(*event) == XCB_DESTROY_NOTIFY)
       selected_.remove(reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window);
     std::free(event);
   }

@@ -20,7 +20,7 @@ namespace zq::app {
 // zqticker.x11 at debug level and have no other effect.
 //
 // Thread: main.
-class XConnection : public QObject {
+class XConnection : public QObject, public std::enable_shared_from_this<XConnection> {
   Q_OBJECT
 
  public:
@@ -44,6 +44,9 @@ class XConnection : public QObject {
   // Has the server tell of these events (XCB_EVENT_MASK_…) of a window, beside those that others
   // asked for here.
   void selectEvents(xcb_window_t window, std::uint32_t events);
+
+  // Whether a button of the pointer is pressed, wherever it is. Waits for the server.
+  bool isButtonPressed();
 
   // What the server has told, except errors; valid during the call.
   Q_SIGNAL void received(const xcb_generic_event_t* event);

@@ -1,21 +1,15 @@
 #include "app/x11/x_properties.h"
 
+#include "app/x11/x_replies.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QHash>
-
-#include <cstdlib>
-#include <memory>
 
 namespace zq::app {
 
 namespace {
 // In units of four bytes: more windows or values than there ever are.
 constexpr std::uint32_t MostValues = 65'536;
-
-template <class Reply>
-std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
-  return {reply, &std::free};
-}
 } // namespace
 
 // Atoms belong to the server and are the same on every connection to it.

@@ -30,6 +30,7 @@ set(app_SOURCES
     LineSplitterTest.cpp
     LogFile.h
     MotionTest.cpp
+    OncePerTurnTest.cpp
     OptionTableTest.cpp
     PathWatchTest.cpp
     Probe.h
