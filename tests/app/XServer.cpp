@@ -45,7 +45,7 @@ bool XServer::isInstalled() {
   return hasProgram(u"Xvfb"_s);
 }
 
-XServer::XServer(int width, int height) {
+XServer::XServer(int width, int height, Manager manager) {
   int ends[2];
   if (::pipe(ends) != 0)
     return;
@@ -65,8 +65,11 @@ XServer::XServer(int width, int height) {
   if (number.isEmpty())
     return;
   display_ = ':' + number;
-  if (!hasProgram(u"openbox"_s))
-    return;
+  if (manager == Manager::Installed && hasProgram(u"openbox"_s))
+    startManager();
+}
+
+void XServer::startManager() {
   windowManager_ = std::make_unique<QProcess>();
   windowManager_->setProcessEnvironment(environment());
   windowManager_->setStandardErrorFile(QProcess::nullDevice());

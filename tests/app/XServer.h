@@ -12,10 +12,13 @@
 
 namespace zq::app::testing {
 
-// Xvfb on a free display number, and openbox on it where that is installed. Ends with the object.
+// Xvfb on a free display number, and openbox on it where that is installed and wanted. Ends with
+// the object.
 class XServer {
  public:
-  XServer(int width, int height);
+  enum class Manager { Installed, None };
+
+  XServer(int width, int height, Manager manager = Manager::Installed);
   ~XServer();
 
   // Whether Xvfb is installed at all; a test that needs it is skipped otherwise.
@@ -27,6 +30,9 @@ class XServer {
   const QByteArray& display() const { return display_; }
   // The environment of a program on this server.
   QProcessEnvironment environment() const;
+
+  // Starts openbox, which must be installed, and waits until it manages windows.
+  void startManager();
 
   // What the screen shows now.
   QImage screenshot() const;

@@ -11,13 +11,4 @@ set(app_queue_SOURCES
     ThumbnailsTest.cpp
     TickerQueueTest.cpp)
 
-add_executable(zqticker-queue-probe queue/QueueProbe.cpp)
-target_link_libraries(zqticker-queue-probe PRIVATE zqticker_app)
-set_target_properties(zqticker-queue-probe PROPERTIES RUNTIME_OUTPUT_DIRECTORY
-                                                      "${PROJECT_BINARY_DIR}/bin")
-set_property(
-  SOURCE queue/QueueScreenTest.cpp
-  APPEND
-  PROPERTY COMPILE_DEFINITIONS "ZQTICKER_QUEUE_PROBE=\"$<TARGET_FILE:zqticker-queue-probe>\"")
-# The tests' program comes after this list.
-cmake_language(DEFER CALL add_dependencies zqticker-tests-app zqticker-queue-probe)
+zqticker_probe(queue queue/QueueProbe.cpp TESTS queue/QueueScreenTest.cpp LIBRARIES zqticker_app)

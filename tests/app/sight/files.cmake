@@ -6,13 +6,4 @@ set(app_sight_SOURCES
     SightProgramTest.cpp
     SightScreenTest.cpp)
 
-add_executable(zqticker-sight-probe sight/SightProbe.cpp)
-target_link_libraries(zqticker-sight-probe PRIVATE zqticker_app)
-set_target_properties(zqticker-sight-probe PROPERTIES RUNTIME_OUTPUT_DIRECTORY
-                                                      "${PROJECT_BINARY_DIR}/bin")
-set_property(
-  SOURCE sight/SightScreenTest.cpp
-  APPEND
-  PROPERTY COMPILE_DEFINITIONS "ZQTICKER_SIGHT_PROBE=\"$<TARGET_FILE:zqticker-sight-probe>\"")
-# The tests' program comes after this list.
-cmake_language(DEFER CALL add_dependencies zqticker-tests-app zqticker-sight-probe)
+zqticker_probe(sight sight/SightProbe.cpp TESTS sight/SightScreenTest.cpp LIBRARIES zqticker_app)

@@ -1,16 +1,12 @@
 // A strip at an edge among other windows, on a real X server with a window manager.
-#include "tests/app/Program.h"
-#include "tests/app/x11/Desk.h"
-
-#include <QtCore/QTemporaryDir>
+#include "tests/app/x11/StripOnDesk.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <csignal>
 #include <cstdlib>
-#include <memory>
-#include <optional>
+#include <vector>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app::testing;
@@ -20,50 +16,18 @@ constexpr int Width = 1000;
 constexpr int Height = 400;
 const QString Room = u"_NET_WM_STRUT_PARTIAL"_s;
 
-class DockedStrip : public ::testing::Test {
+class DockedStrip : public StripOnDesk {
  protected:
-  void SetUp() override {
-    if (!Desk::isInstalled())
-      GTEST_SKIP() << "Xvfb or a tool is not installed";
-    server_.emplace(Width, Height);
-    ASSERT_FALSE(server_->display().isEmpty()) << "Xvfb does not start";
-    environment_ = server_->environment();
-    environment_.insert(u"XDG_CONFIG_HOME"_s, folder_.path());
-    desk_.emplace(environment_);
-  }
+  DockedStrip() : StripOnDesk(QSize(Width, Height)) {}
 
-  static QStringList strip(const QStringList& more = {}) {
-    return QStringList{u"--separate"_s, u"--text"_s, u" . "_s, u"--background"_s, u"#123456"_s} +
-           more;
-  }
-  void startOther(const QStringList& arguments) {
-    other_ = std::make_unique<QProcess>();
-    other_->setProcessEnvironment(environment_);
-    other_->start(QStringLiteral(ZQTICKER_WINDOW_PROBE), arguments);
-  }
-  void endOther() {
-    other_->kill();
-    other_->waitForFinished();
-  }
-  void TearDown() override {
-    if (other_)
-      endOther();
-  }
   // A window of another program at the lower edge that reserves its room.
   void startPanel(int depth) {
     startOther({u"panel"_s, u"0"_s, QString::number(Height - depth), QString::number(Width),
                 QString::number(depth)});
-    ASSERT_TRUE(waitUntil([&] { return desk_->windows(u"other"_s).size() == 1; }));
-    desk_->ask(u"xprop"_s,
-               {u"-id"_s, desk_->windows(u"other"_s).first(), u"-f"_s, Room, u"32c"_s, u"-set"_s,
-                Room, u"0,0,0,%1,0,0,0,0,0,0,0,%2"_s.arg(depth).arg(Width - 1)});
-  }
-  void set(const QString& name, const QString& value) {
-    const Outcome outcome = runZqticker({u"settings"_s, u"set"_s, name, value}, {}, environment_);
-    ASSERT_EQ(outcome.status, 0) << outcome.errors.constData();
-  }
-  bool stripIsAt(const QRect& rect) {
-    return waitUntil([&] { return desk_->strip() == rect; });
+    const QString panel = awaitOther();
+    ASSERT_FALSE(panel.isEmpty());
+    desk_->ask(u"xprop"_s, {u"-id"_s, panel, u"-f"_s, Room, u"32c"_s, u"-set"_s, Room,
+                            u"0,0,0,%1,0,0,0,0,0,0,0,%2"_s.arg(depth).arg(Width - 1)});
   }
   // Where a maximised window's frame lies.
   bool otherFills(const QRect& room) {
@@ -85,12 +49,6 @@ class DockedStrip : public ::testing::Test {
               [](const QRect& a, const QRect& b) { return a.top() < b.top(); });
     return rects;
   }
-
-  QTemporaryDir folder_;
-  std::optional<XServer> server_;
-  QProcessEnvironment environment_;
-  std::optional<Desk> desk_;
-  std::unique_ptr<QProcess> other_;
 };
 } // namespace
 
@@ -119,7 +77,7 @@ TEST_F(DockedStrip, KeepsMaximizedWindowsFromLyingUnderIt) {
 TEST_F(DockedStrip, IsADockOnEveryDesktopAndInNoList) {
   RunningProgram program(strip(), environment_);
   ASSERT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
-  const QString window = desk_->strips().first();
+  const QString window = awaitStrip();
   EXPECT_TRUE(
       desk_->property(window, u"_NET_WM_WINDOW_TYPE"_s).startsWith(u"_NET_WM_WINDOW_TYPE_DOCK"_s));
   EXPECT_EQ(desk_->property(window, u"_NET_WM_DESKTOP"_s), u"4294967295"_s);
@@ -176,14 +134,13 @@ TEST_F(DockedStrip, ReservesDevicePixels) {
 TEST_F(DockedStrip, KeepsItsRoomWhenItGetsAnotherWindow) {
   RunningProgram program({u"--separate"_s, u"--text"_s, u" . "_s}, environment_);
   ASSERT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
-  const QString before = desk_->strips().first();
+  const QString before = awaitStrip();
   set(u"background"_s, u"#80123456"_s);
   ASSERT_TRUE(waitUntil([&] {
     const QStringList now = desk_->strips();
     return now.size() == 1 && now.first() != before;
   }));
-  EXPECT_TRUE(
-      waitUntil([&] { return desk_->stripRoom() == "0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 999"_L1; }));
+  EXPECT_TRUE(roomIs(u"0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 0, 999"_s));
   EXPECT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
   startOther({u"maximized"_s});
   EXPECT_TRUE(otherFills(QRect(0, 0, Width, 376)));
@@ -210,8 +167,7 @@ TEST_F(DockedStrip, StandsOverAPanelThatWasThereBefore) {
   ASSERT_NO_FATAL_FAILURE(startPanel(40));
   RunningProgram program(strip(), environment_);
   EXPECT_TRUE(stripIsAt(QRect(0, 336, Width, 24)));
-  EXPECT_TRUE(
-      waitUntil([&] { return desk_->stripRoom() == "0, 0, 0, 64, 0, 0, 0, 0, 0, 0, 0, 999"_L1; }));
+  EXPECT_TRUE(roomIs(u"0, 0, 0, 64, 0, 0, 0, 0, 0, 0, 0, 999"_s));
   endOther();
   EXPECT_TRUE(stripIsAt(QRect(0, 376, Width, 24)));
 }
@@ -228,8 +184,7 @@ TEST_F(DockedStrip, ReservesRoomOnItsScreenAlone) {
   desk_->setMonitor(u"RIGHT"_s, QRect(600, 0, 400, Height), u"none"_s);
   RunningProgram right(strip({u"--screen"_s, u"RIGHT"_s}), environment_);
   EXPECT_TRUE(stripIsAt(QRect(600, 376, 400, 24)));
-  EXPECT_TRUE(waitUntil(
-      [&] { return desk_->stripRoom() == "0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 600, 999"_L1; }));
+  EXPECT_TRUE(roomIs(u"0, 0, 0, 24, 0, 0, 0, 0, 0, 0, 600, 999"_s));
   startOther({u"maximized"_s});
   EXPECT_TRUE(waitUntil([&] { return !desk_->rectOfOnly(u"other"_s).isEmpty(); }));
   right.interrupt(SIGINT);
@@ -237,9 +192,8 @@ TEST_F(DockedStrip, ReservesRoomOnItsScreenAlone) {
   // Nothing lies under the left one, whose edge is not that of the whole.
   RunningProgram left(strip({u"--screen"_s, u"LEFT"_s}), environment_);
   EXPECT_TRUE(stripIsAt(QRect(0, 276, 600, 24)));
-  EXPECT_TRUE(
-      waitUntil([&] { return desk_->stripRoom() == "0, 0, 0, 124, 0, 0, 0, 0, 0, 0, 0, 599"_L1; }));
-  EXPECT_EQ(desk_->property(desk_->strips().first(), u"_NET_WM_STRUT"_s), QString())
+  EXPECT_TRUE(roomIs(u"0, 0, 0, 124, 0, 0, 0, 0, 0, 0, 0, 599"_s));
+  EXPECT_EQ(desk_->property(awaitStrip(), u"_NET_WM_STRUT"_s), QString())
       << "it would take the other screen's room where only that is known";
 }
 

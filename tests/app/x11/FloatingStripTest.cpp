@@ -1,14 +1,11 @@
 // A strip that floats over the other windows, on a real X server with a window manager.
-#include "tests/app/Program.h"
-#include "tests/app/x11/Desk.h"
+#include "tests/app/x11/StripOnDesk.h"
 
 #include <QtCore/QSettings>
-#include <QtCore/QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
-#include <optional>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app::testing;
@@ -18,24 +15,12 @@ constexpr int Width = 900;
 constexpr int Height = 400;
 const QRect Usual(300, Height - 1 - 48 - 23, 300, 24);
 
-class FloatingStrip : public ::testing::Test {
+class FloatingStrip : public StripOnDesk {
  protected:
-  void SetUp() override {
-    if (!Desk::isInstalled())
-      GTEST_SKIP() << "Xvfb or a tool is not installed";
-    server_.emplace(Width, Height);
-    ASSERT_FALSE(server_->display().isEmpty()) << "Xvfb does not start";
-    environment_ = server_->environment();
-    environment_.insert(u"XDG_CONFIG_HOME"_s, folder_.path());
-    desk_.emplace(environment_);
-  }
+  FloatingStrip() : StripOnDesk(QSize(Width, Height)) {}
 
-  static QStringList strip(const QStringList& more = {}) {
-    return QStringList{u"--separate"_s, u"--text"_s, u" . "_s, u"--position"_s, u"floating"_s} +
-           more;
-  }
-  bool stripIsAt(const QRect& rect) {
-    return waitUntil([&] { return desk_->strip() == rect; });
+  static QStringList floating(const QStringList& more = {}) {
+    return strip(QStringList{u"--position"_s, u"floating"_s} + more);
   }
   void drag(QPoint from, QPoint to, const QString& key) {
     const auto at = [](QPoint point) {
@@ -50,22 +35,13 @@ class FloatingStrip : public ::testing::Test {
         .value(u"strip/offset"_s)
         .toPoint();
   }
-  void set(const QString& name, const QString& value) {
-    const Outcome outcome = runZqticker({u"settings"_s, u"set"_s, name, value}, {}, environment_);
-    ASSERT_EQ(outcome.status, 0) << outcome.errors.constData();
-  }
-
-  QTemporaryDir folder_;
-  std::optional<XServer> server_;
-  QProcessEnvironment environment_;
-  std::optional<Desk> desk_;
 };
 } // namespace
 
 TEST_F(FloatingStrip, TakesAThirdOfTheScreenAndReservesNothing) {
-  RunningProgram program(strip(), environment_);
+  RunningProgram program(floating(), environment_);
   EXPECT_TRUE(stripIsAt(Usual));
-  const QString window = desk_->strips().first();
+  const QString window = awaitStrip();
   EXPECT_EQ(desk_->stripRoom(), QString());
   EXPECT_TRUE(desk_->property(window, u"_NET_WM_STATE"_s).contains(u"ABOVE"_s));
   EXPECT_EQ(desk_->property(window, u"_NET_WM_DESKTOP"_s), u"4294967295"_s);
@@ -73,7 +49,7 @@ TEST_F(FloatingStrip, TakesAThirdOfTheScreenAndReservesNothing) {
 }
 
 TEST_F(FloatingStrip, StandsUprightWhereItsSignsScrollUp) {
-  RunningProgram program(strip({u"--direction"_s, u"vertical"_s, u"--width"_s, u"100"_s}),
+  RunningProgram program(floating({u"--direction"_s, u"vertical"_s, u"--width"_s, u"100"_s}),
                          environment_);
   EXPECT_TRUE(stripIsAt(QRect(Width - 48 - 100, 133, 100, 134)));
 }
@@ -82,7 +58,7 @@ TEST_F(FloatingStrip, IsMovedByDraggingWithAKeyAndComesBackThere) {
   const QPoint grip = Usual.topLeft() + QPoint(40, 10);
   const QRect moved = Usual.translated(-200, -150);
   {
-    RunningProgram program(strip(), environment_);
+    RunningProgram program(floating(), environment_);
     ASSERT_TRUE(stripIsAt(Usual));
     drag(grip, grip + QPoint(-200, -150), u"super"_s);
     EXPECT_TRUE(stripIsAt(moved));
@@ -90,13 +66,13 @@ TEST_F(FloatingStrip, IsMovedByDraggingWithAKeyAndComesBackThere) {
     program.interrupt(SIGINT);
     EXPECT_EQ(program.awaitStatus(), 0);
   }
-  RunningProgram program(strip(), environment_);
+  RunningProgram program(floating(), environment_);
   EXPECT_TRUE(stripIsAt(moved));
 }
 
 TEST_F(FloatingStrip, IsMovedByTheWindowManagersOwnKey) {
   const QPoint grip = Usual.topLeft() + QPoint(40, 10);
-  RunningProgram program(strip(), environment_);
+  RunningProgram program(floating(), environment_);
   ASSERT_TRUE(stripIsAt(Usual));
   const auto moveTo = [&](QPoint point) {
     return QStringList{u"mousemove"_s, QString::number(point.x()), QString::number(point.y())};
@@ -110,8 +86,9 @@ TEST_F(FloatingStrip, IsMovedByTheWindowManagersOwnKey) {
     desk_->ask(u"xdotool"_s, moveTo(grip - QPoint(0, step)));
     return desk_->strip() != Usual;
   }));
-  desk_->ask(u"xdotool"_s, {u"mouseup"_s, u"1"_s, u"keyup"_s, u"alt"_s});
+  // The button tells the user's move from the window manager's own.
   EXPECT_TRUE(waitUntil([&] { return remembered() == desk_->strip().topLeft(); }));
+  desk_->ask(u"xdotool"_s, {u"mouseup"_s, u"1"_s, u"keyup"_s, u"alt"_s});
 }
 
 TEST_F(FloatingStrip, ComesBackInsideTheScreen) {
@@ -120,7 +97,7 @@ TEST_F(FloatingStrip, ComesBackInsideTheScreen) {
     state.setValue(u"strip/screen"_s, u"screen"_s);
     state.setValue(u"strip/offset"_s, QPoint(5000, -70));
   }
-  RunningProgram program(strip(), environment_);
+  RunningProgram program(floating(), environment_);
   EXPECT_TRUE(stripIsAt(QRect(600, 0, 300, 24)));
 }
 
@@ -132,7 +109,7 @@ TEST_F(FloatingStrip, WaitsOnThePrimaryScreenForItsOwn) {
     state.setValue(u"strip/screen"_s, u"RIGHT"_s);
     state.setValue(u"strip/offset"_s, QPoint(100, 50));
   }
-  RunningProgram program(strip(), environment_);
+  RunningProgram program(floating(), environment_);
   ASSERT_TRUE(stripIsAt(QRect(550, 50, 150, 24)));
   desk_->removeMonitor(u"RIGHT"_s);
   EXPECT_TRUE(stripIsAt(QRect(100, 50, 150, 24)));

@@ -2,6 +2,7 @@
 //
 //   zqticker-window-probe maximized
 //   zqticker-window-probe panel X Y WIDTH HEIGHT
+//   zqticker-window-probe window X Y WIDTH HEIGHT
 #include <QtGui/QPainter>
 #include <QtWidgets/QApplication>
 #include <QtWidgets/QWidget>
@@ -17,8 +18,9 @@ int main(int argc, char** argv) {
   if (arguments.value(0) == "maximized"_L1) {
     window.showMaximized();
   } else {
-    window.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
-                          Qt::WindowDoesNotAcceptFocus);
+    if (arguments.value(0) == "panel"_L1)
+      window.setWindowFlags(Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint |
+                            Qt::WindowDoesNotAcceptFocus);
     window.setGeometry(arguments.value(1).toInt(), arguments.value(2).toInt(),
                        arguments.value(3).toInt(), arguments.value(4).toInt());
     window.show();

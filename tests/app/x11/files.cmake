@@ -3,14 +3,11 @@ set(app_x11_SOURCES
     DockedStripTest.cpp
     EdgeReservationTest.cpp
     FloatingStripTest.cpp
-    ServerBlanks.h)
+    ScreenChangesTest.cpp
+    ServerBlanks.h
+    StripOnDesk.h)
 
-add_executable(zqticker-window-probe x11/WindowProbe.cpp)
-target_link_libraries(zqticker-window-probe PRIVATE Qt6::Widgets)
-set_target_properties(zqticker-window-probe PROPERTIES RUNTIME_OUTPUT_DIRECTORY
-                                                       "${PROJECT_BINARY_DIR}/bin")
-set_property(
-  SOURCE x11/DockedStripTest.cpp
-  APPEND
-  PROPERTY COMPILE_DEFINITIONS "ZQTICKER_WINDOW_PROBE=\"$<TARGET_FILE:zqticker-window-probe>\"")
-cmake_language(DEFER CALL add_dependencies zqticker-tests-app zqticker-window-probe)
+zqticker_probe(
+  window x11/WindowProbe.cpp
+  TESTS settings/SeveralScreensTest.cpp x11/DockedStripTest.cpp x11/FloatingStripTest.cpp x11/ScreenChangesTest.cpp
+  LIBRARIES Qt6::Widgets)
