@@ -9,8 +9,11 @@
 
 #include <gtest/gtest.h>
 
+#include <csignal>
 #include <functional>
 #include <optional>
+
+#include <sys/types.h>
 
 namespace zq::app::testing {
 
@@ -24,6 +27,10 @@ class Probe {
     process_.kill();
     process_.waitForFinished();
   }
+
+  // A line on its standard input.
+  void tell(const QString& line) { process_.write(line.toUtf8() + '\n'); }
+  void interrupt(int signal) { ::kill(static_cast<pid_t>(process_.processId()), signal); }
 
   // All that it has said so far.
   const QStringList& lines() {

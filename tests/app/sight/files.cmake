@@ -6,4 +6,5 @@ set(app_sight_SOURCES
     SightProgramTest.cpp
     SightScreenTest.cpp)
 
-zqticker_probe(sight sight/SightProbe.cpp TESTS sight/SightScreenTest.cpp LIBRARIES zqticker_app)
+zqticker_probe(sight sight/SightProbe.cpp TESTS sight/SightScreenTest.cpp x11/LostConnectionTest.cpp
+               LIBRARIES zqticker_app)

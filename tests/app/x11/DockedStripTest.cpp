@@ -14,21 +14,11 @@ using namespace zq::app::testing;
 namespace {
 constexpr int Width = 1000;
 constexpr int Height = 400;
-const QString Room = u"_NET_WM_STRUT_PARTIAL"_s;
 
 class DockedStrip : public StripOnDesk {
  protected:
   DockedStrip() : StripOnDesk(QSize(Width, Height)) {}
 
-  // A window of another program at the lower edge that reserves its room.
-  void startPanel(int depth) {
-    startOther({u"panel"_s, u"0"_s, QString::number(Height - depth), QString::number(Width),
-                QString::number(depth)});
-    const QString panel = awaitOther();
-    ASSERT_FALSE(panel.isEmpty());
-    desk_->ask(u"xprop"_s, {u"-id"_s, panel, u"-f"_s, Room, u"32c"_s, u"-set"_s, Room,
-                            u"0,0,0,%1,0,0,0,0,0,0,0,%2"_s.arg(depth).arg(Width - 1)});
-  }
   // Where a maximised window's frame lies.
   bool otherFills(const QRect& room) {
     return waitUntil([&] {

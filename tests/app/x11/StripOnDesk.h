@@ -66,6 +66,19 @@ class StripOnDesk : public ::testing::Test {
     other_->setProcessEnvironment(environment_);
     other_->start(QStringLiteral(ZQTICKER_WINDOW_PROBE), arguments);
   }
+  // A window of another program at the lower edge that reserves its room.
+  void startPanel(int depth) {
+    startOther({QStringLiteral("panel"), QStringLiteral("0"),
+                QString::number(screen_.height() - depth), QString::number(screen_.width()),
+                QString::number(depth)});
+    const QString panel = awaitOther();
+    ASSERT_FALSE(panel.isEmpty());
+    const QString room = QStringLiteral("_NET_WM_STRUT_PARTIAL");
+    desk_->ask(QStringLiteral("xprop"),
+               {QStringLiteral("-id"), panel, QStringLiteral("-f"), room, QStringLiteral("32c"),
+                QStringLiteral("-set"), room,
+                QStringLiteral("0,0,0,%1,0,0,0,0,0,0,0,%2").arg(depth).arg(screen_.width() - 1)});
+  }
   void endOther() {
     if (!other_)
       return;
