@@ -28,23 +28,37 @@ TickerOnBus::TickerOnBus(Ticker& ticker, std::function<void()> quit)
 
 TickerOnBus::~TickerOnBus() = default;
 
-QString TickerOnBus::displayMessage(const QVariantMap& message, const BusSender& sender) {
-  return withBusFailures([&] { return intake_.takeMessage(message, sender.name); });
+ArrivingSign TickerOnBus::displayMessage(const QVariantMap& message, const BusSender& sender) {
+  return withBusFailures(
+      [&] { return shownWithBusFailures(intake_.takeMessage(message, sender.name)); });
 }
 
-void TickerOnBus::displayNotification(const QVariantMap& message, const BusSender& sender) {
+// What `function` gives, and nothing where it raises something, which is logged.
+template <class Function>
+auto TickerOnBus::noted(const QString& sender, Function function) -> decltype(function()) {
   try {
-    intake_.takeMessage(message, sender.name);
+    return function();
   } catch (const LimitError&) {
     // The intake has logged it.
   } catch (const std::exception& error) {
-    refusals_.note(sender.name, QString::fromUtf8(error.what()));
+    refusals_.note(sender, QString::fromUtf8(error.what()));
   }
+  return {};
 }
 
-QString TickerOnBus::displaySign(const QByteArray& archive, const QVariantMap& origin,
-                                 const BusSender& sender) {
-  return withBusFailures([&] { return intake_.takeSign(archive, origin, sender.name); });
+ArrivingSign TickerOnBus::displayNotification(const QVariantMap& message, const BusSender& sender) {
+  ArrivingSign sign = noted(sender.name, [&] { return intake_.takeMessage(message, sender.name); });
+  if (sign.show)
+    sign.show = [this, name = sender.name, show = std::move(sign.show)] {
+      return noted(name, show);
+    };
+  return sign;
+}
+
+ArrivingSign TickerOnBus::displaySign(const QByteArray& archive, const QVariantMap& origin,
+                                      const BusSender& sender) {
+  return withBusFailures(
+      [&] { return shownWithBusFailures(intake_.takeSign(archive, origin, sender.name)); });
 }
 
 bool TickerOnBus::removeSign(const QString& identifier, const BusSender& sender) {

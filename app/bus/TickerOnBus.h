@@ -21,10 +21,10 @@ class TickerOnBus : public TickerReceiver {
   TickerOnBus(Ticker& ticker, std::function<void()> quit);
   ~TickerOnBus() override;
 
-  QString displayMessage(const QVariantMap& message, const BusSender& sender) override;
-  void displayNotification(const QVariantMap& message, const BusSender& sender) override;
-  QString displaySign(const QByteArray& archive, const QVariantMap& origin,
-                      const BusSender& sender) override;
+  ArrivingSign displayMessage(const QVariantMap& message, const BusSender& sender) override;
+  ArrivingSign displayNotification(const QVariantMap& message, const BusSender& sender) override;
+  ArrivingSign displaySign(const QByteArray& archive, const QVariantMap& origin,
+                           const BusSender& sender) override;
   bool removeSign(const QString& identifier, const BusSender& sender) override;
   void arrangeSigns(const QStringList& identifiers, const BusSender& sender) override;
   void run(const QStringList& arguments, const QString& folder,
@@ -39,6 +39,9 @@ class TickerOnBus : public TickerReceiver {
   void quit() override;
 
  private:
+  template <class Function>
+  auto noted(const QString& sender, Function function) -> decltype(function());
+
   Ticker& ticker_;
   std::function<void()> quit_;
   MessageIntake intake_;

@@ -1,6 +1,8 @@
 // What does that which programs ask for over the bus.
 #pragma once
 
+#include "app/intake/ArrivingSign.h"
+
 #include <QtCore/QByteArray>
 #include <QtCore/QString>
 #include <QtCore/QStringList>
@@ -15,20 +17,21 @@ struct BusSender {
   qsizetype bytes = 0;
 };
 
-// Receives requests one by one, in the order in which a sender made them. Whatever is raised goes
-// back to the sender: a BusFailure as it says, another exception as org.zqticker.Error.Failed.
+// Receives requests one by one, in the order in which a sender made them; the next one when what
+// is to be displayed is shown. Whatever is raised, also by showing, goes back to the sender: a
+// BusFailure as it says, another exception as org.zqticker.Error.Failed.
 //
 // Thread: main.
 class TickerReceiver {
  public:
   virtual ~TickerReceiver() = default;
 
-  // The identifier of what is shown.
-  virtual QString displayMessage(const QVariantMap& message, const BusSender& sender) = 0;
+  // What is to be decoded, which may happen on another thread, and shown.
+  virtual ArrivingSign displayMessage(const QVariantMap& message, const BusSender& sender) = 0;
   // The same for one that was broadcast; whatever is wrong with it is the receiver's to log.
-  virtual void displayNotification(const QVariantMap& message, const BusSender& sender) = 0;
-  virtual QString displaySign(const QByteArray& archive, const QVariantMap& origin,
-                              const BusSender& sender) = 0;
+  virtual ArrivingSign displayNotification(const QVariantMap& message, const BusSender& sender) = 0;
+  virtual ArrivingSign displaySign(const QByteArray& archive, const QVariantMap& origin,
+                                   const BusSender& sender) = 0;
   // Whether there was one.
   virtual bool removeSign(const QString& identifier, const BusSender& sender) = 0;
   virtual void arrangeSigns(const QStringList& identifiers, const BusSender& sender) = 0;

@@ -12,6 +12,7 @@
 
 #include <exception>
 #include <new>
+#include <system_error>
 #include <utility>
 
 using namespace Qt::StringLiterals;
@@ -38,17 +39,25 @@ QDBusMessage busCall(const QString& method, const QVariantList& arguments) {
   return call;
 }
 
-// Does what is asked; the reply's arguments. Quitting comes after the reply.
-QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
+// The sign that is to be displayed; nothing where something else is asked.
+std::optional<ArrivingSign> arrivalOf(const BusRequest& request, TickerReceiver& receiver) {
   const BusSender sender{request.sender, request.bytes};
   switch (request.kind) {
   case BusRequest::Kind::DisplayMessage:
-    return {receiver.displayMessage(request.dictionary, sender)};
+    return receiver.displayMessage(request.dictionary, sender);
   case BusRequest::Kind::DisplayNotification:
-    receiver.displayNotification(request.dictionary, sender);
-    break;
+    return receiver.displayNotification(request.dictionary, sender);
   case BusRequest::Kind::DisplaySign:
-    return {receiver.displaySign(request.archive, request.dictionary, sender)};
+    return receiver.displaySign(request.archive, request.dictionary, sender);
+  default:
+    return std::nullopt;
+  }
+}
+
+// Does what else is asked; the reply's arguments. Quitting comes after the reply.
+QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
+  const BusSender sender{request.sender, request.bytes};
+  switch (request.kind) {
   case BusRequest::Kind::RemoveSign:
     return {receiver.removeSign(request.text, sender)};
   case BusRequest::Kind::ArrangeSigns:
@@ -78,10 +87,19 @@ QVariantList perform(TickerReceiver& receiver, const BusRequest& request) {
   case BusRequest::Kind::Focus:
     receiver.focus();
     break;
+  case BusRequest::Kind::DisplayMessage:
+  case BusRequest::Kind::DisplayNotification:
+  case BusRequest::Kind::DisplaySign:
   case BusRequest::Kind::Quit:
     break;
   }
   return {};
+}
+
+void refuse(const PendingRequest& pending, const QString& name, const QString& message) {
+  // A notification has no sender that waits.
+  if (pending.message.isReplyRequired())
+    pending.connection.send(pending.message.createErrorReply(name, message));
 }
 } // namespace
 
@@ -110,6 +128,8 @@ TickerService::~TickerService() {
                     FarewellMilliseconds);
   thread_.quit();
   thread_.wait();
+  if (decoder_.joinable())
+    decoder_.join();
 }
 
 TickerService::Start TickerService::start() {
@@ -157,6 +177,9 @@ void TickerService::nameLost(const QString& name) {
 }
 
 void TickerService::setReceiver(TickerReceiver* receiver) {
+  if (receiver != receiver_)
+    if (const auto abandoned = std::exchange(arriving_, std::nullopt))
+      refuse(abandoned->pending, FailedErrorName, u"the ticker ends"_s);
   receiver_ = receiver;
   turn_.start();
 }
@@ -167,35 +190,71 @@ void TickerService::handOut() {
   isHandingOut_ = true;
   const QDeadlineTimer deadline(MillisecondsAtOnce, Qt::PreciseTimer);
   bool isEmpty = false;
-  while (receiver_ && !isEmpty && !deadline.hasExpired()) {
-    std::optional<PendingRequest> pending = inbox_.take();
+  while (receiver_ && !isEmpty && !decoder_.joinable() && !deadline.hasExpired()) {
+    const std::optional<PendingRequest> pending = inbox_.take();
     isEmpty = !pending;
     if (pending)
-      answer(*pending);
+      take(*pending);
   }
   isHandingOut_ = false;
   // Timers, frames and the user's events first.
-  if (receiver_ && !isEmpty)
+  if (receiver_ && !isEmpty && !decoder_.joinable())
     turn_.start();
 }
 
-void TickerService::answer(PendingRequest& pending) {
-  // A notification has no sender that waits.
-  const auto refuse = [&](const QString& name, const QString& message) {
-    pending.connection.send(pending.message.createErrorReply(name, message));
-  };
+void TickerService::take(const PendingRequest& pending) {
+  answer(pending, [&]() -> std::optional<QVariantList> {
+    const std::optional<ArrivingSign> sign = arrivalOf(pending.request, *receiver_);
+    if (!sign)
+      return perform(*receiver_, pending.request);
+    if (sign->decode && startDecoding(pending, *sign))
+      return std::nullopt;
+    return QVariantList{sign->show ? sign->show() : QString()};
+  });
+}
+
+// Whether there is a thread for it.
+bool TickerService::startDecoding(const PendingRequest& pending, const ArrivingSign& sign) {
+  arriving_.emplace(Arriving{pending, sign.show});
   try {
-    const QVariantList reply = perform(*receiver_, pending.request);
+    decoder_ = std::thread([this, decode = sign.decode] {
+      try {
+        decode();
+      } catch (const std::exception&) {
+        // It comes again when the sign is shown.
+      }
+      QMetaObject::invokeMethod(this, &TickerService::finishDecoding, Qt::QueuedConnection);
+    });
+  } catch (const std::system_error&) {
+    arriving_.reset();
+    return false;
+  }
+  return true;
+}
+
+void TickerService::finishDecoding() {
+  decoder_.join();
+  if (const auto arriving = std::exchange(arriving_, std::nullopt))
+    answer(arriving->pending, [&] { return QVariantList{arriving->show()}; });
+  turn_.start();
+}
+
+void TickerService::answer(const PendingRequest& pending,
+                           const std::function<std::optional<QVariantList>()>& act) {
+  try {
+    const std::optional<QVariantList> reply = act();
+    if (!reply)
+      return;
     if (pending.message.isReplyRequired())
-      pending.connection.send(pending.message.createReply(reply));
+      pending.connection.send(pending.message.createReply(*reply));
     if (pending.request.kind == BusRequest::Kind::Quit)
       receiver_->quit();
   } catch (const BusFailure& failure) {
-    refuse(failure.errorName(), failure.message());
+    refuse(pending, failure.errorName(), failure.message());
   } catch (const std::bad_alloc&) {
-    refuse(TooMuchErrorName, u"out of memory"_s);
+    refuse(pending, TooMuchErrorName, u"out of memory"_s);
   } catch (const std::exception& exception) {
-    refuse(FailedErrorName, QString::fromUtf8(exception.what()));
+    refuse(pending, FailedErrorName, QString::fromUtf8(exception.what()));
   }
 }
 

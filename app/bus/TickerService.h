@@ -4,12 +4,16 @@
 #include "app/bus/BusInbox.h"
 #include "app/bus/SessionBus.h"
 #include "app/bus/bus_address.h"
+#include "app/intake/ArrivingSign.h"
 
 #include <QtCore/QObject>
 #include <QtCore/QThread>
 #include <QtCore/QTimer>
 
+#include <functional>
 #include <memory>
+#include <optional>
+#include <thread>
 
 namespace zq::app {
 
@@ -19,8 +23,8 @@ class TickerReceiver;
 // Owns the ticker's name, exports its object, hears the broadcast notification, and hands what
 // comes to a receiver. When the bus restarts, all of that is made again.
 //
-// Requests are handed over a few milliseconds at a time, so that frames stay on time whatever
-// comes.
+// Requests are handed over a few milliseconds at a time, and pictures that take longer are decoded
+// on another thread while all further requests wait, so that frames stay on time whatever comes.
 //
 // Thread: main.
 class TickerService : public QObject {
@@ -43,7 +47,8 @@ class TickerService : public QObject {
   const std::optional<QString>& address() const { return bus_.address(); }
 
   // Who answers, from the event loop: to quit before that runs would do nothing. Requests wait
-  // until there is one. It must outlive the service or be taken away.
+  // until there is one. It must outlive the service or be taken away; a sign that was on its way
+  // to it is refused then.
   void setReceiver(TickerReceiver* receiver);
 
  private:
@@ -52,7 +57,17 @@ class TickerService : public QObject {
   Q_SLOT void nameLost(const QString& name);
   void rejoin();
   void handOut();
-  void answer(PendingRequest& pending);
+  // A request whose sign is being decoded.
+  struct Arriving {
+    PendingRequest pending;
+    std::function<QString()> show;
+  };
+  void take(const PendingRequest& pending);
+  bool startDecoding(const PendingRequest& pending, const ArrivingSign& sign);
+  void finishDecoding();
+  // Sends what `act` gives, or the error that it raises; nothing yet where it gives nothing.
+  void answer(const PendingRequest& pending,
+              const std::function<std::optional<QVariantList>()>& act);
 
   SessionBus bus_;
   BusInbox inbox_;
@@ -63,6 +78,8 @@ class TickerService : public QObject {
   bool isExported_ = false; // on the connection of now
   bool ownsName_ = false;
   bool isHandingOut_ = false;
+  std::thread decoder_; // joinable while a sign is decoded, though nobody may want it any more
+  std::optional<Arriving> arriving_;
 };
 
 } // namespace zq::app

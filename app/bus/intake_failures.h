@@ -5,6 +5,8 @@
 #include "app/intake/MessageIntake.h"
 #include "app/intake/sign_archives.h"
 
+#include <utility>
+
 namespace zq::app {
 
 // The result of `function`; a BusFailure where it raises an error of the intake.
@@ -19,6 +21,12 @@ auto withBusFailures(Function function) {
   } catch (const LimitError& error) {
     throw BusFailure(BusFailure::Kind::TooMuch, error.message());
   }
+}
+
+// The same for the showing of `sign`.
+inline ArrivingSign shownWithBusFailures(ArrivingSign sign) {
+  sign.show = [show = std::move(sign.show)] { return withBusFailures(show); };
+  return sign;
 }
 
 } // namespace zq::app

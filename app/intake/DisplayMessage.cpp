@@ -13,6 +13,8 @@
 #include "zqticker/signs/message_keys.h"
 
 #include <limits>
+#include <tuple>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -45,18 +47,20 @@ Any readText(const MessageValues& values, const WorkGate& gate) {
   return text.trimmed().isEmpty() ? Any() : Any(text);
 }
 
-Ref<Image> readImage(const MessageValues& values, const WorkGate& gate) {
+// The file of the picture, and its pixels; empty for none.
+std::pair<QByteArray, qint64> readPicture(const MessageValues& values, const WorkGate& gate) {
   const QString& key = ZQTickerMessageImageKey;
   const QVariant found = values.value(key);
   if (!found.isValid())
-    return nullptr;
+    return {};
   if (found.typeId() != QMetaType::QByteArray)
     throw MessageError(key, u"must be the bytes of a TIFF or PNG file"_s);
   QString complaint;
-  const Ref<Image> image = decodeMessagePicture(found.toByteArray(), complaint, gate);
-  if (!image)
+  const QByteArray data = found.toByteArray();
+  const std::optional<qint64> pixels = admitMessagePicture(data, complaint, gate);
+  if (!pixels)
     throw MessageError(key, complaint);
-  return image;
+  return {data, *pixels};
 }
 
 Ref<ZQTickerSign> makeSign(const Any& text, const Ref<Image>& image, const MessageStyle& style) {
@@ -129,23 +133,39 @@ SignOrigin readOrigin(const QVariantMap& dictionary) {
   return origin;
 }
 
-DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style,
-                           const WorkGate& gate) {
-  const MessageValues values(dictionary);
+MessageDraft::MessageDraft(const QVariantMap& dictionary, const WorkGate& gate)
+    : dictionary_(dictionary), origin_(readOrigin(dictionary)) {
+  const MessageValues values(dictionary_);
   // What costs little comes first; the fields are filled into a sign without contents to check
   // them before anything is decoded.
-  SignOrigin origin = readOrigin(dictionary);
   ZQImageTickerSign fields;
   fill(fields, values);
-  const Any text = readText(values, gate);
-  const Ref<Image> image = readImage(values, gate);
-  if (!text.isValid() && !image)
-    throw MessageError(ZQTickerMessageTextKey, dictionary.contains(ZQTickerMessageTextKey)
+  text_ = readText(values, gate);
+  std::tie(picture_, undecodedPixels_) = readPicture(values, gate);
+}
+
+void MessageDraft::decode() {
+  image_ = decodeAdmittedPicture(picture_);
+  undecodedPixels_ = 0;
+}
+
+DisplayMessage MessageDraft::message(const MessageStyle& style) {
+  if (undecodedPixels_ > 0)
+    decode();
+  if (!picture_.isEmpty() && !image_)
+    throw MessageError(ZQTickerMessageImageKey, damagedPicture());
+  if (!text_.isValid() && !image_)
+    throw MessageError(ZQTickerMessageTextKey, dictionary_.contains(ZQTickerMessageTextKey)
                                                    ? u"nothing to show in it, and no image either"_s
                                                    : u"missing, and no image either"_s);
-  const Ref<ZQTickerSign> sign = makeSign(text, image, style);
-  fill(*sign, values);
-  return {sign, std::move(origin)};
+  const Ref<ZQTickerSign> sign = makeSign(text_, image_, style);
+  fill(*sign, MessageValues(dictionary_));
+  return {sign, origin_};
+}
+
+DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style,
+                           const WorkGate& gate) {
+  return MessageDraft(dictionary, gate).message(style);
 }
 
 } // namespace zq::app

@@ -16,6 +16,7 @@ class ZQTickerSign;
 namespace zq::platform {
 class Color;
 class Font;
+class Image;
 } // namespace zq::platform
 
 namespace zq::app {
@@ -73,6 +74,33 @@ class MessageError : public std::runtime_error {
 // Thread: main.
 DisplayMessage readMessage(const QVariantMap& dictionary, const MessageStyle& style,
                            const WorkGate& gate = {});
+
+// A message on its way to a sign: checked, but for what shows only when its picture is decoded.
+//
+// Thread: main where nothing else is said.
+class MessageDraft {
+ public:
+  // Raises like readMessage.
+  MessageDraft(const QVariantMap& dictionary, const WorkGate& gate);
+
+  // Of the picture that is not decoded yet; 0 where there is none.
+  qint64 undecodedPixels() const { return undecodedPixels_; }
+  // Decodes it.
+  //
+  // Thread: any, and nothing else is done with the draft meanwhile.
+  void decode();
+
+  // As readMessage gives it; decodes where that is not done yet. Raises the same.
+  DisplayMessage message(const MessageStyle& style);
+
+ private:
+  QVariantMap dictionary_;
+  SignOrigin origin_;
+  platform::Any text_; // a QString or a Ref to an AttributedString; invalid for none
+  QByteArray picture_;
+  qint64 undecodedPixels_ = 0;
+  platform::Ref<platform::Image> image_;
+};
 
 // What `dictionary` says about the sender and its wishes: the keys that fill no field of a sign.
 // Raises like readMessage.

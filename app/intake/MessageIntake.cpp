@@ -2,7 +2,9 @@
 
 #include "app/commands/failures.h"
 #include "app/intake/MessageValues.h"
+#include "app/intake/message_pictures.h"
 #include "app/intake/sign_archives.h"
+#include "zqticker/platform/graphics/Image.h"
 #include "zqticker/signs/ZQTickerSign.h"
 #include "zqticker/signs/message_keys.h"
 
@@ -11,6 +13,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <memory>
 
 using namespace Qt::StringLiterals;
 
@@ -48,27 +51,41 @@ MessageIntake::MessageIntake(Host host, QObject* parent) : QObject(parent), host
 
 MessageIntake::~MessageIntake() = default;
 
-QString MessageIntake::takeMessage(const QVariantMap& dictionary, const QString& connection) {
+ArrivingSign MessageIntake::takeMessage(const QVariantMap& dictionary, const QString& connection) {
   const SenderKey sender = senderOf(dictionary, connection);
   admit(sender, byteCountOf(dictionary, LargestMessage));
   // A queue that is full costs no decoding.
   if (const auto refusal = held_.refusal(sender, peek(dictionary, ZQTickerMessageIdentifierKey), 0))
     refuse(sender, *refusal);
-  const DisplayMessage message = readMessage(dictionary, host_.style(), gateFor(sender));
-  return hold(message.sign, message.origin, Order::Free, sender);
+  const auto draft = std::make_shared<MessageDraft>(dictionary, gateFor(sender));
+  ArrivingSign arriving;
+  if (draft->undecodedPixels() > MostPixelsAtOnce)
+    arriving.decode = [draft] { draft->decode(); };
+  arriving.show = [this, draft, sender] {
+    const DisplayMessage message = draft->message(host_.style());
+    return hold(message.sign, message.origin, Order::Free, sender);
+  };
+  return arriving;
 }
 
-QString MessageIntake::takeSign(const QByteArray& archive, const QVariantMap& origin,
-                                const QString& connection) {
+ArrivingSign MessageIntake::takeSign(const QByteArray& archive, const QVariantMap& origin,
+                                     const QString& connection) {
   const SenderKey sender = senderOf(origin, connection);
   admit(sender, archive.size() + byteCountOf(origin, LargestMessage));
   const SignOrigin readOrigin = app::readOrigin(origin);
   const bool isArranged = MessageValues(origin).boolean(ArrangedKey).value_or(false);
-  const platform::Ref<ZQTickerSign> sign = readArchivedSign(archive, gateFor(sender));
-  // As in a message, an empty one identifies nothing.
-  if (sign->identifier() == QString())
-    sign->setIdentifier(std::nullopt);
-  return hold(sign, readOrigin, isArranged ? Order::Arranged : Order::Free, sender);
+  const platform::Ref<ZQTickerSign> sign = unarchiveSign(archive, gateFor(sender));
+  ArrivingSign arriving;
+  if (const auto picture = pictureOf(*sign); pixelCountOf(picture) > MostPixelsAtOnce)
+    arriving.decode = [picture] { isWhole(*picture); };
+  arriving.show = [this, sign, readOrigin, isArranged, sender] {
+    checkSign(*sign);
+    // As in a message, an empty one identifies nothing.
+    if (sign->identifier() == QString())
+      sign->setIdentifier(std::nullopt);
+    return hold(sign, readOrigin, isArranged ? Order::Arranged : Order::Free, sender);
+  };
+  return arriving;
 }
 
 void MessageIntake::admitCall(qsizetype bytes, const QString& connection) {

@@ -1,6 +1,7 @@
 // Where messages and signs of other programs come in.
 #pragma once
 
+#include "app/intake/ArrivingSign.h"
 #include "app/intake/DisplayMessage.h"
 #include "app/intake/FloodLog.h"
 #include "app/intake/HeldSigns.h"
@@ -54,14 +55,16 @@ class MessageIntake : public QObject {
   explicit MessageIntake(Host host, QObject* parent = nullptr);
   ~MessageIntake() override;
 
-  // Shows what `dictionary` describes, see readMessage; `connection` is the sender's unique name
-  // on the bus. The sign's identifier. Raises MessageError and LimitError.
-  QString takeMessage(const QVariantMap& dictionary, const QString& connection);
+  // The sign that `dictionary` describes, see readMessage; `connection` is the sender's unique name
+  // on the bus. Raises MessageError and LimitError, as showing does, for which the intake must be
+  // there.
+  ArrivingSign takeMessage(const QVariantMap& dictionary, const QString& connection);
 
-  // Shows the sign in `archive`, see readArchivedSign. `origin` has the keys of readOrigin and the
-  // boolean "arranged". The sign's identifier. Raises SignError, MessageError (for `origin`) and
-  // LimitError.
-  QString takeSign(const QByteArray& archive, const QVariantMap& origin, const QString& connection);
+  // The sign in `archive`, see readArchivedSign. `origin` has the keys of readOrigin and the
+  // boolean "arranged". Raises SignError, MessageError (for `origin`) and LimitError, as showing
+  // does.
+  ArrivingSign takeSign(const QByteArray& archive, const QVariantMap& origin,
+                        const QString& connection);
 
   // Counts a call that shows nothing (removing, arranging) with so many bytes of arguments. Raises
   // LimitError.

@@ -14,6 +14,7 @@ set(message_reading_SOURCES
 set(message_SOURCES
     commands/PostCommand.cpp
     commands/PostCommand.h
+    intake/ArrivingSign.h
     intake/FloodLog.cpp
     intake/FloodLog.h
     intake/HeldSigns.cpp

@@ -134,28 +134,42 @@ std::optional<qint64> pixelCountOf(const QByteArray& data) {
   return TiffHeaders::isTiff(data) ? TiffHeaders(data).area() : std::nullopt;
 }
 
-Ref<Image> decodeMessagePicture(const QByteArray& data, QString& complaint, const WorkGate& gate) {
+std::optional<qint64> admitMessagePicture(const QByteArray& data, QString& complaint,
+                                          const WorkGate& gate) {
   if (data.size() > LargestMessagePicture) {
     complaint = u"larger than %1 MiB"_s.arg(LargestMessagePicture >> 20);
-    return nullptr;
+    return std::nullopt;
   }
   const std::optional<qint64> pixels = pixelCountOf(data);
   if (!pixels) {
     complaint = u"must be TIFF or PNG data"_s;
-    return nullptr;
+    return std::nullopt;
   }
   if (*pixels > MostDecodedPixels) {
     complaint = u"more than %1 million pixels"_s.arg(MostDecodedPixels / 1'000'000);
-    return nullptr;
+    return std::nullopt;
   }
   admitWork(gate, *pixels);
+  return pixels;
+}
+
+Ref<Image> decodeAdmittedPicture(const QByteArray& data) {
   const SilencedStandardError silence;
   const Ref<Image> image = Image::initWithData(data);
-  if (!image || image->size().isEmpty() || !isWhole(*image)) {
-    complaint = u"the picture cannot be decoded"_s;
+  return image && !image->size().isEmpty() && isWhole(*image) ? image : nullptr;
+}
+
+Ref<Image> decodeMessagePicture(const QByteArray& data, QString& complaint, const WorkGate& gate) {
+  if (!admitMessagePicture(data, complaint, gate))
     return nullptr;
-  }
+  const Ref<Image> image = decodeAdmittedPicture(data);
+  if (!image)
+    complaint = damagedPicture();
   return image;
+}
+
+QString damagedPicture() {
+  return u"the picture cannot be decoded"_s;
 }
 
 qint64 pixelCountOf(const Ref<Image>& image) {

@@ -242,6 +242,20 @@ bool checkContents(const ZQTickerSign& sign) {
          (styled ? showsText(*styled) : !combo.text().toString().trimmed().isEmpty());
 }
 
+} // namespace
+
+SignError::~SignError() = default;
+
+Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive, const WorkGate& gate) {
+  const Ref<ZQTickerSign> sign = unarchiveSign(archive, gate);
+  checkSign(*sign);
+  return sign;
+}
+
+Ref<ZQTickerSign> unarchiveSign(const QByteArray& archive, const WorkGate& gate) {
+  return unarchive<ZQTickerSign>(archive, Root::Sign, gate);
+}
+
 void checkSign(const ZQTickerSign& sign) {
   checkLength(sign.identifier().value_or(QString()), LongestIdentifier, "the identifier is");
   checkLength(sign.actionString().value_or(QString()), LongestActionString,
@@ -251,14 +265,11 @@ void checkSign(const ZQTickerSign& sign) {
   if (!checkContents(sign))
     throw SignError(u"it has nothing to show"_s);
 }
-} // namespace
-
-SignError::~SignError() = default;
-
-Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive, const WorkGate& gate) {
-  const auto sign = unarchive<ZQTickerSign>(archive, Root::Sign, gate);
-  checkSign(*sign);
-  return sign;
+Ref<Image> pictureOf(const ZQTickerSign& sign) {
+  if (const auto* picture = dynamic_cast<const ZQImageTickerSign*>(&sign))
+    return picture->image();
+  const auto* combo = dynamic_cast<const ZQComboTickerSign*>(&sign);
+  return combo ? combo->image() : nullptr;
 }
 
 Ref<AttributedString> readArchivedText(const QByteArray& archive, const WorkGate& gate) {

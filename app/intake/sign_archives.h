@@ -16,6 +16,7 @@ class ZQTickerSign;
 
 namespace zq::platform {
 class AttributedString;
+class Image;
 } // namespace zq::platform
 
 namespace zq::app {
@@ -47,6 +48,13 @@ class SignError : public std::runtime_error {
 //
 // Thread: main.
 platform::Ref<ZQTickerSign> readArchivedSign(const QByteArray& archive, const WorkGate& gate = {});
+
+// The first part of it: what is left is to check the sign, for which its picture is decoded.
+platform::Ref<ZQTickerSign> unarchiveSign(const QByteArray& archive, const WorkGate& gate = {});
+// The second part. Raises SignError.
+void checkSign(const ZQTickerSign& sign);
+// The picture of an image or combo sign; null for none.
+platform::Ref<platform::Image> pictureOf(const ZQTickerSign& sign);
 
 // The attributed string that is the root of `archive`. Raises the same.
 platform::Ref<platform::AttributedString> readArchivedText(const QByteArray& archive,

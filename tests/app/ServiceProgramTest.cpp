@@ -30,8 +30,8 @@ namespace {
 // Has enough after every second sign, for one try.
 class BusyReceiver : public FakeReceiver {
  public:
-  QString displaySign(const QByteArray& archive, const QVariantMap& origin,
-                      const BusSender& sender) override {
+  ArrivingSign displaySign(const QByteArray& archive, const QVariantMap& origin,
+                           const BusSender& sender) override {
     if (++tryCount % 3 == 0)
       throw BusFailure(BusFailure::Kind::TooMuch, u"too much"_s);
     return FakeReceiver::displaySign(archive, origin, sender);

@@ -32,8 +32,8 @@ class DisplayReceiver : public FakeReceiver {
                  },
                  [] { return 0.0; }}) {}
 
-  QString displaySign(const QByteArray& archive, const QVariantMap& origin,
-                      const BusSender& sender) override {
+  ArrivingSign displaySign(const QByteArray& archive, const QVariantMap& origin,
+                           const BusSender& sender) override {
     return intake_.takeSign(archive, origin, sender.name);
   }
 

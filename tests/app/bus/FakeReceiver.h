@@ -35,18 +35,23 @@ class FakeReceiver : public TickerReceiver {
   int quitCount = 0;
   std::function<void()> beforeMessage = [] {};
 
-  QString displayMessage(const QVariantMap& message, const BusSender& sender) override {
-    beforeMessage();
-    messages.push_back({message, {}, sender});
-    return message.value(QStringLiteral("identifier")).toString();
+  std::function<void()> decode; // of messages
+
+  ArrivingSign displayMessage(const QVariantMap& message, const BusSender& sender) override {
+    return {decode, [this, message, sender] {
+              beforeMessage();
+              messages.push_back({message, {}, sender});
+              return message.value(QStringLiteral("identifier")).toString();
+            }};
   }
-  void displayNotification(const QVariantMap& message, const BusSender& sender) override {
+  ArrivingSign displayNotification(const QVariantMap& message, const BusSender& sender) override {
     notifications.push_back({message, {}, sender});
+    return {};
   }
-  QString displaySign(const QByteArray& archive, const QVariantMap& origin,
-                      const BusSender& sender) override {
+  ArrivingSign displaySign(const QByteArray& archive, const QVariantMap& origin,
+                           const BusSender& sender) override {
     signs.push_back({origin, archive, sender});
-    return QStringLiteral("made");
+    return {nullptr, [] { return QStringLiteral("made"); }};
   }
   bool removeSign(const QString& identifier, const BusSender&) override {
     removed.append(identifier);

@@ -16,6 +16,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
+#include <future>
 #include <stdexcept>
 #include <thread>
 
@@ -296,6 +299,85 @@ TEST_F(BusTicker, KeepsTheEventLoopGoingWhileManyMessagesWait) {
     service_->setReceiver(&receiver_);
   EXPECT_TRUE(waitUntil([&] { return receiver_.messages.size() == Count; }));
   EXPECT_GT(turns, 50);
+}
+
+TEST_F(BusTicker, KeepsTheEventLoopGoingAndTheOrderWhileAnotherThreadDecodes) {
+  std::promise<void> decoded;
+  receiver_.decode = [done = decoded.get_future().share()] { done.wait(); };
+  std::optional<BusReply> shown;
+  client_->displayMessage({{u"identifier"_s, u"picture"_s}},
+                          [&](const BusReply& one) { shown = one; });
+  const QDBusPendingCall removal =
+      connection().asyncCall(tickerCall(u"RemoveSign"_s, {u"there"_s}));
+  // Both have been read when there is an answer; the loop goes on.
+  send(tickerCall(u"Get"_s, {QString(TickerInterface), u"Version"_s}, Properties));
+  int turns = 0;
+  QTimer loop;
+  QObject::connect(&loop, &QTimer::timeout, [&] { ++turns; });
+  loop.start(0);
+  EXPECT_TRUE(waitUntil([&] { return turns > 50; }));
+  EXPECT_FALSE(shown);
+  EXPECT_TRUE(receiver_.messages.empty());
+  decoded.set_value();
+  ASSERT_TRUE(waitUntil([&] { return shown && removal.isFinished(); }));
+  EXPECT_TRUE(shown->ok);
+  EXPECT_EQ(shown->identifier, u"picture"_s);
+  EXPECT_EQ(receiver_.messages.size(), 1u);
+  EXPECT_EQ(receiver_.removed, QStringList{u"there"_s});
+}
+
+TEST_F(BusTicker, AsksForNothingElseWhileAnotherThreadDecodes) {
+  std::promise<void> decoded;
+  receiver_.decode = [done = decoded.get_future().share()] { done.wait(); };
+  std::thread::id shownBy;
+  receiver_.beforeMessage = [&] {
+    shownBy = std::this_thread::get_id();
+    EXPECT_TRUE(receiver_.removed.empty());
+  };
+  // The same sender: its requests are read in their order.
+  connection().asyncCall(tickerCall(u"DisplayMessage"_s, {QVariantMap{}}));
+  connection().asyncCall(tickerCall(u"RemoveSign"_s, {u"there"_s}));
+  send(tickerCall(u"Get"_s, {QString(TickerInterface), u"Version"_s}, Properties));
+  decoded.set_value();
+  EXPECT_TRUE(waitUntil([&] { return receiver_.removed.size() == 1; }));
+  EXPECT_EQ(shownBy, std::this_thread::get_id());
+}
+
+TEST_F(BusTicker, RefusesASignWhoseReceiverGoesWhileAnotherThreadDecodes) {
+  std::promise<void> begun;
+  std::promise<void> decoded;
+  receiver_.decode = [&, done = decoded.get_future().share()] {
+    begun.set_value();
+    done.wait();
+  };
+  const QDBusPendingCall call =
+      connection().asyncCall(tickerCall(u"DisplayMessage"_s, {QVariantMap{}}));
+  const std::future<void> hasBegun = begun.get_future();
+  ASSERT_TRUE(waitUntil(
+      [&] { return hasBegun.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+  service_->setReceiver(nullptr);
+  ASSERT_TRUE(waitUntil([&] { return call.isFinished(); }));
+  EXPECT_EQ(call.reply().errorMessage(), u"the ticker ends"_s);
+  receiver_.decode = nullptr;
+  service_->setReceiver(&receiver_);
+  decoded.set_value();
+  EXPECT_TRUE(display({{u"text"_s, u"next"_s}}).ok);
+  EXPECT_EQ(receiver_.messages.size(), 1u);
+}
+
+TEST_F(BusTicker, EndsWhileAnotherThreadDecodes) {
+  std::promise<void> begun;
+  std::atomic<bool> isDecoded = false;
+  receiver_.decode = [&] {
+    begun.set_value();
+    isDecoded = true;
+  };
+  connection().asyncCall(tickerCall(u"DisplayMessage"_s, {QVariantMap{}}));
+  const std::future<void> hasBegun = begun.get_future();
+  ASSERT_TRUE(waitUntil(
+      [&] { return hasBegun.wait_for(std::chrono::seconds(0)) == std::future_status::ready; }));
+  service_.reset();
+  EXPECT_TRUE(isDecoded) << "the thread is waited for";
 }
 
 TEST_F(BusTicker, GoesOnReadingAfterMuchHasWaited) {

@@ -2,7 +2,10 @@
 
 #include "app/intake/MessageIntake.h"
 #include "tests/support/LogWatch.h"
+#include "zqticker/platform/graphics/ImageRepresentation.h"
 #include "zqticker/signs/message_keys.h"
+
+#include <thread>
 
 using namespace Qt::StringLiterals;
 using namespace zq::app;
@@ -33,8 +36,17 @@ class MessageIntakeTest : public ::testing::Test {
     return host;
   }
 
+  // What comes in is decoded and shown at once.
+  QString takeMessage(const QVariantMap& dictionary, const QString& connection) {
+    return intake_.takeMessage(dictionary, connection).show();
+  }
+  QString takeSign(const QByteArray& archive, const QVariantMap& origin,
+                   const QString& connection) {
+    return intake_.takeSign(archive, origin, connection).show();
+  }
+
   QString limitOf(const QVariantMap& dictionary, const QString& connection = Connection) {
-    return errorOf<LimitError>([&] { intake_.takeMessage(dictionary, connection); });
+    return errorOf<LimitError>([&] { takeMessage(dictionary, connection); });
   }
 
   static QVariantMap textFrom(const QString& sender, const QString& identifier = QString()) {
@@ -50,8 +62,8 @@ constexpr int Burst = int(OneSender.messages.burst);
 } // namespace
 
 TEST_F(MessageIntakeTest, ShowsAMessageAndReturnsItsIdentifier) {
-  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s, u"headline"_s), Connection), u"headline"_s);
-  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s), Connection), u"made"_s);
+  EXPECT_EQ(takeMessage(textFrom(u"news"_s, u"headline"_s), Connection), u"headline"_s);
+  EXPECT_EQ(takeMessage(textFrom(u"news"_s), Connection), u"made"_s);
   ASSERT_EQ(shown_.size(), 2u);
   EXPECT_EQ(shown_[0].sign->description(), u"Hello"_s);
   EXPECT_EQ(shown_[0].origin.senderIdentifier, u"news"_s);
@@ -62,28 +74,28 @@ TEST_F(MessageIntakeTest, ShowsASignByCopyWithItsOrigin) {
   const auto sign = ZQComboTickerSign::make(u"Hello"_s, Image::fromQImage(solid(16, 12)));
   sign->setIdentifier(u"headline"_s);
   const QVariantMap origin{{u"senderID"_s, u"news"_s}, {u"priority"_s, 3}, {u"arranged"_s, true}};
-  EXPECT_EQ(intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), origin, Connection), u"headline"_s);
+  EXPECT_EQ(takeSign(archived(Ref<ZQTickerSign>(sign)), origin, Connection), u"headline"_s);
   ASSERT_EQ(shown_.size(), 1u);
   EXPECT_EQ(shown_[0].sign->className(), u"ZQComboTickerSign"_s);
   EXPECT_EQ(shown_[0].origin.priority, 3);
   EXPECT_EQ(shown_[0].order, MessageIntake::Order::Arranged);
-  intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection);
+  takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection);
   EXPECT_EQ(shown_[1].order, MessageIntake::Order::Free);
 }
 
 TEST_F(MessageIntakeTest, TakesAnEmptyIdentifierForNone) {
   const auto sign = ZQComboTickerSign::make(u"Hello"_s, nullptr);
   sign->setIdentifier(u""_s);
-  EXPECT_EQ(intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection), u"made"_s);
-  EXPECT_EQ(intake_.takeMessage(textFrom(u"news"_s, u""_s), Connection), u"made"_s);
+  EXPECT_EQ(takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection), u"made"_s);
+  EXPECT_EQ(takeMessage(textFrom(u"news"_s, u""_s), Connection), u"made"_s);
 }
 
 TEST_F(MessageIntakeTest, ShowsNothingOfWhatItRefuses) {
-  EXPECT_THROW(intake_.takeMessage({{u"text"_s, 1}}, Connection), MessageError);
-  EXPECT_THROW(intake_.takeSign("no archive", {}, Connection), SignError);
+  EXPECT_THROW(takeMessage({{u"text"_s, 1}}, Connection), MessageError);
+  EXPECT_THROW(takeSign("no archive", {}, Connection), SignError);
   const QByteArray sign = archived(Ref<ZQTickerSign>(ZQTextTickerSign::make(u"Hello"_s)));
-  EXPECT_THROW(intake_.takeSign(sign, {{u"priority"_s, u"high"_s}}, Connection), MessageError);
-  EXPECT_THROW(intake_.takeSign(sign, {{u"arranged"_s, u"yes"_s}}, Connection), MessageError);
+  EXPECT_THROW(takeSign(sign, {{u"priority"_s, u"high"_s}}, Connection), MessageError);
+  EXPECT_THROW(takeSign(sign, {{u"arranged"_s, u"yes"_s}}, Connection), MessageError);
   EXPECT_TRUE(shown_.empty());
 }
 
@@ -113,9 +125,8 @@ TEST_F(MessageIntakeTest, RefusesAMessageOfMoreThanTheLargestSize) {
   QVariantMap unknown = textFrom(u"news"_s);
   unknown.insert(u"else"_s, QByteArray(50 << 20, 'x'));
   EXPECT_EQ(limitOf(unknown), u"a message of more than 20 MiB"_s);
-  EXPECT_THROW(
-      intake_.takeSign(QByteArray(21 << 20, 'x'), {{u"senderID"_s, u"news"_s}}, Connection),
-      LimitError);
+  EXPECT_THROW(takeSign(QByteArray(21 << 20, 'x'), {{u"senderID"_s, u"news"_s}}, Connection),
+               LimitError);
   EXPECT_TRUE(shown_.empty());
 }
 
@@ -132,12 +143,11 @@ TEST_F(MessageIntakeTest, LimitsTheShareOfOneSenderInTheQueue) {
       << "a sign that takes over from another one needs no further place";
   const auto sign = ZQTextTickerSign::make(u"Hello"_s);
   EXPECT_THROW(
-      intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
+      takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
       LimitError);
   sign->setIdentifier(u"7"_s);
-  EXPECT_EQ(
-      intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
-      u"7"_s);
+  EXPECT_EQ(takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"senderID"_s, u"news"_s}}, Connection),
+            u"7"_s);
   EXPECT_EQ(limitOf(textFrom(u"weather"_s)), QString()) << "others have their own share";
   shown_.erase(shown_.begin(), shown_.begin() + 10);
   EXPECT_EQ(limitOf(textFrom(u"news"_s)), QString()) << "signs that are gone leave their places";
@@ -181,15 +191,69 @@ TEST_F(MessageIntakeTest, LimitsWhatOneSenderLetsItDecode) {
   time_ += 9;
   const auto sign =
       archived(Ref<ZQTickerSign>(ZQImageTickerSign::make(Image::fromQImage(solid(4000, 4000)))));
-  const auto takeSign = [&] { intake_.takeSign(sign, {{u"senderID"_s, u"news"_s}}, Connection); };
+  const auto take = [&] { takeSign(sign, {{u"senderID"_s, u"news"_s}}, Connection); };
   QString refused;
   int taken = 0;
   for (; refused.isEmpty() && taken < 10; ++taken) {
-    refused = errorOf<LimitError>(takeSign);
+    refused = errorOf<LimitError>(take);
     shown_.clear();
   }
   EXPECT_EQ(refused, complaint) << "signs are counted like messages";
   EXPECT_EQ(taken, 4);
+}
+
+TEST_F(MessageIntakeTest, ShowsAPictureOfAMessageThatAnotherThreadDecodes) {
+  const ArrivingSign arriving = intake_.takeMessage(
+      {{u"image"_s, png(1000, 400)}, {u"identifier"_s, u"large"_s}}, Connection);
+  EXPECT_TRUE(shown_.empty());
+  ASSERT_TRUE(arriving.decode);
+  std::thread(arriving.decode).join();
+  EXPECT_TRUE(shown_.empty()) << "decoding shows nothing";
+  EXPECT_EQ(arriving.show(), u"large"_s);
+  ASSERT_EQ(shown_.size(), 1u);
+  const auto sign = std::dynamic_pointer_cast<ZQImageTickerSign>(shown_[0].sign);
+  ASSERT_TRUE(sign);
+  EXPECT_EQ(sign->image()->representations().front()->bitmap(), solid(1000, 400));
+}
+
+TEST_F(MessageIntakeTest, ShowsASignWhosePictureAnotherThreadDecodes) {
+  const auto sign = ZQComboTickerSign::make(u"Hello"_s, Image::fromQImage(solid(2000, 1000)));
+  const ArrivingSign arriving =
+      intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {{u"arranged"_s, true}}, Connection);
+  ASSERT_TRUE(arriving.decode);
+  std::thread(arriving.decode).join();
+  EXPECT_EQ(arriving.show(), u"made"_s);
+  ASSERT_EQ(shown_.size(), 1u);
+  EXPECT_EQ(shown_[0].order, MessageIntake::Order::Arranged);
+  const auto arrived = std::dynamic_pointer_cast<ZQComboTickerSign>(shown_[0].sign);
+  ASSERT_TRUE(arrived);
+  EXPECT_EQ(arrived->image()->representations().front()->bitmap(), solid(2000, 1000));
+}
+
+TEST_F(MessageIntakeTest, LeavesNothingToDecodeOfTextsAndSmallPictures) {
+  EXPECT_FALSE(intake_.takeMessage(textFrom(u"news"_s), Connection).decode);
+  EXPECT_FALSE(intake_.takeMessage({{u"image"_s, png(300, 400)}}, Connection).decode);
+  const auto sign = ZQImageTickerSign::make(Image::fromQImage(solid(300, 400)));
+  EXPECT_FALSE(intake_.takeSign(archived(Ref<ZQTickerSign>(sign)), {}, Connection).decode);
+}
+
+TEST_F(MessageIntakeTest, RefusesADamagedPictureWhenItIsShown) {
+  QByteArray damaged = png(1000, 400);
+  damaged[damaged.size() / 2] = char(damaged[damaged.size() / 2] ^ 0x55);
+  const ArrivingSign arriving = intake_.takeMessage({{u"image"_s, damaged}}, Connection);
+  ASSERT_TRUE(arriving.decode);
+  std::thread(arriving.decode).join();
+  EXPECT_EQ(errorOf<MessageError>(arriving.show), u"image: the picture cannot be decoded"_s);
+  EXPECT_TRUE(shown_.empty());
+}
+
+TEST_F(MessageIntakeTest, RefusesTooMuchDecodingBeforeAnyThreadBegins) {
+  QVariantMap picture = textFrom(u"news"_s, u"one"_s);
+  picture.insert(u"image"_s, png(4000, 4000));
+  for (int i = 0; i < 3; ++i)
+    EXPECT_TRUE(intake_.takeMessage(picture, Connection).decode);
+  expectLog(u"messages refused from news: more than 8 million pixels a second to decode"_s);
+  EXPECT_THROW(intake_.takeMessage(picture, Connection), LimitError);
 }
 
 TEST_F(MessageIntakeTest, CountsCallsThatShowNothing) {

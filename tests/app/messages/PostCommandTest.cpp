@@ -21,9 +21,10 @@ namespace {
 // A ticker whose signs are kept in place of a display.
 class KeepingReceiver : public FakeReceiver {
  public:
-  QString displayMessage(const QVariantMap& message, const BusSender& sender) override {
+  ArrivingSign displayMessage(const QVariantMap& message, const BusSender& sender) override {
     messages.push_back({message, {}, sender});
-    return withBusFailures([&] { return intake_.takeMessage(message, sender.name); });
+    return withBusFailures(
+        [&] { return shownWithBusFailures(intake_.takeMessage(message, sender.name)); });
   }
   std::vector<DisplayMessage> shown;
 
