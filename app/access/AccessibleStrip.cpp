@@ -5,7 +5,6 @@
 #include "app/display/StripWidget.h"
 #include "app/interaction/SignOpener.h"
 #include "app/interaction/sign_spots.h"
-#include "zqticker/signs/ZQTickerSign.h"
 
 #include <QtCore/QStringList>
 
@@ -28,9 +27,9 @@ QAccessibleInterface* makeInterface(const QString& className, QObject* object) {
 // What a click on the sign asks for; nothing where it opens nothing.
 std::optional<ActionRequest> actionAt(const StripVoice& voice, std::uint64_t run) {
   const std::optional<SignSpot> spot = spotOfRun(voice.display(), run);
-  if (!spot || !spot->item().sign())
+  if (!spot)
     return std::nullopt;
-  ActionRequest request = actionOf(*spot->item().sign(), spot->item().origin().actionData);
+  ActionRequest request = actionOf(spot->item());
   return SignOpener::opensSomething(request) ? std::optional(std::move(request)) : std::nullopt;
 }
 } // namespace

@@ -13,6 +13,9 @@ class FocusRing : public QWidget {
   Q_OBJECT
 
  public:
+  // Of both lines, in points.
+  static constexpr int Breadth = 2;
+
   explicit FocusRing(QWidget* parent);
   ~FocusRing() override;
 

@@ -74,7 +74,9 @@ void StripVoice::look() {
 }
 
 void StripVoice::tell() {
-  QAccessibleInterface* sign = signOf(std::exchange(next_, 0));
+  const std::uint64_t run = std::exchange(next_, 0);
+  // It may have been erased meanwhile.
+  QAccessibleInterface* sign = textOf(run).isEmpty() ? nullptr : signOf(run);
   if (!sign)
     return;
   QAccessibleEvent shown(sign, QAccessible::ObjectShow);

@@ -17,6 +17,7 @@
 
 #include <QtCore/QCoreApplication>
 #include <QtCore/QTemporaryDir>
+#include <QtGui/QAction>
 
 #include <cmath>
 #include <unistd.h>
@@ -81,6 +82,8 @@ int runCommand(const QStringList& arguments) {
     ticker.add(options.strip, QDBusUnixFileDescriptor(STDIN_FILENO));
   ticker.follow(settings);
   ticker.heed(wishes);
+  // Nobody could bring another one back.
+  ticker.widget().menu().hideStrip().setVisible(claim == RunClaim::IsTicker);
   // Somebody who starts a ticker without anything to show wants to see that it is there.
   if (claim == RunClaim::IsTicker && options.opensWindow && !options.showsAnything())
     ticker.showQueue();

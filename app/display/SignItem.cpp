@@ -101,13 +101,20 @@ void SignItem::makeSign() {
 }
 
 double SignItem::place() {
+  if (isBlank_)
+    return 0;
   placement_ = placeSign(*sign_, display_.shape());
   return placement_.lengthWithGap();
 }
 
+void SignItem::blank() {
+  isBlank_ = true;
+  placement_ = {};
+}
+
 bool SignItem::changeText(const QString& text) {
   const auto textSign = std::dynamic_pointer_cast<ZQTextTickerSign>(sign_);
-  if (!textSign || isLine_)
+  if (!textSign || isLine_ || isBlank_)
     return false;
   textSign->setText(display_.styledText(text));
   knownStyles_ = display_.styleChanges().count();
@@ -150,6 +157,8 @@ const SignOrigin& SignItem::origin() const {
 }
 
 QString SignItem::text() const {
+  if (isBlank_)
+    return QString();
   if (isLine_)
     return line_;
   if (const auto* combo = dynamic_cast<const ZQComboTickerSign*>(sign_.get())) {

@@ -45,6 +45,10 @@ class SignItem : public StripItem {
   // another sign and for a line.
   bool changeText(const QString& text);
 
+  // Lets the sign show and say nothing from now on, wherever it is.
+  void blank();
+  bool isBlank() const override { return isBlank_; }
+
   // Lets the sign's text follow the defaults of the display, where they have changed.
   void followStyle();
 
@@ -52,7 +56,7 @@ class SignItem : public StripItem {
   const platform::Ref<ZQTickerSign>& sign() const { return sign_; }
   const SignPlacement& placement() const { return placement_; }
   const SignOrigin& origin() const;
-  // The line, or what the sign says; empty where it says nothing.
+  // The line, or what the sign says; empty where it says nothing, and for a blank one.
   QString text() const;
 
  private:
@@ -66,6 +70,7 @@ class SignItem : public StripItem {
   LoopRule lineRule_;
   std::shared_ptr<const LineSource> lineSource_; // null for none
   bool isLine_ = false;
+  bool isBlank_ = false;
   SignPlacement placement_;
   std::optional<bool> isPrepared_; // nothing before it is looked at
   std::uint64_t knownStyles_;      // the style changes that the text has taken on

@@ -283,8 +283,9 @@ bool Strip::stepForward(double time) {
   const double near =
       here + (motion_.isGlidingAt(now_) ? ShortestStep
                                         : std::max(motion_.speed() * StepSeconds, ShortestStep));
-  const auto next = std::find_if(runs().begin(), runs().end(),
-                                 [&](const Run& run) { return run.start + extent_ >= near; });
+  const auto next = std::find_if(runs().begin(), runs().end(), [&](const Run& run) {
+    return run.start + extent_ >= near && !run.item().isBlank();
+  });
   const double goal = (next != runs().end() ? next->start : runs_.lastEnd()) + extent_;
   if (goal < near)
     return false;
@@ -302,9 +303,15 @@ bool Strip::stepBack(double time) {
   std::size_t onStrip = runs_.size();
   while (onStrip > 0 && runs_[onStrip - 1].start + extent_ > here + Touching)
     --onStrip;
+  const auto skipBlank = [&] {
+    while (onStrip > 0 && runs_[onStrip - 1].item().isBlank())
+      --onStrip;
+  };
+  skipBlank();
   bool isBefore = false; // whether the run before the one that is leaving is looked for
   if (onStrip > 0 && here - (runs_[onStrip - 1].start + extent_) < recent) {
     --onStrip;
+    skipBlank();
     isBefore = true;
   }
   if (onStrip == 0 && !past_.isEmpty()) {

@@ -35,7 +35,8 @@ namespace zq::app {
 // in the new direction.
 //
 // Steps forward and back move everything together, as far as it takes to bring the start of the
-// next or of the one before to the edge at which runs leave. Runs that have left are kept for that:
+// next or of the one before to the edge at which runs leave; those of blank items are passed over,
+// also by pages. Runs that have left are kept for that:
 // the last MostPast of them, as many as together cost no more than MostPastCost in the queue, those
 // that were withdrawn excepted; and none from before the last remeasure.
 //

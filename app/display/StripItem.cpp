@@ -12,6 +12,10 @@ bool StripItem::isReady() {
   return true;
 }
 
+bool StripItem::isBlank() const {
+  return false;
+}
+
 void StripItem::setQueued(bool) {}
 
 } // namespace zq::app

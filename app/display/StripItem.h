@@ -39,6 +39,8 @@ class StripItem {
   virtual void leave() = 0;
   // Read when the item is about to enter.
   virtual LoopRule loopRule() const = 0;
+  // Whether nothing of it is to be seen, so that nobody needs to go to it. It is not by default.
+  virtual bool isBlank() const;
   // The item is queued from now on, or no longer: it waits or is on the strip. Nothing by default.
   virtual void setQueued(bool isQueued);
 };

@@ -96,7 +96,7 @@ void StripRuns::updateShown(const StripQueue::EntryRef& entry) {
 
 double StripRuns::pageAfter(double travel, double extent) const {
   for (const StripRun& run : runs_) {
-    if (run.shownEnd() <= travel + Touching)
+    if (run.shownEnd() <= travel + Touching || run.item().isBlank())
       continue;
     if (run.start > travel - extent + Touching)
       return run.start + extent;

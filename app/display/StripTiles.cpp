@@ -41,6 +41,8 @@ void StripTiles::clear() {
 }
 
 void StripTiles::forget(std::uint64_t runNumber) {
+  if (coming_.run == runNumber)
+    coming_ = {};
   std::erase_if(tiles_, [=](const Tile& tile) { return tile.run == runNumber; });
 }
 

@@ -31,6 +31,12 @@ const SignItem& itemOf(const Strip::Run& run) {
   return static_cast<const SignItem&>(run.item());
 }
 
+// Empty for none.
+QString identifierOf(const Strip::Entry& entry) {
+  const Ref<ZQTickerSign>& sign = static_cast<const SignItem&>(*entry->item).sign();
+  return sign ? sign->identifier().value_or(QString()) : QString();
+}
+
 const SignOrigin& originOf(const Strip::Entry& entry) {
   return static_cast<const SignItem&>(*entry->item).origin();
 }
@@ -303,6 +309,36 @@ bool TickerDisplay::removeEntry(const Entry& entry, double time) {
   return true;
 }
 
+bool TickerDisplay::eraseEntry(const Entry& entry, double time) {
+  catchUp(time);
+  if (!entry->isWaiting() && entry->onStrip == 0)
+    return false;
+  const QString identifier = identifierOf(entry);
+  std::vector<Entry> erased{entry};
+  if (!identifier.isEmpty()) {
+    // What has replaced it, and what it has replaced.
+    if (const Entry waiting = waitingEntry(identifier))
+      erased.push_back(waiting);
+    for (const Strip::Run& run : strip_.runs())
+      if (identifierOf(run.entry) == identifier)
+        erased.push_back(run.entry);
+  }
+  for (const Entry& each : erased)
+    erase(each);
+  ++textRevision_;
+  frameIsStale_ = true;
+  return true;
+}
+
+void TickerDisplay::erase(const Entry& entry) {
+  forget(entry);
+  strip_.withdraw(entry);
+  static_cast<SignItem&>(*entry->item).blank();
+  for (const Strip::Run& run : strip_.runs())
+    if (run.entry == entry)
+      tiles_.forget(run.number);
+}
+
 bool TickerDisplay::moveEntry(const Entry& entry, const Entry& before, double time) {
   catchUp(time);
   return strip_.queue().move(entry, before);
@@ -314,6 +350,8 @@ std::vector<QueuedSign> TickerDisplay::queuedSigns(double time) {
   signs.reserve(strip_.runs().size() + strip_.queue().size());
   const auto add = [&](const Entry& entry) {
     auto& item = static_cast<SignItem&>(*entry->item);
+    if (item.isBlank())
+      return;
     item.followStyle();
     signs.push_back({entry, item.sign(), item.text(), item.origin(), loopsLeft(*entry),
                      entry->onStrip > 0, entry->isWaiting()});

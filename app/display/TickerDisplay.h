@@ -151,6 +151,10 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
 
   // The same for an entry: of addSign, or of a row of queuedSigns. False where it does not wait.
   bool removeEntry(const Entry& entry, double time);
+  // Takes a sign out at once: it waits no more, and what is on the strip of it, or of others with
+  // its identifier, is empty room from now on, which leaves as the sign would have. Nothing else
+  // moves. False where there is nothing of it any more.
+  bool eraseEntry(const Entry& entry, double time);
   // As replaceSign, but the identifier may be another one, and the origin stays.
   Entry replaceEntry(const Entry& entry, platform::Ref<ZQTickerSign> sign, double time);
   // Puts an entry that waits directly before another one in the order of showing, whatever their
@@ -239,6 +243,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   Entry waitingEntry(const QString& identifier) const;
   void remember(const ZQTickerSign& sign, const Entry& entry);
   void forget(const Entry& entry);
+  void erase(const Entry& entry);
   Entry replaceWaiting(const Entry& entry, platform::Ref<ZQTickerSign> sign, SignOrigin origin);
   void countSign(const QString& sender, bool isQueued);
   const platform::Attributes& attributesFor(const LineSource* source) const;
@@ -270,7 +275,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   // Entries that wait or are on the strip, and some that have gone.
   QHash<QString, std::weak_ptr<StripQueue::Entry>> named_;
   qsizetype mostNamed_ = 64;       // more are looked through for those that have gone
-  std::uint64_t textRevision_ = 0; // texts changed in their places
+  std::uint64_t textRevision_ = 0; // texts changed or erased in their places
   StripTiles tiles_;
   StripFrame frame_;
   qint64 frameOffset_ = 0;

@@ -10,9 +10,8 @@ namespace zq::app {
 
 namespace {
 // Points.
-constexpr int LineBreadth = 2;
 constexpr int GroundBreadth = 1;
-constexpr int Breadth = LineBreadth + GroundBreadth;
+constexpr int LineBreadth = SignMark::Breadth - GroundBreadth;
 // Of a line that is to be seen.
 constexpr double LeastContrast = 3;
 

@@ -19,6 +19,9 @@ class SignMark : public QWidget {
     Outline,   // around it
   };
 
+  // Of its line, the one besides it included, in points.
+  static constexpr int Breadth = 3;
+
   SignMark(Kind kind, QWidget* strip);
   ~SignMark() override;
 

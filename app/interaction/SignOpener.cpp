@@ -2,6 +2,7 @@
 
 #include "app/commands/failures.h"
 #include "app/display/SignAction.h"
+#include "app/display/SignItem.h"
 #include "app/interaction/sign_locations.h"
 #include "zqticker/signs/ZQTickerSign.h"
 
@@ -22,6 +23,10 @@ void tell(const QString& line) {
 
 ActionRequest actionOf(const ZQTickerSign& sign, const QVariant& data) {
   return {sign.actionType(), sign.actionString().value_or(QString()), data};
+}
+
+ActionRequest actionOf(const SignItem& item) {
+  return item.sign() ? actionOf(*item.sign(), item.origin().actionData) : ActionRequest();
 }
 
 SignOpener::SignOpener()

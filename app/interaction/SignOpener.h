@@ -12,6 +12,8 @@ class ZQTickerSign;
 
 namespace zq::app {
 
+class SignItem;
+
 // A sign's action, as its sender asked for it.
 struct ActionRequest {
   std::int32_t type = 0; // of SignAction
@@ -20,6 +22,8 @@ struct ActionRequest {
 };
 
 ActionRequest actionOf(const ZQTickerSign& sign, const QVariant& data = {});
+// That of what is on a strip; none for a line of text.
+ActionRequest actionOf(const SignItem& item);
 
 // Performs the actions of signs. Signs come from other programs and from feeds: nothing but an
 // address of locationOf() is opened, and nothing is ever run. What is refused is told in one line

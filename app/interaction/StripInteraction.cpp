@@ -3,7 +3,7 @@
 namespace zq::app {
 
 StripInteraction::StripInteraction(StripWidget& strip, TickerDisplay& display)
-    : pointer_(strip, display, opener_) {}
+    : pointer_(strip, display, opener_), commands_(strip, display, opener_) {}
 
 StripInteraction::~StripInteraction() = default;
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/interaction/SignOpener.h"
+#include "app/interaction/StripCommands.h"
 #include "app/interaction/StripPointer.h"
 
 namespace zq::app {
@@ -17,11 +18,13 @@ class StripInteraction {
   StripInteraction(const StripInteraction&) = delete;
 
   StripPointer& pointer() { return pointer_; }
+  StripCommands& commands() { return commands_; }
   const SignOpener& opener() const { return opener_; }
 
  private:
   SignOpener opener_;
   StripPointer pointer_;
+  StripCommands commands_;
 };
 
 } // namespace zq::app

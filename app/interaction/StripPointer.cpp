@@ -29,12 +29,8 @@ bool isByFinger(const QMouseEvent& event) {
          (event.device() && event.device()->type() == QInputDevice::DeviceType::TouchScreen);
 }
 
-ActionRequest requestOf(const SignItem& item) {
-  return item.sign() ? actionOf(*item.sign(), item.origin().actionData) : ActionRequest();
-}
-
 bool opensSomething(const std::optional<SignSpot>& sign) {
-  return sign && SignOpener::opensSomething(requestOf(sign->item()));
+  return sign && SignOpener::opensSomething(actionOf(sign->item()));
 }
 } // namespace
 
@@ -152,8 +148,13 @@ void StripPointer::press(const QMouseEvent& event) {
   pressed_ = under ? under->entry : nullptr;
   strip_.player().setPaused(StripPlayer::Pause::Hand, true);
   display_.moveBy(0, strip_.time());
-  drag_.emplace(alongStrip(event.position()), display_.strip().travel());
-  drag_->moveTo(alongStrip(event.position()), strip_.time());
+  takeHold(event.position());
+}
+
+void StripPointer::takeHold(QPointF place) {
+  dragDirection_ = display_.direction();
+  drag_.emplace(alongStrip(place), display_.strip().travel());
+  drag_->moveTo(alongStrip(place), strip_.time());
 }
 
 void StripPointer::release(const QMouseEvent& event) {
@@ -177,7 +178,7 @@ void StripPointer::release(const QMouseEvent& event) {
   const auto under = sign();
   const bool isClick = way.manhattanLength() < QApplication::startDragDistance();
   if (isClick && pressed && under && under->entry == pressed)
-    opener_.perform(requestOf(under->item()));
+    opener_.perform(actionOf(under->item()));
 }
 
 void StripPointer::letGo() {
@@ -199,6 +200,9 @@ double StripPointer::alongStrip(QPointF place) const {
 void StripPointer::drag(QPointF place) {
   if (!drag_)
     return;
+  // The strip has turned meanwhile: what was under the hand then stays there.
+  if (display_.direction() != dragDirection_)
+    takeHold(place_.value_or(place));
   const double along = alongStrip(place);
   if (!isDragged_ && std::abs(along - alongStrip(*pressedAt_)) < QApplication::startDragDistance())
     return;
@@ -258,7 +262,7 @@ bool StripPointer::showToolTip(const QHelpEvent& event) {
       isOnControl(event.pos()) ? std::nullopt : signAt(display_, QPointF(event.pos()));
   if (!opensSomething(under))
     return false;
-  const QUrl url = locationOf(requestOf(under->item()).string).url;
+  const QUrl url = locationOf(actionOf(under->item()).string).url;
   // Escaped, so that nothing in it is taken for a mark-up.
   QToolTip::showText(event.globalPos(), shortenedLocation(url).toHtmlEscaped(), &strip_,
                      under->area.toAlignedRect());

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/controls/RestingPointer.h"
+#include "app/display/ScrollDirection.h"
 #include "app/interaction/SignMark.h"
 #include "app/interaction/StripDrag.h"
 #include "app/interaction/sign_spots.h"
@@ -54,6 +55,7 @@ class StripPointer : public QObject {
   void moveTo(QPointF place);
   void leave();
   void turn(const QWheelEvent& event);
+  void takeHold(QPointF place);
   void drag(QPointF place);
   double alongStrip(QPointF place) const;
   void letGo();
@@ -75,6 +77,7 @@ class StripPointer : public QObject {
   std::optional<QPointF> pressedAt_;
   Strip::Entry pressed_;          // the sign there
   std::optional<StripDrag> drag_; // while the button is down
+  ScrollDirection dragDirection_ = ScrollDirection::Left;
   bool isDragged_ = false;
 };
 

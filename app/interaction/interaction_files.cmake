@@ -1,9 +1,13 @@
 # The strip under pointer, finger and keyboard.
 set(interaction_SOURCES
+    interaction/MeantSign.cpp
+    interaction/MeantSign.h
     interaction/SignMark.cpp
     interaction/SignMark.h
     interaction/SignOpener.cpp
     interaction/SignOpener.h
+    interaction/StripCommands.cpp
+    interaction/StripCommands.h
     interaction/StripDrag.cpp
     interaction/StripDrag.h
     interaction/StripInteraction.cpp

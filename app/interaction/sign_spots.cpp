@@ -6,10 +6,17 @@
 namespace zq::app {
 
 namespace {
+// Points by which what stands at an edge may be beyond it.
+constexpr double Touching = 0.5;
+
 // Nothing where no part of it is in sight.
 std::optional<SignSpot> spotOf(const TickerDisplay& display, const Strip::Run& run) {
   const QRectF seen = areaOf(display, run) & QRectF(QPointF(), display.size());
-  return seen.isEmpty() ? std::nullopt : std::optional(SignSpot{run.entry, run.number, seen});
+  if (seen.isEmpty())
+    return std::nullopt;
+  const Strip& strip = display.strip();
+  const bool isLeaving = strip.travel() - run.start > strip.extent() + Touching;
+  return SignSpot{run.entry, run.number, seen, isLeaving};
 }
 } // namespace
 

@@ -18,6 +18,7 @@ struct SignSpot {
   Strip::Entry entry;
   std::uint64_t run = 0; // its showing
   QRectF area; // the part in sight, as broad as the strip: points from the upper left, y downwards
+  bool isLeaving = false; // its leading edge has left the strip
 
   const SignItem& item() const;
 };

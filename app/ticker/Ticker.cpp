@@ -5,6 +5,7 @@
 #include "app/access/high_contrast.h"
 #include "app/commands/failures.h"
 #include "app/commands/sign_loading.h"
+#include "app/commands/strip_values.h"
 #include "app/controls/ControlBar.h"
 #include "app/controls/ControlBarButton.h"
 #include "app/interaction/StripInteraction.h"
@@ -14,6 +15,7 @@
 #include "app/settings/SettingsStore.h"
 #include "app/settings/SettingsWindow.h"
 #include "app/settings/run_settings.h"
+#include "app/settings/setting_table.h"
 #include "app/ticker/SourceSet.h"
 #include "app/ticker/StripPlace.h"
 #include "app/ticker/window_place.h"
@@ -62,8 +64,8 @@ void setFolder(StripOptions& options, const QString& folder) {
 } // namespace
 
 Ticker::Ticker(const RunOptions& options)
-    : options_(options), screen_(options.screen), display_(FrameClock::now()),
-      updating_([this] { update(); }) {
+    : options_(options), wasHorizontal_(options.strip.isHorizontal()), screen_(options.screen),
+      display_(FrameClock::now()), updating_([this] { update(); }) {
   if (!screen_.screen())
     throw RunTimeError(u"the display has no screen"_s);
   widget_ = std::make_unique<StripWidget>(display_, options.strip.background);
@@ -74,15 +76,48 @@ Ticker::Ticker(const RunOptions& options)
   connect(place_.get(), &StripPlace::changed, this, &Ticker::updateLook);
   connect(widget_.get(), &StripWidget::finished, this, &Ticker::finishWhenDone,
           Qt::QueuedConnection);
-  QAction& queue = widget_->menu().queue();
-  queue.setVisible(true);
-  connect(&queue, &QAction::triggered, this, &Ticker::showQueue);
+  connectMenu();
 }
 
 Ticker::~Ticker() {
   // While all of it is still there: windows that close may change something.
   settingsWindow_.reset();
   queueWindow_.reset();
+}
+
+void Ticker::connectMenu() {
+  StripMenu& menu = widget_->menu();
+  StripCommands& commands = interaction_->commands();
+  commands.setUsualSpeed(options_.strip.speed);
+  connect(&commands, &StripCommands::speedChosen, this, &Ticker::chooseSpeed);
+  connect(&commands, &StripCommands::signRemoved, this, &Ticker::displayChanged);
+  connect(&menu, &StripMenu::directionChosen, this, &Ticker::chooseDirection);
+  connect(&menu.hideStrip(), &QAction::triggered, this, &Ticker::hideStrip);
+  menu.queue().setVisible(true);
+  connect(&menu.queue(), &QAction::triggered, this, &Ticker::showQueue);
+}
+
+void Ticker::chooseSpeed(double pointsPerSecond) {
+  options_.strip.speed = pointsPerSecond;
+  updateLook();
+  keepInSettings(u"speed"_s, textOfNumber(pointsPerSecond));
+}
+
+void Ticker::chooseDirection(ScrollDirection direction) {
+  options_.strip.direction = direction;
+  updateLook();
+  keepInSettings(u"direction"_s, wordOf(direction));
+}
+
+// Where they cannot be written, it stays as the user has chosen for this run.
+void Ticker::keepInSettings(const QString& name, const QString& value) {
+  if (!settings_ || options_.given.contains(name))
+    return;
+  try {
+    settings_->change({{name, {value}}});
+  } catch (const CommandFailure& failure) {
+    printError(failure.message());
+  }
 }
 
 void Ticker::run(const QStringList& arguments, const QString& folder,
@@ -159,6 +194,7 @@ void Ticker::setPaused(bool paused) {
 
 void Ticker::hideStrip() {
   isStripHidden_ = true;
+  widget_->keyboard().giveBack();
   widget_->hide();
 }
 
@@ -188,7 +224,11 @@ bool Ticker::hasWindowOpen() const {
 
 void Ticker::adopt(const Settings& settings) {
   const FeedOptions before = options_.strip.feeds;
+  const double speed = options_.strip.speed;
   adoptSettings(options_, settings);
+  // What the menu has chosen is here already.
+  if (options_.strip.speed != speed)
+    interaction_->commands().setUsualSpeed(options_.strip.speed);
   leaveOutUnknownFont(options_);
   screen_.setName(options_.screen);
   updateLook();
@@ -209,9 +249,16 @@ void Ticker::showFeedsOfSettings() {
   displayChanged();
 }
 
-// The options with the colours that are shown.
+// The options with the sizes and colours that are shown. Those that the command line gave were for
+// the strip as it lay then.
 RunOptions Ticker::shownOptions() const {
   RunOptions options = options_;
+  if (options.strip.isHorizontal() != wasHorizontal_) {
+    if (options.given.contains(u"width"_s))
+      options.strip.width.reset();
+    if (options.given.contains(u"height"_s))
+      options.strip.height.reset();
+  }
   if (!wishes_ || !wishes_->raisesContrast())
     return options;
   StripOptions& strip = options.strip;
@@ -237,6 +284,7 @@ void Ticker::updateLook() {
   widget_->setBackground(options.strip.background);
   place_->take(options, look);
   interaction_->pointer().setPausesAtRest(options_.pausesOnHover);
+  widget_->menu().setDirection(options_.strip.direction);
   updateControlBar();
   displayChanged();
 }

@@ -75,10 +75,14 @@ class Ticker : public QObject {
   // Opens the window of the settings that are followed; nothing happens where there are none.
   void showSettings();
 
+  // The menu's speeds and directions act at once. Where the command line has not said them, they
+  // become those of the settings that are followed. Usual is the speed of the command line, else
+  // that of the settings, whatever the menu has made of it since, else 60.
+
   // As Pause of the menu says.
   void setPaused(bool paused);
-  // Takes the strip off the screen until showStrip(): its clock stands, nothing is lost, and what
-  // comes meanwhile is queued and does not bring it back.
+  // Takes the strip off the screen until showStrip(), and the keyboard from it: its clock stands,
+  // nothing is lost, and what comes meanwhile is queued and does not bring it back.
   void hideStrip();
   // Brings it back where it stood, with what it showed.
   void showStrip();
@@ -113,6 +117,10 @@ class Ticker : public QObject {
 
  private:
   bool hasWindowOpen() const;
+  void connectMenu();
+  void chooseSpeed(double pointsPerSecond);
+  void chooseDirection(ScrollDirection direction);
+  void keepInSettings(const QString& name, const QString& value);
   void runClockOf(const StripOptions& options);
   void adopt(const Settings& settings);
   void updateLook();
@@ -123,6 +131,8 @@ class Ticker : public QObject {
   void finishWhenDone();
 
   RunOptions options_;
+  // What the strip had before the user turned it.
+  const bool wasHorizontal_;
   ChosenScreen screen_;
   TickerDisplay display_;
   OncePerTurn updating_; // what is shown to the display

@@ -4,6 +4,7 @@ set(app_display_SOURCES
     BadSignsTest.cpp
     BlankEstimateTest.cpp
     EdgeFadeTest.cpp
+    ErasedSignsTest.cpp
     FakeBlanks.h
     FrameClockTest.cpp
     FrameCostTest.cpp

@@ -38,15 +38,19 @@ class StripOnScreen : public ::testing::Test {
     ASSERT_TRUE(script.setPermissions(QFile::ReadUser | QFile::WriteUser | QFile::ExeUser));
   }
 
-  // Runs the program, and awaits its strip.
-  void run(const QStringList& arguments) {
+  // That of the program.
+  virtual QProcessEnvironment environment() const {
     QProcessEnvironment environment = server_->environment();
     environment.insert(QStringLiteral("PATH"), QString(folder_.path() + QLatin1Char(':') +
                                                        environment.value(QStringLiteral("PATH"))));
+    return environment;
+  }
+  // Runs the program, and awaits its strip.
+  void run(const QStringList& arguments) {
     program_.emplace(QStringList{QStringLiteral("--continuous"), QStringLiteral("--background"),
                                  QStringLiteral("#123456"), QStringLiteral("--no-control-bar")} +
                          arguments,
-                     environment);
+                     environment());
     ASSERT_TRUE(waitUntil([&] { return isFull(); }));
   }
   // Whether signs have come to the far edge of the strip.

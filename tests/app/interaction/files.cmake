@@ -1,5 +1,7 @@
 set(app_interaction_SOURCES
     SignOpenerTest.cpp
+    StripCommandsTest.cpp
+    StripMenuScreenTest.cpp
     StripMoveTest.cpp
     StripPointerScreenTest.cpp
     StripPointerTest.cpp

@@ -1,1 +1,1 @@
-set(app_ticker_SOURCES StripPlaceTest.cpp TickerTest.cpp)
+set(app_ticker_SOURCES StripPlaceTest.cpp TickerMenuTest.cpp TickerTest.cpp)
