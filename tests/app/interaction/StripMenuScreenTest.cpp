@@ -72,6 +72,11 @@ class StripMenuScreen : public zq::app::testing::StripMenuOnScreen {
     const int blue = columnOf(Blue);
     return red > Outline && (blue <= Outline || red < blue) ? Red : Blue;
   }
+  // Whether red, the first sign, has begun to leave, so that there is something to go back to.
+  bool hasPast() {
+    const int blue = columnOf(Blue);
+    return blue >= 0 && blue < 300;
+  }
   QString clipboard() { return told(u"xsel"_s, {u"--clipboard"_s, u"--output"_s}); }
   bool hasClipboard() const { return XServer::hasProgram(u"xsel"_s); }
   StripMenu like; // the program's
@@ -112,6 +117,7 @@ TEST_F(StripMenuScreen, StandsTheStripUpright) {
 TEST_F(StripMenuScreen, PausesAndSteps) {
   run({u"--image"_s, pictureFile(300, Red, u"red.png"_s), u"--image"_s,
        pictureFile(300, Blue, u"blue.png"_s), u"--speed"_s, u"400"_s});
+  ASSERT_TRUE(waitUntil([&] { return hasPast(); }));
   choose(300, like.pause());
   moveTo(300, 50);
   ASSERT_TRUE(waitUntil([&] { return stands(); }));
@@ -197,6 +203,7 @@ TEST_F(StripMenuScreen, HasKeysForMotion) {
   writeSettings(R"({"speed": 400})");
   run({u"--image"_s, pictureFile(300, Red, u"red.png"_s), u"--image"_s,
        pictureFile(300, Blue, u"blue.png"_s)});
+  ASSERT_TRUE(waitUntil([&] { return hasPast(); }));
   focus();
   press(u"space"_s);
   ASSERT_TRUE(waitUntil([&] { return stands(); }));
