@@ -162,6 +162,7 @@ QString helpText(const OptionTable& table) {
     text += lineOf(usageOf(spec), spec.fullHelp());
   for (const QString& note : table.notes)
     text += u'\n' + wrapped(note, 0) + u'\n';
+  text += listOf(u"Keys:"_s, table.keys);
   text += listOf(u"Environment:"_s, table.environment) + listOf(u"Files:"_s, table.files);
   if (!table.exitStatus.isEmpty())
     text += u'\n' + wrapped(u"Exit status: "_s + table.exitStatus, 0) + u'\n';

@@ -55,6 +55,7 @@ struct OptionTable {
   QString exitStatus{};             // "0, 1 where …, 2 for a wrong command line."
   std::vector<NamedText> environment{}; // variables
   std::vector<NamedText> files{};
+  std::vector<NamedText> keys{}; // of a window
 };
 
 // An option with its values, or an operand: no name, one value.

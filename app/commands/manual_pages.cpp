@@ -84,6 +84,7 @@ QByteArray manualPage(const Command& command) {
   for (const OptionSpec& spec : table.options)
     page.entry(tagOf(spec), spec.fullHelp());
 
+  page.list(u"Keys"_s, table.keys);
   if (!table.notes.isEmpty())
     page.section(u"Notes"_s);
   for (const QString& note : table.notes)

@@ -193,6 +193,12 @@ OptionTable makeRunTable() {
       u"one that is leaving, or, where that has just begun to, of the one before; at most 50 signs "
       u"back, less where they are long lines, and not beyond the last change of the strip's size. "
       u"Its look is \"ControlBarButton.button\", see zqticker appearance --help."_s,
+      u"The menu under the right mouse button has all that the keys do, and the directions. The "
+      u"keys work while the strip has the keyboard, see zqticker focus --help; the sign that they "
+      u"are about has an outline: the one chosen by Tab, else the first one in sight whose start "
+      u"has not left the strip. The menu's sign is the one under the pointer. A speed or direction "
+      u"that is chosen there becomes that of the settings, unless the command line has named "
+      u"one."_s,
       u"A strip at an edge keeps other windows from lying under it where the window manager can do "
       u"that, and stands beside panels and other strips that were there before. One that floats is "
       u"moved with the left button of the mouse while Alt or Meta (the key with the logo) is held, "
@@ -215,6 +221,20 @@ OptionTable makeRunTable() {
       u"are rendered as pictures into a new temporary folder, whose name is printed; of standard "
       u"input what comes until it ends, until 1,000 lines wait or until nothing has come for five "
       u"seconds is shown, of feeds what has come after five seconds, and of --tail the last lines."_s};
+  table.keys = {
+      {u"Space"_s, u"Pause the strip, or let it go on."_s},
+      {u"Right, Left"_s,
+       u"Go forward or back by one sign, where signs move to the left. In each direction the arrow "
+       u"that points to where signs come from goes forward."_s},
+      {u"+, -, 0"_s, u"A quarter faster, a fifth slower, the usual speed."_s},
+      {u"Tab, Shift+Tab"_s, u"Choose the next sign in sight, or the one before."_s},
+      {u"Return"_s, u"Open what the sign leads to."_s},
+      {u"Ctrl+C"_s, u"Copy the sign's text."_s},
+      {u"Delete"_s, u"Take the sign out, without moving the others."_s},
+      {u"Menu, Shift+F10"_s, u"Open the menu at the sign."_s},
+      {u"H"_s, u"Hide the strip, until zqticker show."_s},
+      {u"Escape"_s, u"Give the keyboard back to the window that had it."_s},
+      {u"Ctrl+Q"_s, u"Quit."_s}};
   table.environment = {
       {u"DISPLAY, WAYLAND_DISPLAY"_s, u"Where the strip is shown."_s},
       {u"LC_ALL, LC_TIME, LANG, TZ"_s, u"Language and time zone of the clock."_s},

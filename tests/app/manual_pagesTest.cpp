@@ -117,7 +117,7 @@ TEST(ManualPages, SayAllThatHelpSays) {
       expectText(note);
     for (const QString& example : table.examples)
       expectText(example);
-    for (const auto& entries : {table.environment, table.files})
+    for (const auto& entries : {table.keys, table.environment, table.files})
       for (const NamedText& entry : entries)
         expectText(entry.name + u' ' + entry.text);
     expectText(u"EXIT STATUS 0"_s);
