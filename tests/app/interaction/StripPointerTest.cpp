@@ -128,6 +128,26 @@ TEST_F(StripUnderPointer, OpensTheLocationOfAClickedSign) {
   EXPECT_EQ(opened.size(), 2u);
 }
 
+TEST_F(StripUnderPointer, KeepsWhatIsUnderTheHandWhereTheStripTurns) {
+  add(picture(5000));
+  show();
+  press(strip, {100, 12});
+  drag(60);
+  display.setDirection(ScrollDirection::Right, strip.time());
+  strip.displayChanged();
+  const auto place = [&] {
+    const auto& runs = display.strip().runs();
+    return runs.empty() ? 0 : display.placeOf(runs.front());
+  };
+  const double before = place();
+  EXPECT_NEAR(before, -40, 1);
+  drag(80);
+  EXPECT_NEAR(place(), before + 20, 1e-6);
+  drag(50);
+  EXPECT_NEAR(place(), before - 10, 1e-6);
+  release(strip, {50, 12});
+}
+
 TEST_F(StripUnderPointer, OpensTheLocationOfATappedSign) {
   add(picture(5000, Page));
   show();
