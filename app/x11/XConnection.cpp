@@ -6,6 +6,7 @@
 #include <QtGui/QGuiApplication>
 
 #include <cstdlib>
+#include <utility>
 
 namespace zq::app {
 
@@ -47,12 +48,14 @@ xcb_connection_t* XConnection::ofQt() {
 
 XConnection::XConnection(xcb_connection_t* connection, xcb_screen_t* screen)
     : connection_(connection), screen_(screen),
-      notifier_(xcb_get_file_descriptor(connection), QSocketNotifier::Read) {
+      notifier_(xcb_get_file_descriptor(connection), QSocketNotifier::Read),
+      receiving_([this] { receive(); }) {
   connect(&notifier_, &QSocketNotifier::activated, this, &XConnection::receive);
 }
 
 XConnection::~XConnection() {
   notifier_.setEnabled(false);
+  std::free(queued_);
   xcb_disconnect(connection_);
 }
 
@@ -65,7 +68,10 @@ void XConnection::selectEvents(xcb_window_t window, std::uint32_t events) {
 
 void XConnection::flush() {
   xcb_flush(connection_);
-  receive();
+  if (!queued_)
+    queued_ = xcb_poll_for_queued_event(connection_);
+  if (queued_)
+    receiving_.request();
 }
 
 bool XConnection::isButtonPressed() {
@@ -76,6 +82,10 @@ bool XConnection::isButtonPressed() {
   return pointer && (pointer->mask & AnyButton);
 }
 
+xcb_generic_event_t* XConnection::next() {
+  return queued_ ? std::exchange(queued_, nullptr) : xcb_poll_for_event(connection_);
+}
+
 void XConnection::receive() {
   // Whoever receives may ask, and flush, again.
   if (isReceiving_ || isLost_)
@@ -83,7 +93,7 @@ void XConnection::receive() {
   // Whoever holds it may let it go meanwhile.
   const std::shared_ptr<XConnection> self = shared_from_this();
   isReceiving_ = true;
-  while (xcb_generic_event_t* event = xcb_poll_for_event(connection_)) {
+  while (xcb_generic_event_t* event = next()) {
     if (event->response_type == 0)
       qCDebug(x11Log, "request failed: %d",
               reinterpret_cast<xcb_generic_error_t*>(event)->error_code);

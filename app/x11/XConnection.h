@@ -1,6 +1,8 @@
 // A connection to the X server of our own.
 #pragma once
 
+#include "app/OncePerTurn.h"
+
 #include <QtCore/QHash>
 #include <QtCore/QObject>
 #include <QtCore/QSocketNotifier>
@@ -37,8 +39,9 @@ class XConnection : public QObject, public std::enable_shared_from_this<XConnect
   xcb_connection_t* get() const { return connection_; }
   xcb_screen_t* screen() const { return screen_; }
 
-  // Sends what was asked for, and takes what has come meanwhile. Whoever has waited for a reply
-  // calls it too: events that came with the reply do not wake anybody.
+  // Sends what was asked for. Whoever has waited for a reply calls it too: events that came with
+  // the reply wake nobody by themselves, and are told in a later turn of the event loop. Nothing is
+  // told from within, so that frames do not begin while another one is being shown.
   void flush();
 
   // Has the server tell of these events (XCB_EVENT_MASK_…) of a window, beside those that others
@@ -56,6 +59,7 @@ class XConnection : public QObject, public std::enable_shared_from_this<XConnect
  private:
   XConnection(xcb_connection_t* connection, xcb_screen_t* screen);
   void receive();
+  xcb_generic_event_t* next();
 
   xcb_connection_t* connection_;
   xcb_screen_t* screen_;
@@ -63,6 +67,8 @@ class XConnection : public QObject, public std::enable_shared_from_this<XConnect
   QHash<xcb_window_t, std::uint32_t> selected_;
   bool isReceiving_ = false;
   bool isLost_ = false;
+  xcb_generic_event_t* queued_ = nullptr; // the first that came with a reply
+  OncePerTurn receiving_;                 // what came so
 };
 
 // Waits until the server has done what was asked for on `connection`; what it tells meanwhile stays
