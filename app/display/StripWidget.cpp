@@ -99,8 +99,20 @@ void StripWidget::setBackground(const QColor& background) {
 void StripWidget::fitDisplay() {
   display_.setScale(devicePixelRatioF());
   display_.setSize(QSizeF(size()), time());
-  if (const QScreen* shownOn = screen())
-    player_.clock().setRate(shownOn->refreshRate());
+  followScreen(screen());
+}
+
+// Takes the rate of the screen, also of one that is switched to another mode.
+void StripWidget::followScreen(QScreen* shownOn) {
+  if (!shownOn)
+    return;
+  if (shownOn != screen_) {
+    disconnect(rateChange_);
+    rateChange_ = connect(shownOn, &QScreen::refreshRateChanged, this,
+                          [this](qreal rate) { player_.clock().setRate(rate); });
+    screen_ = shownOn;
+  }
+  player_.clock().setRate(shownOn->refreshRate());
 }
 
 // The window may have come to another scale without being told.

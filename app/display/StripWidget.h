@@ -8,7 +8,10 @@
 #include "app/display/StripSurface.h"
 #include "app/display/TickerDisplay.h"
 
+#include <QtCore/QPointer>
 #include <QtWidgets/QWidget>
+
+class QScreen;
 
 namespace zq::app {
 
@@ -69,6 +72,7 @@ class StripWidget : public QWidget {
 
  private:
   void fitDisplay();
+  void followScreen(QScreen* shownOn);
   void fitScale();
 
   TickerDisplay& display_;
@@ -78,6 +82,8 @@ class StripWidget : public QWidget {
   StripSurface surface_;
   StripMenu menu_;
   StripFocus keyboard_;
+  QPointer<QScreen> screen_; // on which it is shown, as far as it was told
+  QMetaObject::Connection rateChange_;
   QRect place_;
   int requestsLeft_ = 0; // how often it asks once more for its place
   std::uint64_t frameCount_ = 0;
