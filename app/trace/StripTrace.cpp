@@ -51,7 +51,7 @@ void StripTrace::framePlayed(const PlayedFrame& frame) {
   const TraceRow row{frame.time,
                      frame.drawn,
                      frame.blank,
-                     display_->frameOffset(),
+                     display_->frameTravel(),
                      strip.travel() * display_->scale(),
                      display_->scale(),
                      strip.speed(),
