@@ -39,6 +39,24 @@ void Strip::setSpeed(double pointsPerSecond, double time) {
     motion_.setSpeed(pointsPerSecond, now_);
 }
 
+void Strip::easeToSpeed(double pointsPerSecond, double time) {
+  advanceTo(time);
+  if (page_) {
+    page_->setSpeed(pointsPerSecond, now_);
+    return;
+  }
+  const double velocity = motion_.velocityAt(now_);
+  const double seconds = std::max(motion_.endAt(now_) - now_, EaseSeconds);
+  motion_.restartAt(travel(), now_);
+  motion_.setSpeed(pointsPerSecond, now_);
+  easeFrom(velocity, seconds);
+}
+
+// Passes from a velocity into the strip's own motion.
+void Strip::easeFrom(double velocity, double seconds) {
+  addWay((velocity - motion_.speed()) * seconds / 3, seconds);
+}
+
 void Strip::setPaged(bool paged, double time) {
   advanceTo(time);
   if (paged == isPaged())
@@ -75,9 +93,7 @@ void Strip::advanceTo(double time) {
 
 // The least travel up to `time`.
 double Strip::farthestBack(double time) const {
-  const double then = motion_.travelAt(time);
-  const bool isEndPassed = motion_.isGlidingAt(now_) && !motion_.isGlidingAt(time);
-  return std::min({travel(), then, isEndPassed ? motion_.goalAt(now_) : then});
+  return motion_.travelAt(motion_.lowestBetween(now_, time));
 }
 
 double Strip::endOfRound(const StripQueue::Entry& next) const {
@@ -99,9 +115,9 @@ bool Strip::hasRoomOnPage() const {
 }
 
 // Brings the travel to `goal`: at once on a paged strip, else by a glide.
-void Strip::moveTo(double goal, double seconds) {
+void Strip::moveTo(double goal) {
   if (!page_) {
-    motion_.glideTo(goal, now_, seconds);
+    motion_.glideTo(goal, now_, StepSeconds);
     return;
   }
   motion_.restartAt(goal, now_);
@@ -205,7 +221,7 @@ void Strip::start(const Entry& entry) {
 
 void Strip::retire() {
   // On the way back what comes into sight again stays.
-  const double gone = std::min(travel(), motion_.goalAt(now_)) - extent_;
+  const double gone = farthestBack(Never) - extent_;
   while (!runs_.isEmpty() && runs_.front().end() <= gone)
     retireFirst();
 }
@@ -226,7 +242,7 @@ void Strip::retireFirst() {
 void Strip::reverse(double time) {
   advanceTo(time);
   const double here = travel();
-  const double goal = motion_.goalAt(now_);
+  const double goal = motion_.isGlidingToGoalAt(now_) ? motion_.goalAt(now_) : here;
   // Of these nothing but the gap has been left.
   while (!runs_.isEmpty() && runs_.front().shownEnd() <= here - extent_ + Touching)
     retireFirst();
@@ -378,21 +394,34 @@ void Strip::glideBy(double points, double seconds, double time) {
   if (std::isnan(points) || points == 0)
     return;
   const double way = std::clamp(points, -LongestMove, LongestMove);
-  const double from = motion_.goalAt(now_);
-  const double end = runs_.isEmpty() ? from : std::max(runs_.lastEnd() + extent_, from);
-  const double goal = way < 0            ? std::min(reachableBack(from + way), from)
-                      : queue_.isEmpty() ? std::min(from + way, end)
-                                         : from + way;
-  if (goal != from)
-    moveTo(goal, seconds);
+  if (!page_) {
+    addWay(way, seconds);
+    return;
+  }
+  const double here = travel();
+  const double goal = way < 0 ? std::min(reachableBack(here + way), here) : here + way;
+  if (goal != here)
+    moveTo(goal);
+}
+
+// Adds a glide to what moves, as far as there is something to show on its way.
+void Strip::addWay(double points, double seconds) {
+  Motion longest = motion_;
+  longest.glideBy(points, now_, seconds);
+  const double lowest = longest.travelAt(longest.lowestBetween(now_, Never));
+  double way = points;
+  if (lowest < travel() - Touching)
+    way += std::max(std::min(reachableBack(lowest), travel()) - lowest, 0.0);
+  else if (points > 0 && queue_.isEmpty())
+    way -= std::clamp(longest.goalAt(now_) - std::max(runs_.lastEnd() + extent_, travel()), 0.0,
+                      points);
+  motion_.glideBy(way, now_, seconds);
 }
 
 void Strip::throwBy(double pointsPerSecond, double time) {
-  // A glide, which slows down with the cube of its time, goes a third of what its first speed
-  // would.
   moveBy(0, time);
-  if (!page_)
-    glideBy(pointsPerSecond * ThrowSeconds / 3, ThrowSeconds, time);
+  if (!page_ && !std::isnan(pointsPerSecond))
+    easeFrom(pointsPerSecond, pointsPerSecond != 0 ? ThrowSeconds : EaseSeconds);
 }
 
 double Strip::nextEntryTime() {

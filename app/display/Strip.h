@@ -59,6 +59,8 @@ class Strip {
   // What a step takes.
   static constexpr double StepSeconds = 0.4;
   static constexpr double ThrowSeconds = 0.9;
+  // What it takes to come from a stand to the strip's speed.
+  static constexpr double EaseSeconds = 0.3;
   static constexpr double LongestMove = 20'000;
   // A run whose start left at most so long ago counts as left at its start: a step back goes to
   // the one before.
@@ -75,6 +77,9 @@ class Strip {
   void setExtent(double points, double time, Edge kept = Edge::Entering);
   double speed() const { return page_ ? page_->speed() : motion_.speed(); }
   void setSpeed(double pointsPerSecond, double time);
+  // The same, but the strip comes to that speed smoothly from the one that it has, by EaseSeconds
+  // later or when what is under way ends; a step is no longer bound to its end.
+  void easeToSpeed(double pointsPerSecond, double time);
 
   // Lets everything go the other way from `time` on, see above.
   void reverse(double time);
@@ -106,10 +111,12 @@ class Strip {
   // what has left, as far as it is known, and then the oldest run up to where it has just entered.
   // At most LongestMove points.
   void moveBy(double points, double time);
-  // The same within `seconds`, fast at first and ever slower; adds to what is under way so.
+  // Moves by so many points more than the strip does by itself within `seconds`, fast at first and
+  // ever slower until that is over; adds to what is under way so. On a paged strip at once.
   void glideBy(double points, double seconds, double time);
-  // Lets everything run out from a speed, negative for back, into the strip's own. A paged strip
-  // stays where it is: nothing slides there.
+  // Lets everything run out from a speed, negative for back, into the strip's own within
+  // ThrowSeconds, or from a stand within EaseSeconds: without a step in speed where there is
+  // something to show all the way. A paged strip stays where it is: nothing slides there.
   void throwBy(double pointsPerSecond, double time);
 
   // Takes an entry out for good: it does not enter again, a step back does not bring it back.
@@ -166,6 +173,8 @@ class Strip {
   void start(const Entry& entry);
   void retire();
   double farthestBack(double time) const;
+  void easeFrom(double velocity, double seconds);
+  void addWay(double points, double seconds);
   void retireFirst();
   bool bringBack();
   void moveForward(double points);
@@ -173,7 +182,7 @@ class Strip {
   double endOfRound(const StripQueue::Entry& next) const;
   double endOfPage() const;
   bool hasRoomOnPage() const;
-  void moveTo(double goal, double seconds = StepSeconds);
+  void moveTo(double goal);
 
   Motion motion_;                   // stands still, but for jumps, where there are pages
   std::optional<PageReading> page_; // the one on a paged strip

@@ -133,6 +133,7 @@ void TickerDisplay::setPaged(bool paged, double time) {
   if (paged == isPaged())
     return;
   strip_.setPaged(paged, time);
+  fitEdgeFade();
   frameIsStale_ = true;
 }
 
@@ -140,7 +141,10 @@ void TickerDisplay::setPaused(bool paused, double time) {
   if (paused == isPaused())
     return;
   const double speed = pausedSpeed_.value_or(strip_.speed());
-  strip_.setSpeed(paused ? 0 : speed, time);
+  if (paused)
+    strip_.setSpeed(0, time);
+  else
+    strip_.easeToSpeed(speed, time);
   pausedSpeed_ = paused ? std::optional(speed) : std::nullopt;
 }
 
@@ -210,7 +214,8 @@ void TickerDisplay::setEdgeFade(double points) {
 
 void TickerDisplay::fitEdgeFade() {
   const int extent = isHorizontal() ? frame_.size.width() : frame_.size.height();
-  const double pixels = std::min(std::ceil(edgeFade_ * scale_), std::floor(extent / 2.0));
+  const double points = isPaged() ? 0 : edgeFade_;
+  const double pixels = std::min(std::ceil(points * scale_), std::floor(extent / 2.0));
   if (static_cast<int>(pixels) == frame_.fade)
     return;
   frame_.fade = static_cast<int>(pixels);
@@ -501,6 +506,11 @@ bool TickerDisplay::advanceTo(double time) {
                 return StripTiles::Look{shownLengthOf(run), itemOf(run).origin().fades};
               });
   return true;
+}
+
+qint64 TickerDisplay::frameTravel() const {
+  return isReversed(direction_) ? StripTiles::wholePixel(extent() * scale_) - frameOffset_
+                                : frameOffset_;
 }
 
 void TickerDisplay::drawTile(const StripTiles::Request& request, QImage& picture) const {

@@ -104,7 +104,8 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   double fadeLength() const;
 
   // Over how many points everything fades towards the background at both ends of the strip, at most
-  // to its middle; 0 for no such thing, which is so at first.
+  // to its middle; 0 for no such thing, which is so at first. A page stands and is read from its
+  // very end: it does not fade.
   double edgeFade() const { return edgeFade_; }
   void setEdgeFade(double points);
 
@@ -116,7 +117,7 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   bool isPaged() const { return strip_.isPaged(); }
   void setPaged(bool paged, double time);
 
-  // A paused strip stands still, but for steps; delays go on.
+  // A paused strip stands still, but for steps; delays go on. It comes smoothly to its speed again.
   bool isPaused() const { return pausedSpeed_.has_value(); }
   void setPaused(bool paused, double time);
 
@@ -219,8 +220,9 @@ class TickerDisplay : public ZQTickerDisplayProtocol {
   void prepareAhead() { tiles_.prepare(frame_, strip_.runs()); }
   // The frame of that time; the same until the next advance.
   const StripFrame& frame() const { return frame_; }
-  // The travel in the frame, in whole device pixels.
-  qint64 frameOffset() const { return frameOffset_; }
+  // The travel in the frame, in whole device pixels as shown: it grows when the strip goes forward,
+  // in every direction.
+  qint64 frameTravel() const;
 
   bool isMoving() const { return strip_.isMoving(); }
   bool isFinished() const { return strip_.isFinished(); }

@@ -85,6 +85,40 @@ TEST_F(StripPagesScreen, ChangesPageByPageAsThePortalWishes) {
     })) << color.name().toStdString();
 }
 
+// Begins at the edge at which signs leave, and is not faded there.
+TEST_F(StripPagesScreen, ShowsPagesUnfadedInTheOtherDirections) {
+  struct Way {
+    QString name;
+    QPoint start; // a pixel at the edge at which signs leave
+    QSize sign;
+  };
+  const Way ways[] = {{u"right"_s, {Width - 1, Height - StripHeight / 2}, {500, StripHeight}},
+                      {u"up"_s, {Width - 50, 0}, {100, 300}},
+                      {u"down"_s, {Width - 50, Height - 1}, {100, 300}}};
+  for (const auto& [name, start, sign] : ways) {
+    QStringList arguments{u"run"_s, u"--speed"_s, u"200"_s, u"--no-control-bar"_s, u"--direction"_s,
+                          name,     u"--fade"_s,  u"100"_s, u"--reduced-motion"_s, u"on"_s};
+    if (sign.width() == 100)
+      arguments += {u"--width"_s, u"100"_s};
+    for (const QColor color : {QColor(Qt::red), QColor(Qt::blue)}) {
+      QImage image(sign, QImage::Format_RGB32);
+      image.fill(color);
+      const QString file = folder_.filePath(name + color.name() + u".png"_s);
+      ASSERT_TRUE(image.save(file));
+      arguments += {u"--image"_s, file};
+    }
+    QProcessEnvironment environment = bus_->environment(server_->environment());
+    environment.insert(u"XDG_CONFIG_HOME"_s, folder_.path());
+    program_.emplace(arguments, environment);
+    const auto colorAtStart = [&] { return server_->screenshot().pixel(start) & 0xffffff; };
+    for (const QColor color : {Qt::red, Qt::blue})
+      EXPECT_TRUE(waitUntil([&] { return colorAtStart() == rgb(color); }))
+          << name.toStdString() << " " << color.name().toStdString();
+    program_.reset();
+    EXPECT_TRUE(waitUntil([&] { return colorAtStart() == 0; })) << "its window has gone";
+  }
+}
+
 TEST_F(StripPagesScreen, ScrollsAgainWhenTheWishHasGone) {
   portal_->set(Appearance, u"reduced-motion"_s, 1u);
   portal_->show();

@@ -150,6 +150,11 @@ class WatchedStrip {
 
   void advance(double seconds) {
     // Between two looks everything goes one way.
+    const double turn = strip_.motion().lowestBetween(time_, time_ + seconds) - time_;
+    if (turn > Tolerance && turn < seconds - Tolerance) {
+      advance(turn);
+      seconds -= turn;
+    }
     if (const double rest = time_ + seconds - glideEnd_; rest > 0 && rest < seconds) {
       advance(seconds - rest);
       seconds = rest;
@@ -266,7 +271,7 @@ TEST(StripUnderRandomOperations, KeepsItsPlaceUnderAThousandSpeedsASecond) {
     if (i % 997 == 0)
       strip.stepForward(time);
     strip.setSpeed(speed, time);
-    EXPECT_DOUBLE_EQ(strip.travel(), before);
+    EXPECT_NEAR(strip.travel(), before, Tolerance);
     time += 0.001;
     strip.advanceTo(time);
     if (i % 997 > 400) {

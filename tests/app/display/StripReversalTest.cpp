@@ -248,7 +248,8 @@ TEST(StripReversal, LeavesWhatHasLeftToStepsBack) {
   for (const char* expected : {"d", "b", "a"}) {
     ASSERT_TRUE(strip.stepBack(time));
     strip.advanceTo(time += Strip::StepSeconds);
-    EXPECT_NEAR(strip.runs().front().start + Extent, strip.travel(), 1e-9);
+    EXPECT_NEAR(strip.runs().front().start + Extent,
+                strip.motion().travelAt(strip.motion().lowestBetween(0, time)), 1e-9);
     EXPECT_EQ(nameOf(strip.runs().front().item()), expected);
   }
   EXPECT_FALSE(strip.stepBack(time)) << "the first one";

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 using namespace zq::app;
@@ -85,13 +86,74 @@ TEST_F(MovedStrip, RunsOutWhenItIsThrown) {
   strip.advanceTo(20.001);
   EXPECT_NEAR(strip.travel(), 200.6, 0.01) << "the speed of the hand";
   strip.advanceTo(20 + Strip::ThrowSeconds);
-  EXPECT_NEAR(strip.travel(), 200 + 600 * Strip::ThrowSeconds / 3, 1e-6);
+  const double there = strip.travel();
+  EXPECT_NEAR(there, 200 + 10 * Strip::ThrowSeconds + 590 * Strip::ThrowSeconds / 3, 1e-6);
+  EXPECT_EQ(strip.motion().velocityAt(strip.time()), 10);
+  EXPECT_FALSE(strip.isGliding());
   expectTogether();
   strip.advanceTo(21 + Strip::ThrowSeconds);
-  EXPECT_NEAR(strip.travel(), 210 + 600 * Strip::ThrowSeconds / 3, 1e-6) << "the old speed";
+  EXPECT_NEAR(strip.travel(), there + 10, 1e-6) << "the old speed";
   strip.throwBy(-600, 22);
   strip.advanceTo(24);
   EXPECT_EQ(strip.runs().front().start + 100 > strip.travel() - 30, true);
+  expectTogether();
+}
+
+TEST_F(MovedStrip, ComesToItsSpeedSmoothlyFromAStand) {
+  strip.moveBy(0, 20);
+  strip.setSpeed(0, 20);
+  strip.advanceTo(25);
+  strip.easeToSpeed(10, 25);
+  double before = 0;
+  for (int frame = 0; frame <= 60; ++frame) {
+    strip.advanceTo(25 + frame / 60.0);
+    const double velocity = strip.motion().velocityAt(strip.time());
+    EXPECT_LE(velocity - before, 2 * 10 / Strip::EaseSeconds / 60 + 1e-9);
+    EXPECT_GE(velocity, before - 1e-9);
+    before = velocity;
+  }
+  EXPECT_EQ(before, 10);
+  EXPECT_NEAR(strip.travel(), 210 - 10 * Strip::EaseSeconds / 3, 1e-6);
+}
+
+TEST_F(MovedStrip, StopsExactlyWhereItIsThrownWhileItStands) {
+  strip.setSpeed(0, 20);
+  strip.throwBy(300, 20);
+  EXPECT_TRUE(strip.isMoving());
+  strip.advanceTo(20 + Strip::ThrowSeconds);
+  EXPECT_FALSE(strip.isMoving());
+  EXPECT_NEAR(strip.travel(), 290, 1e-6);
+  strip.easeToSpeed(10, 30);
+  EXPECT_NEAR(strip.motion().velocityAt(30), 0, 1e-9);
+  strip.advanceTo(32);
+  EXPECT_EQ(strip.motion().velocityAt(32), 10);
+}
+
+TEST_F(MovedStrip, GoesOnFromItsVelocityWhereItIsLetGoDuringAThrow) {
+  strip.setSpeed(0, 20);
+  strip.throwBy(-300, 20);
+  strip.advanceTo(20.3);
+  const double velocity = strip.motion().velocityAt(20.3);
+  EXPECT_LT(velocity, -50);
+  const double place = strip.travel();
+  strip.easeToSpeed(10, 20.3);
+  EXPECT_NEAR(strip.travel(), place, 1e-9);
+  EXPECT_NEAR(strip.motion().velocityAt(20.3), velocity, 1e-9);
+  strip.advanceTo(22);
+  EXPECT_EQ(strip.motion().velocityAt(22), 10);
+  expectTogether();
+}
+
+TEST_F(MovedStrip, IsThrownBackNoFartherThanIsKnown) {
+  strip.throwBy(-6000, 20);
+  double lowest = 200;
+  for (int frame = 0; frame < 100; ++frame) {
+    strip.advanceTo(20 + frame / 60.0);
+    lowest = std::min(lowest, strip.travel());
+    ASSERT_FALSE(strip.runs().empty());
+  }
+  EXPECT_EQ(strip.runs().front().number, 1u);
+  EXPECT_NEAR(lowest, 30, 3);
   expectTogether();
 }
 
