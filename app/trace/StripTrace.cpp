@@ -39,25 +39,33 @@ TraceKind StripTrace::kindOf(const PlayedFrame& frame) const {
     return TraceKind::Lost;
   if (frame.isFirst)
     return TraceKind::Begin;
-  if (!frame.isTick || display_->strip().motion() != motion_ || display_->scale() != scale_)
+  const Strip& strip = display_->strip();
+  if (strip.motion() != motion_ || display_->scale() != scale_)
     return TraceKind::Change;
-  return display_->strip().isGliding() ? TraceKind::Glide : TraceKind::Run;
+  if (!frame.isTick)
+    return frame.time == time_ && !strip.isGliding() ? TraceKind::Redraw : TraceKind::Change;
+  return strip.isGliding() ? TraceKind::Glide : TraceKind::Run;
+}
+
+// What frameTravel rounds: against the travel whole pixels count from the other end.
+double StripTrace::idealTravel() const {
+  const Strip& strip = display_->strip();
+  const double travel = strip.travel() * display_->scale();
+  if (!isReversed(display_->direction()))
+    return travel;
+  const double extent = strip.extent() * display_->scale();
+  return static_cast<double>(StripTiles::wholePixel(extent)) - (extent - travel);
 }
 
 void StripTrace::framePlayed(const PlayedFrame& frame) {
   if (hasFailed_)
     return;
   const Strip& strip = display_->strip();
-  const TraceRow row{frame.time,
-                     frame.drawn,
-                     frame.blank,
-                     display_->frameTravel(),
-                     strip.travel() * display_->scale(),
-                     display_->scale(),
-                     strip.speed(),
-                     kindOf(frame)};
+  const TraceRow row{frame.time,    frame.drawn,       frame.blank,   display_->frameTravel(),
+                     idealTravel(), display_->scale(), strip.speed(), kindOf(frame)};
   motion_ = strip.motion();
   scale_ = display_->scale();
+  time_ = frame.time;
   filled_ = static_cast<std::size_t>(writeTraceRow(row, block_.data() + filled_) - block_.data());
   if (filled_ + LongestTraceLine > BlockSize && !write())
     fail();

@@ -38,6 +38,7 @@ class StripTrace : public FrameObserver {
   TraceKind kindOf(const PlayedFrame& frame) const;
   bool write();
   void fail();
+  double idealTravel() const;
 
   QString name_; // option and file, for messages
   std::unique_ptr<QFileDevice> file_;
@@ -49,6 +50,7 @@ class StripTrace : public FrameObserver {
   // Of the frame before.
   Motion motion_;
   double scale_ = 0;
+  double time_ = 0;
 };
 
 } // namespace zq::app

@@ -25,8 +25,10 @@ OptionTable makeTraceCheckTable() {
       u"on the screen, on the monotonic clock), when it had been drawn, the number of the vertical "
       u"blank at that time, the offset in device pixels, the offset without rounding, device "
       u"pixels per point, points per second, and its kind: run for even motion, begin after a "
-      u"rest, glide on the way to another sign, change where something was changed, lost where "
-      u"the program was kept from running and that time is left out."_s,
+      u"rest, glide on the way to another place or speed, change where speed, direction, scale "
+      u"or place were changed, as by a hand, redraw where the frame before was drawn once more, "
+      u"lost where the program was kept from running and that time is left out. Offsets grow as "
+      u"signs go forward, in every direction."_s,
       u"The ideal line moves by speed times scale in each second of the frames' own times; a "
       u"frame may be half a pixel from it. A frame is on time where it follows the one before by "
       u"one blank. Its step is doubled where it is more than the pace of the line around it "

@@ -23,6 +23,10 @@ QString number(double value, int digits) {
 bool isOfRun(const TraceRow& row) {
   return row.kind == TraceKind::Run;
 }
+
+bool isRedraw(const TraceRow& row) {
+  return row.kind == TraceKind::Redraw;
+}
 } // namespace
 
 void TraceReport::note(std::size_t line, const QString& fault) {
@@ -35,13 +39,14 @@ void TraceReport::note(std::size_t line, const QString& fault) {
 QString TraceReport::add(const TraceRow& row, std::size_t line) {
   const bool isFirst = frames_ == 0;
   // A change is shown at once, also at the time of the frame that stands there.
-  const bool isChange = row.kind == TraceKind::Change;
+  const bool isChange = row.kind == TraceKind::Change || isRedraw(row);
   if (!isFirst && (isChange ? row.time < last_.time : row.time <= last_.time))
     return u"the time runs backwards"_s;
   if (!isFirst && isOfRun(row) && row.blank <= last_.blank)
     return u"the blank is not behind the one before"_s;
-  const bool goesOn = !isFirst && isOfRun(row) && last_.kind != TraceKind::Glide &&
-                      row.speed == last_.speed && row.scale == last_.scale;
+  const bool goesOn = !isFirst && (isOfRun(row) || isRedraw(row)) &&
+                      last_.kind != TraceKind::Glide && row.speed == last_.speed &&
+                      row.scale == last_.scale;
   if (isFirst)
     firstTime_ = row.time;
   else
@@ -73,7 +78,7 @@ void TraceReport::finish() {
 
 // What is told of times and steps between two frames, whatever moved.
 void TraceReport::count(const TraceRow& before, const TraceRow& row) {
-  if (row.drawn > row.time && row.kind != TraceKind::Change)
+  if (row.drawn > row.time && row.kind != TraceKind::Change && !isRedraw(row))
     ++drawnLate_;
   if (row.kind == TraceKind::Lost)
     ++losses_;
@@ -117,6 +122,8 @@ void TraceReport::judgePosition(const TraceRow& row, double ideal, std::size_t l
 void TraceReport::judge(std::size_t index) {
   const auto& [row, line] = stretch_[index];
   judgePosition(row, row.ideal, line);
+  if (isRedraw(row) && index > 0 && row.offset != stretch_[index - 1].row.offset)
+    note(line, u"a frame that is drawn once more has moved"_s);
   if (!isOfRun(row))
     return;
   judgePosition(row, origin_.ideal + row.speed * row.scale * (row.time - origin_.time), line);

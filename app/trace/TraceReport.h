@@ -25,8 +25,9 @@ namespace zq::app {
 // comes after blanks without a frame is late: its step is larger as its time is, and it must be
 // near the line all the same.
 //
-// What follows a rest, a change or lost time begins a new stretch; frames that glide are held
-// against their own ideal offset alone.
+// What follows a rest, a change or lost time begins a new stretch; frames that glide, and those
+// that a hand moves, are held against their own ideal offset alone. A frame that is drawn once more
+// ends no stretch: it must be where the one before was.
 class TraceReport {
  public:
   // What is wrong with a row behind the ones before it, in a few words; empty where nothing is:

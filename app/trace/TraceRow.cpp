@@ -11,7 +11,8 @@ using namespace Qt::StringLiterals;
 namespace zq::app {
 
 namespace {
-constexpr std::array<std::string_view, 5> KindNames{"begin", "run", "glide", "change", "lost"};
+constexpr std::array<std::string_view, 6> KindNames{"begin",  "run",    "glide",
+                                                    "change", "redraw", "lost"};
 constexpr int TimeDigits = 9;
 constexpr int PixelDigits = 6;
 // Larger ones have no digits behind the point that mean anything, and would not fit.

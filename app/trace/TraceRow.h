@@ -14,7 +14,8 @@ enum class TraceKind {
   Begin,  // rest: nothing moved, or nobody saw it
   Run,    // motion at the strip's speed
   Glide,  // motion on the way to another place, as of a step to the next sign
-  Change, // speed, scale, place or what is shown was changed
+  Change, // speed, direction, scale or place was changed, as also by a hand
+  Redraw, // the frame before once more, as something else is shown in its place
   Lost,   // time in which the program was kept from running, and which is left out
 };
 
@@ -22,10 +23,11 @@ struct TraceRow {
   double time = 0;  // seconds on the monotonic clock: when the frame is expected on the screen
   double drawn = 0; // the same clock: when it had been drawn
   std::uint64_t blank = 0; // the number of the vertical blank at that time
-  std::int64_t offset = 0; // device pixels by which the strip has moved, as shown
-  double ideal = 0;        // the same, unrounded
-  double scale = 1;        // device pixels per point
-  double speed = 0;        // points per second
+  // Device pixels by which the strip has moved, as shown; in every direction they grow forward.
+  std::int64_t offset = 0;
+  double ideal = 0; // the same, unrounded
+  double scale = 1; // device pixels per point
+  double speed = 0; // points per second
   TraceKind kind = TraceKind::Run;
 };
 

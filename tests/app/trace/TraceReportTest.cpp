@@ -196,6 +196,72 @@ TEST(TraceReport, HoldsGlidesAgainstTheirOwnPlaceOnly) {
   expectFaultless(frames);
 }
 
+TEST(TraceReport, GoesOnWithTheLineBehindAFrameThatIsDrawnOnceMore) {
+  Frames frames(60);
+  for (int i = 0; i < 10; ++i) {
+    frames.go(10);
+    frames.take(frames.next(0, TraceKind::Redraw));
+  }
+  frames.go(10);
+  expectFaultless(frames);
+  EXPECT_TRUE(frames.report.lines().contains(QStringLiteral("stretches of even motion: 1")));
+}
+
+TEST(TraceReport, FindsAStepBehindAFrameThatIsDrawnOnceMore) {
+  Frames frames(60);
+  frames.go(50);
+  frames.take(frames.next(0, TraceKind::Redraw));
+  TraceRow row = frames.next();
+  row.offset -= 1;
+  frames.take(row);
+  frames.go(50);
+  frames.report.finish();
+  EXPECT_EQ(frames.report.missingSteps(), 1u);
+  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 53: ")))
+      << frames.report.fault().toStdString();
+}
+
+TEST(TraceReport, FindsAFrameThatMovesWhileItIsDrawnOnceMore) {
+  Frames frames(60);
+  frames.go(50);
+  frames.moveBy(5);
+  frames.take(frames.next(0, TraceKind::Redraw));
+  frames.moveBy(-5);
+  frames.go(50);
+  frames.report.finish();
+  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 52: ")))
+      << frames.report.fault().toStdString();
+}
+
+TEST(TraceReport, JudgesEachStretchByItsOwnLine) {
+  // A wheel, a hand that drags back and throws, a rest and another speed.
+  Frames frames(60);
+  frames.go(60);
+  frames.take(frames.next(0, TraceKind::Change));
+  for (int i = 10; i > 0; --i) {
+    frames.moveBy(i);
+    frames.take(frames.next(1, TraceKind::Glide));
+  }
+  frames.go(60);
+  for (int i = 0; i < 10; ++i) {
+    frames.moveBy(-7.3);
+    frames.take(frames.next(0, TraceKind::Change));
+  }
+  frames.setSpeed(137.5);
+  frames.take(frames.next(100, TraceKind::Begin));
+  frames.go(60);
+  const std::size_t line = frames.line();
+  frames.go(1);
+  TraceRow row = frames.next();
+  row.offset += 2;
+  frames.take(row);
+  frames.go(60);
+  frames.report.finish();
+  EXPECT_EQ(frames.report.doubledSteps(), 1u);
+  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line %1: ").arg(line + 2)))
+      << frames.report.fault().toStdString();
+}
+
 TEST(TraceReport, RefusesTimesThatRunBackwards) {
   Frames frames(60);
   frames.go(10);

@@ -1,4 +1,5 @@
 set(app_trace_SOURCES
     TraceProgramTest.cpp
     TraceReaderTest.cpp
-    TraceReportTest.cpp)
+    TraceReportTest.cpp
+    TraceScreenTest.cpp)
