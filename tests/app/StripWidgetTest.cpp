@@ -9,6 +9,7 @@
 
 #include <QtGui/QAction>
 #include <QtGui/QPainter>
+#include <QtGui/QScreen>
 
 #include <gtest/gtest.h>
 
@@ -59,6 +60,18 @@ TEST_F(StripWindow, MovesWhatItShows) {
   EXPECT_TRUE(waitUntil([&] { return widget.frameCount() > before + 3; }));
   EXPECT_TRUE(waitUntil([&] { return widget.grab().toImage().pixel(100, 12) == qRgb(255, 0, 0); }))
       << "passes the middle";
+}
+
+TEST_F(StripWindow, FollowsTheRateOfItsScreen) {
+  show(60);
+  QScreen* screen = widget.screen();
+  Q_EMIT screen->refreshRateChanged(144);
+  EXPECT_DOUBLE_EQ(widget.player().clock().rate(), 144);
+  widget.resize(300, 30);
+  EXPECT_TRUE(waitUntil([&] { return display.size() == QSizeF(300, 30); }));
+  EXPECT_DOUBLE_EQ(widget.player().clock().rate(), screen->refreshRate()) << "as it says itself";
+  Q_EMIT screen->refreshRateChanged(24);
+  EXPECT_DOUBLE_EQ(widget.player().clock().rate(), 24) << "of the same screen still";
 }
 
 TEST_F(StripWindow, TellsWhenAllHasBeenShown) {

@@ -77,3 +77,22 @@ TEST(EdgeFade, IsNothingUnlessItIsAskedFor) {
     EXPECT_EQ(image.pixel(399, 12), qRgb(0, 0, 0));
   }
 }
+
+TEST(EdgeFade, LeavesPagesAsTheyAre) {
+  TickerDisplay display;
+  setUp(display, QSizeF(400, 24), true, 1);
+  display.setEdgeFade(Fade);
+  display.addSign(picture(2000, 24, Qt::black), 0);
+  display.advanceTo(10);
+  ASSERT_EQ(display.frame().fade, Fade);
+  display.setPaged(true, 10);
+  EXPECT_TRUE(display.advanceTo(10));
+  EXPECT_EQ(display.frame().fade, 0);
+  display.setEdgeFade(2 * Fade);
+  display.setSize(QSizeF(300, 24), 10);
+  display.advanceTo(10);
+  EXPECT_EQ(display.frame().fade, 0) << "whatever changes";
+  display.setPaged(false, 10);
+  EXPECT_TRUE(display.advanceTo(10));
+  EXPECT_EQ(display.frame().fade, 2 * Fade);
+}
