@@ -141,10 +141,14 @@ void TickerDisplay::setPaused(bool paused, double time) {
   if (paused == isPaused())
     return;
   const double speed = pausedSpeed_.value_or(strip_.speed());
-  if (paused)
+  if (paused) {
     strip_.setSpeed(0, time);
-  else
+    // What only runs out has no place to come to.
+    if (strip_.isGliding() && !strip_.motion().isGlidingToGoalAt(strip_.time()))
+      strip_.moveBy(0, time);
+  } else {
     strip_.easeToSpeed(speed, time);
+  }
   pausedSpeed_ = paused ? std::optional(speed) : std::nullopt;
 }
 

@@ -217,7 +217,7 @@ TEST(TraceReport, FindsAStepBehindAFrameThatIsDrawnOnceMore) {
   frames.go(50);
   frames.report.finish();
   EXPECT_EQ(frames.report.missingSteps(), 1u);
-  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 53: ")))
+  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 54: ")))
       << frames.report.fault().toStdString();
 }
 
@@ -229,7 +229,7 @@ TEST(TraceReport, FindsAFrameThatMovesWhileItIsDrawnOnceMore) {
   frames.moveBy(-5);
   frames.go(50);
   frames.report.finish();
-  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 52: ")))
+  EXPECT_TRUE(frames.report.fault().startsWith(QStringLiteral("line 53: ")))
       << frames.report.fault().toStdString();
 }
 
