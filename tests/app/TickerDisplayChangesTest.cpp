@@ -243,9 +243,9 @@ TEST(TickerDisplayChanges, StandsStillWhileItIsPaused) {
   display.setPaused(false, 51);
   EXPECT_EQ(display.speed(), 2 * Speed);
   EXPECT_TRUE(display.isMoving());
-  EXPECT_DOUBLE_EQ(display.strip().travel(), Speed);
+  EXPECT_NEAR(display.strip().travel(), Speed, 1e-9);
   display.advanceTo(52);
-  EXPECT_DOUBLE_EQ(display.strip().travel(), 3 * Speed - 2 * Speed * Strip::EaseSeconds / 3)
+  EXPECT_NEAR(display.strip().travel(), 3 * Speed - 2 * Speed * Strip::EaseSeconds / 3, 1e-9)
       << "smoothly from a stand";
 }
 
