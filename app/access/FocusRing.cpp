@@ -22,7 +22,7 @@ bool FocusRing::eventFilter(QObject*, QEvent* event) {
 
 void FocusRing::showEvent(QShowEvent*) {
   setGeometry(parentWidget()->rect());
-  raise();
+  lower();
 }
 
 void FocusRing::paintEvent(QPaintEvent*) {

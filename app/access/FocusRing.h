@@ -6,16 +6,14 @@
 namespace zq::app {
 
 // A dark and a light line along the edge of its parent, one of which stands out from whatever is
-// there. Takes no events, and nothing at all while it is hidden, as at first.
+// there; other marks and controls lie over it. Takes no events, and nothing at all while it is
+// hidden, as at first.
 //
 // Thread: main.
 class FocusRing : public QWidget {
   Q_OBJECT
 
  public:
-  // Of both lines, in points.
-  static constexpr int Breadth = 2;
-
   explicit FocusRing(QWidget* parent);
   ~FocusRing() override;
 

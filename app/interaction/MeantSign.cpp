@@ -1,6 +1,6 @@
 #include "app/interaction/MeantSign.h"
 
-#include "app/access/FocusRing.h"
+#include "app/display/SignItem.h"
 #include "app/display/StripWidget.h"
 #include "zqticker/platform/graphics/Color.h"
 
@@ -18,7 +18,7 @@ std::size_t indexOf(const std::vector<SignSpot>& spots, std::uint64_t run) {
 
 MeantSign::MeantSign(StripWidget& strip, TickerDisplay& display)
     : strip_(strip), display_(display), outline_(new SignMark(SignMark::Kind::Outline, &strip)) {
-  // Controls stand over it.
+  // Controls stand over it, the ring of the focus under it.
   outline_->lower();
   connect(&strip.player(), &StripPlayer::frameDue, this, &MeantSign::mark);
   connect(&strip.keyboard(), &StripFocus::changed, this, [this] {
@@ -97,12 +97,12 @@ void MeantSign::mark() {
   }
   const platform::Ref<platform::Color> text = display_.defaultTextColor();
   outline_->setColors(text ? text->qColor() : QColor(Qt::black), strip_.background());
-  // Beside the sign, and within the ring of the focus.
-  const double beside = SignMark::Breadth;
-  const double within = strip_.keyboard().isTaken() ? FocusRing::Breadth : 0;
-  outline_->showAt(display_.isHorizontal()
-                       ? meant->area.adjusted(-beside, within, beside, -within)
-                       : meant->area.adjusted(within, -beside, -within, beside));
+  // Beside the sign, where another one leaves it the room: behind it only as far as a gap goes.
+  const double before = SignMark::Breadth;
+  const double behind =
+      isReversed(display_.direction()) ? 0 : std::min(before, meant->item().placement().gap);
+  outline_->showAt(display_.isHorizontal() ? meant->area.adjusted(-before, 0, behind, 0)
+                                           : meant->area.adjusted(0, -before, 0, behind));
 }
 
 } // namespace zq::app
