@@ -110,7 +110,9 @@ TEST_F(StripPagesScreen, ShowsPagesUnfadedInTheOtherDirections) {
     QProcessEnvironment environment = bus_->environment(server_->environment());
     environment.insert(u"XDG_CONFIG_HOME"_s, folder_.path());
     program_.emplace(arguments, environment);
-    const auto colorAtStart = [&] { return server_->screenshot().pixel(start) & 0xffffff; };
+    const auto colorAtStart = [&, start = start] {
+      return server_->screenshot().pixel(start) & 0xffffff;
+    };
     for (const QColor color : {Qt::red, Qt::blue})
       EXPECT_TRUE(waitUntil([&] { return colorAtStart() == rgb(color); }))
           << name.toStdString() << " " << color.name().toStdString();
