@@ -238,8 +238,8 @@ TEST_F(StripUnderCommands, MeanTheFirstSignWhoseStartIsThere) {
   focus();
   EXPECT_EQ(meant(), first) << "it stands at the edge";
   EXPECT_TRUE(waitUntil([&] { return outline().isVisible(); }));
-  EXPECT_EQ(outline().geometry().topLeft(), QPoint(0, 2)) << "within the ring of the focus";
-  EXPECT_EQ(outline().height(), 20);
+  EXPECT_EQ(outline().geometry().topLeft(), QPoint(0, 0));
+  EXPECT_EQ(outline().height(), strip.height()) << "the sign keeps its room";
   EXPECT_NEAR(outline().width(), 103, 1) << "beside the sign";
   display.moveBy(30, strip.time());
   strip.displayChanged();
@@ -250,6 +250,32 @@ TEST_F(StripUnderCommands, MeanTheFirstSignWhoseStartIsThere) {
   strip.keyboard().giveBack();
   strip.hide();
   EXPECT_TRUE(waitUntil([&] { return !meant(); }));
+}
+
+TEST_F(StripUnderCommands, OutlineATextOnlyAsFarAsTheNextSign) {
+  display.setSpeed(0, strip.time());
+  add(text(u"one"_s));
+  const auto second = add(text(u"two"_s));
+  const auto third = add(text(u"six"_s));
+  show();
+  focus();
+  ASSERT_TRUE(waitUntil([&] { return signsInSight(display).size() >= 3; }));
+  commands->meantSign().choose(1);
+  ASSERT_EQ(meant(), second);
+  const auto startOfThird = [&] {
+    for (const SignSpot& spot : signsInSight(display))
+      if (spot.entry == third)
+        return spot.area.left();
+    return 0.0;
+  };
+  EXPECT_LE(outline().geometry().right(), startOfThird());
+  EXPECT_GE(outline().geometry().right(), startOfThird() - 2);
+  // Signs keep their places where the strip turns.
+  display.setDirection(ScrollDirection::Right, strip.time());
+  commands->meantSign().choose(0);
+  ASSERT_EQ(meant(), second);
+  EXPECT_LE(outline().geometry().right(), startOfThird());
+  EXPECT_GE(outline().geometry().right(), startOfThird() - 2);
 }
 
 TEST_F(StripUnderCommands, ChooseByTabAmongWhatIsInSight) {
