@@ -32,7 +32,7 @@ inline std::optional<std::uint64_t> nextBlankOf(const QByteArray& display) {
       const auto* report = reinterpret_cast<xcb_present_complete_notify_event_t*>(event);
       if ((event->response_type & 0x7f) == XCB_GE_GENERIC &&
           report->event_type == XCB_PRESENT_COMPLETE_NOTIFY)
-        count = report->msc;
+        count = std::uint64_t(report->msc); // a copy: events are packed
       std::free(event);
     }
   }
