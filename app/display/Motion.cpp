@@ -88,20 +88,16 @@ double Motion::lowestBetween(double begin, double end) const {
 
 void Motion::setSpeed(double pointsPerSecond, double time) {
   const double speed = usableSpeed(pointsPerSecond);
-  if (isGlidingToGoalAt(time)) {
-    const double goal = goal_;
-    const double end = since_;
-    restartAt(travelAt(time), std::max(time, glideStart_));
-    speed_ = speed;
-    glideTo(goal, since_, end - since_);
-    return;
-  }
-  const double end = since_;
   const double velocity = velocityAt(time);
   const bool isGliding = isGlidingAt(time);
+  const bool hadGoal = isGlidingToGoalAt(time);
+  const double goal = goal_;
+  const double end = since_;
   restartAt(travelAt(time), std::max(time, glideStart_));
   speed_ = speed;
-  if (isGliding)
+  if (hadGoal)
+    glideTo(goal, since_, end - since_);
+  else if (isGliding)
     glideBy((velocity - speed) * (end - since_) / 3, since_, end - since_);
 }
 

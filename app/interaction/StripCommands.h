@@ -4,10 +4,6 @@
 #include "app/interaction/MeantSign.h"
 
 #include <QtCore/QObject>
-#include <QtCore/QPoint>
-
-class QAction;
-class QContextMenuEvent;
 
 namespace zq::app {
 
